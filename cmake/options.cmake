@@ -1,0 +1,16 @@
+# Build switches and the warnings that every target obeys.
+option(TARN_TESTS "build the tests" ON)
+option(TARN_SANITIZE "build with AddressSanitizer and UndefinedBehaviorSanitizer" OFF)
+option(TARN_FUZZ "build the libFuzzer targets (needs clang)" OFF)
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Werror)
+# Results must not depend on the compiler's taste: no fused or reordered arithmetic.
+add_compile_options(-ffp-contract=off -fno-math-errno)
+if(TARN_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+if(TARN_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -g)
+  add_link_options(-fsanitize=address,undefined)
+endif()
