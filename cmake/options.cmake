@@ -3,7 +3,7 @@ option(TARN_TESTS "build the tests" ON)
 option(TARN_SANITIZE "build with AddressSanitizer and UndefinedBehaviorSanitizer" OFF)
 option(TARN_FUZZ "build the libFuzzer targets (needs clang)" OFF)
 
-add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Werror)
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Werror)
 # Results must not depend on the compiler's taste: no fused or reordered arithmetic.
 add_compile_options(-ffp-contract=off -fno-math-errno)
 if(TARN_SANITIZE)

@@ -1,4 +1,4 @@
-/* special/machine.h - the machine constants shared by all numerical code.
+/* interp/base/machine.h - the machine constants shared by all numerical code.
  * Owns:    nothing but constants.
  * Callers: anyone.
  * Never:   changes with the platform: all numbers are IEEE doubles. */
