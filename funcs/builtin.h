@@ -9,10 +9,10 @@
 
 #include <cstdint>
 
-// Codes -1..-399: scalar functions of up to seven scalars. A missing argument takes its default (argument 2 is 0,
-// 3 is 1, 4 and 5 are 0, 6 is 1, 7 is 0); the signature in TOKEN.FIL says which may be missing.
-// PURE: same arguments, same result, no effect (may be evaluated in blocks, in any order, or once).
-// COUNTED: the routine wants the number of arguments given: it gets it as `double n` in front.
+// Codes -1..-399: scalar functions of up to seven scalars. A missing argument takes its default (argument 2
+// is 0, 3 is 1, 4 and 5 are 0, 6 is 1, 7 is 0); the signature in TOKEN.FIL says which may be missing. PURE:
+// same arguments, same result, no effect (may be evaluated in blocks, in any order, or once). COUNTED: the
+// routine wants the number of arguments given: it gets it as `double n` in front.
 enum scalarflags { PURE = 0, IMPURE = 1, COUNTED = 2 };
 struct scalarrow {
     int16_t code;
@@ -32,10 +32,14 @@ struct scalarrow {
     using d = double;
     constexpr scalarrow() : code(0), arity(0), flags(0), f0(nullptr) {}
     constexpr scalarrow(int c, d (*f)(), int fl = 0) : code(int16_t(c)), arity(0), flags(int8_t(fl)), f0(f) {}
-    constexpr scalarrow(int c, d (*f)(d), int fl = 0) : code(int16_t(c)), arity(1), flags(int8_t(fl)), f1(f) {}
-    constexpr scalarrow(int c, d (*f)(d, d), int fl = 0) : code(int16_t(c)), arity(2), flags(int8_t(fl)), f2(f) {}
-    constexpr scalarrow(int c, d (*f)(d, d, d), int fl = 0) : code(int16_t(c)), arity(3), flags(int8_t(fl)), f3(f) {}
-    constexpr scalarrow(int c, d (*f)(d, d, d, d), int fl = 0) : code(int16_t(c)), arity(4), flags(int8_t(fl)), f4(f) {}
+    constexpr scalarrow(int c, d (*f)(d), int fl = 0)
+        : code(int16_t(c)), arity(1), flags(int8_t(fl)), f1(f) {}
+    constexpr scalarrow(int c, d (*f)(d, d), int fl = 0)
+        : code(int16_t(c)), arity(2), flags(int8_t(fl)), f2(f) {}
+    constexpr scalarrow(int c, d (*f)(d, d, d), int fl = 0)
+        : code(int16_t(c)), arity(3), flags(int8_t(fl)), f3(f) {}
+    constexpr scalarrow(int c, d (*f)(d, d, d, d), int fl = 0)
+        : code(int16_t(c)), arity(4), flags(int8_t(fl)), f4(f) {}
     constexpr scalarrow(int c, d (*f)(d, d, d, d, d), int fl = 0)
         : code(int16_t(c)), arity(5), flags(int8_t(fl)), f5(f) {}
     constexpr scalarrow(int c, d (*f)(d, d, d, d, d, d), int fl = 0)
@@ -51,7 +55,9 @@ struct callargs {
     int p; // polstack position of the callee
     int n; // arguments given
     int code;
-    int operator[](int k) const { return k <= n ? parser.polstack[p + k] : 0; } // argument k from 1; 0 when not given
+    int operator[](int k) const {
+        return k <= n ? parser.polstack[p + k] : 0;
+    } // argument k from 1; 0 when not given
     const char* name() const { return sym(parser.polstack[p]).name; }
     // Value of scalar argument k, which may stand on the scalar stack; `absent` when not given.
     double scalar(int k, double absent = 0) const;

@@ -1,7 +1,7 @@
 /* special/fault.h - how a mathematical function tells that an argument was out of its domain.
- * Owns:    the record of the faults met since the last spfaultclear; a routine returns its default value and notes why.
- * Callers: the routines of special/ and stats/ note; the builtin dispatch reads, prints the words and clears.
- * Never:   prints, throws, or changes a result. */
+ * Owns:    the record of the faults met since the last spfaultclear; a routine returns its default value and
+ * notes why. Callers: the routines of special/ and stats/ note; the builtin dispatch reads, prints the words
+ * and clears. Never:   prints, throws, or changes a result. */
 #pragma once
 
 enum spfaultkind {
@@ -19,7 +19,10 @@ enum spfaultkind {
 struct spfaultlist {
     static constexpr int room = 4;
     int count = 0; // noted in all
-    struct { spfaultkind kind; char text[100]; } at[room];
+    struct {
+        spfaultkind kind;
+        char text[100];
+    } at[room];
 };
 extern spfaultlist spfaults;
 

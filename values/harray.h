@@ -18,7 +18,9 @@ static_assert(sizeof(harray) == sizeof(double));
 inline double* cells(harray* m) { return reinterpret_cast<double*>(m); }
 inline const double* cells(const harray* m) { return reinterpret_cast<const double*>(m); }
 inline size_t harraycount(const harray* m) { return size_t(m->rows) * m->cols; }
-inline double& at(harray* m, size_t i, size_t j) { return cells(m)[(i - 1) * m->cols + j]; } // 1-based, unchecked
+inline double& at(harray* m, size_t i, size_t j) {
+    return cells(m)[(i - 1) * m->cols + j];
+} // 1-based, unchecked
 inline double at(const harray* m, size_t i, size_t j) { return cells(m)[(i - 1) * m->cols + j]; }
 
 harray* harraynew(uint32_t rows, uint32_t cols); // zeroed; errors as xalloc

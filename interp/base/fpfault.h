@@ -18,8 +18,8 @@ extern fpstate fp;
 
 // Counts a fault, prints its message within the limit, gives MAXPOS or MAXNEG by the sign.
 [[gnu::cold]] double fpfault(fpkind kind, bool negative);
-[[gnu::cold]] double fprepair(double result);              // of a non-finite sum, product or power
-[[gnu::cold]] double fprepairdiv(double x, double y);      // of a non-finite x/y
+[[gnu::cold]] double fprepair(double result);         // of a non-finite sum, product or power
+[[gnu::cold]] double fprepairdiv(double x, double y); // of a non-finite x/y
 // A domain or range fault of a library routine: "matherr: " kind "in " name; repaired value returned.
 enum matherrkind { MEDOMAIN, MESING, MEOVERFLOW, MEUNDERFLOW, MELOSS };
 [[gnu::cold]] double matherr(matherrkind kind, const char* name, double value);

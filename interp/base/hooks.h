@@ -12,24 +12,26 @@ struct consolehooks {
     int (*getkey)(bool wait);                       // see getkey in report.h
     bool (*breakpending)();                         // control-C seen since the last call; clears it
     void (*colour)(int in, int out);                // console colour numbers 0..15
-    // Puts a question; returns the number (0-based) of the choice taken. In a batch the first choice is taken.
+    // Puts a question; returns the number (0-based) of the choice taken. In a batch the first choice is
+    // taken.
     int (*question)(const char* title, const char* message, const char* const* choices, int nchoices);
-    bool (*readline)(const char* prompt, std::string& line); // one line from the keyboard; false at end of input
-    void (*errortext)(const char* text);            // a copy of each error and warning in a batch
+    bool (*readline)(const char* prompt,
+                     std::string& line); // one line from the keyboard; false at end of input
+    void (*errortext)(const char* text); // a copy of each error and warning in a batch
 };
 extern consolehooks console;
 
 struct upperhooks {
-    void (*newtoken)(int& number, int& index);   // the scanner
-    void (*pushtoken)(int number, int index);    // one token of pushback
-    void (*subscript)(int base, int symidx);     // matrixhandler: subscripts of a matrix at statement level
-    void (*runstatement)(const char* text);      // runs one statement's text now (definitions from save files)
-    void (*redraw)();                            // automatic redraw after plot objects changed
-    void (*closeplot)();                         // a printer device is open when control-C comes
+    void (*newtoken)(int& number, int& index); // the scanner
+    void (*pushtoken)(int number, int index);  // one token of pushback
+    void (*subscript)(int base, int symidx);   // matrixhandler: subscripts of a matrix at statement level
+    void (*runstatement)(const char* text);    // runs one statement's text now (definitions from save files)
+    void (*redraw)();                          // automatic redraw after plot objects changed
+    void (*closeplot)();                       // a printer device is open when control-C comes
     void (*shutdowngraphics)();
     void (*nformatchanged)(const char* text);
-    void (*displayselect)(const char* name);     // DISPLAY was assigned
-    int (*derivative)(int f, int x);             // see makederiv in funcs/deriv.h; for rooms below it
+    void (*displayselect)(const char* name); // DISPLAY was assigned
+    int (*derivative)(int f, int x);         // see makederiv in funcs/deriv.h; for rooms below it
     // The state of the running integration, or a solution called inside an expression: see solvers/odesetup.h
     bool (*odecall)(int symidx, const double* args, int nargs, double& result);
 };

@@ -14,7 +14,9 @@ struct numberformat {
 extern numberformat nformat;
 
 void parsenformat(const char* text); // error "Illegal nformat string"
-// buf takes the text (room for 64 characters and the positions asked for); the fields are those of numberformat.
-void numtext(char* buf, double x, int intpos, int fracpos, int leadmode, int trailmode, int smalldigits, int forceexp);
-std::string numstring(double x);     // by the current NFORMAT
+// buf takes the text (room for 64 characters and the positions asked for); the fields are those of
+// numberformat.
+void numtext(char* buf, double x, int intpos, int fracpos, int leadmode, int trailmode, int smalldigits,
+             int forceexp);
+std::string numstring(double x); // by the current NFORMAT
 std::string numstring(double x, const numberformat& f);

@@ -8,15 +8,16 @@
 
 struct harray; // values/harray.h
 
-bool isscalartype(int type);               // CONSTANT, SCALAR, USERFUNCTION, INITIALVALUE
+bool isscalartype(int type); // CONSTANT, SCALAR, USERFUNCTION, INITIALVALUE
 inline bool isscalar(int idx) { return isscalartype(sym(idx).type); }
 inline bool ismatrix(int idx) { return sym(idx).type == MATRIX; }
 inline bool isstringtype(int idx) { return sym(idx).type == STRINGTYPE || sym(idx).type == TEMPSTRING; }
-const char* stringval(int idx);            // text of a string entry (never null)
+const char* stringval(int idx); // text of a string entry (never null)
 
-double scalarval(int idx);                 // scalar class, or the first element of a matrix; else an error
-harray* matrixval(int idx, int& temp);     // the matrix; for a scalar a 1 by 1 temporary, its index in temp (else 0)
-int scalartemp(int idx);                   // a 1 by 1 temporary matrix from a scalar-class entry
+double scalarval(int idx); // scalar class, or the first element of a matrix; else an error
+harray* matrixval(int idx,
+                  int& temp); // the matrix; for a scalar a 1 by 1 temporary, its index in temp (else 0)
+int scalartemp(int idx);      // a 1 by 1 temporary matrix from a scalar-class entry
 
 // What values/ tells at start, since base cannot see a matrix.
 struct operandhooks {

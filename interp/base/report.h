@@ -22,10 +22,11 @@ struct reportstate {
 };
 extern reportstate report;
 
-void tarnprint(const char* format, ...) __attribute__((format(printf, 1, 2)));  // capture, listing, or log + console
-void tarnprinttext(const char* text, size_t length);                            // the same for text as it stands
-void conout(const char* format, ...) __attribute__((format(printf, 1, 2)));     // console only
-void logout(const char* format, ...) __attribute__((format(printf, 1, 2)));     // log only
+void tarnprint(const char* format, ...)
+    __attribute__((format(printf, 1, 2)));           // capture, listing, or log + console
+void tarnprinttext(const char* text, size_t length); // the same for text as it stands
+void conout(const char* format, ...) __attribute__((format(printf, 1, 2))); // console only
+void logout(const char* format, ...) __attribute__((format(printf, 1, 2))); // log only
 void conputc(int c);
 int getkey(bool wait); // -1 when none waits (wait false); extended keys are 256 plus the scan code
 void keypoll();        // Q sets parser.interrupted, R turns parser.reporttoggle; for long work
@@ -39,6 +40,6 @@ void argwarn(const char* name);
 [[noreturn]] void argtype(const char* name);
 [[noreturn]] void argshape(const char* name);
 
-// File name: dir/name.ext; dir is left out when empty or when name begins with a separator or a period; ext is
-// added when name holds no period (behind its last separator). Both separators are understood.
+// File name: dir/name.ext; dir is left out when empty or when name begins with a separator or a period; ext
+// is added when name holds no period (behind its last separator). Both separators are understood.
 std::string bindname(const char* name, const char* dir, const char* ext);

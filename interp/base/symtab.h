@@ -1,7 +1,7 @@
 /* interp/base/symtab.h - the symbol table, the one namespace of the system.
- * Owns:    every symbol record, temporaries, interned constants, the protected list; an index stays valid for its life.
- * Callers: every room; rooms that own a kind of value tell how it is released by symtabkind.
- * Never:   parses, evaluates, or knows what a value holds beyond its type code. */
+ * Owns:    every symbol record, temporaries, interned constants, the protected list; an index stays valid for
+ * its life. Callers: every room; rooms that own a kind of value tell how it is released by symtabkind. Never:
+ * parses, evaluates, or knows what a value holds beyond its type code. */
 #pragma once
 
 #include <cstdint>
@@ -32,7 +32,8 @@ enum symboltype {
 };
 
 struct symbol {
-    char name[MAXNAME + 1]; // "" never used, "@" deleted, " " temporary, "#..." constant, "....f.x" derivative
+    char
+        name[MAXNAME + 1]; // "" never used, "@" deleted, " " temporary, "#..." constant, "....f.x" derivative
     int16_t type;
     int16_t index; // link or negated tree root, by type
     union {
@@ -45,9 +46,9 @@ struct symbol {
 
 // How values of one type are let go; filled at start by the room that owns the type. Any may be null.
 struct symtabkindrow {
-    void (*release)(symbol& s);                 // frees what val owns (a temporary, or before overwriting)
-    void (*remove)(int idx);                    // the whole of DELETE for a type with links (windows, curves...)
-    bool (*uses)(const symbol& s, int target);  // does the value refer to symbol target?
+    void (*release)(symbol& s); // frees what val owns (a temporary, or before overwriting)
+    void (*remove)(int idx);    // the whole of DELETE for a type with links (windows, curves...)
+    bool (*uses)(const symbol& s, int target); // does the value refer to symbol target?
 };
 
 struct symtabstate {
@@ -68,27 +69,28 @@ inline symbol& sym(int idx) { return symtab.at[idx]; }
 inline bool istemporary(int idx) { return symtab.at[idx].name[0] == ' '; }
 extern const double UNDEFINEDMARK; // the value of a symbol of type UNKNOWN
 
-void symtabstart();                              // empty table; kinds are kept
-void symtabconstants();                          // the seventeen shared constants
-void symtabprotect();                            // builds the protected list
+void symtabstart();     // empty table; kinds are kept
+void symtabconstants(); // the seventeen shared constants
+void symtabprotect();   // builds the protected list
 bool symtabprotected(int idx);
-int symtabprotectedname(const char* name);       // index on the protected list of that name, or -1
+int symtabprotectedname(const char* name); // index on the protected list of that name, or -1
 
 int symtabhash(const char* name);
-int symtabenter(const char* name);               // finds or makes (type UNKNOWN); errors: name too long, table full
-int symtablookup(const char* name);              // -1 if there is none; makes nothing
-int symtabslot();                                // lowest free slot for an anonymous entry, marked as a temporary
-int symtabconst(double rval);                    // temporary constant; interned when a definition is compiled
+int symtabenter(const char* name);  // finds or makes (type UNKNOWN); errors: name too long, table full
+int symtablookup(const char* name); // -1 if there is none; makes nothing
+int symtabslot();                   // lowest free slot for an anonymous entry, marked as a temporary
+int symtabconst(double rval);       // temporary constant; interned when a definition is compiled
 // Releases the operands free1 and free2 (0: none), then makes a temporary that holds payload (a double* for
 // types 2 and 4, else the object, whose ownership passes to the entry). Returns its index.
 int symtabtemp(int free1, int free2, void* payload, int type, int index);
 int symtabtempscalar(int free1, int free2, double value); // the same for a SCALAR
-void tempfree(int idx);                          // lets go of a temporary; named entries and SUBMTX pass through
-void symtabmarkdeleted(int idx);                 // the name becomes "@", the slot may be taken again
-void symtabdelete(int idx);                      // DELETE of one symbol
-void symtabdeleteall();                          // DELETEALL
-bool symtabused(int idx);                        // does any function, initial value or constraint set refer to it?
-void symtabsweep();                              // after an error: lets go of every temporary
-void symtabprint(int idx);                       // debugging aid
-double symtabscalar(const char* name, double absent); // value of a scalar by name, for switches read at a call
+void tempfree(int idx);          // lets go of a temporary; named entries and SUBMTX pass through
+void symtabmarkdeleted(int idx); // the name becomes "@", the slot may be taken again
+void symtabdelete(int idx);      // DELETE of one symbol
+void symtabdeleteall();          // DELETEALL
+bool symtabused(int idx);        // does any function, initial value or constraint set refer to it?
+void symtabsweep();              // after an error: lets go of every temporary
+void symtabprint(int idx);       // debugging aid
+double symtabscalar(const char* name,
+                    double absent); // value of a scalar by name, for switches read at a call
 const char* symtabstring(const char* name, const char* absent);

@@ -1,0 +1,31 @@
+#include "interp/base/hooks.h"
+
+consolehooks console;
+upperhooks upper;
+
+void hooksreset() {
+    console = {};
+    console.write = [](const char*, size_t) {};
+    console.getkey = [](bool) { return -1; };
+    console.breakpending = [] { return false; };
+    console.colour = [](int, int) {};
+    console.question = [](const char*, const char*, const char* const*, int) { return 0; };
+    console.readline = [](const char*, std::string&) { return false; };
+    console.errortext = [](const char*) {};
+    upper = {};
+    upper.newtoken = [](int& number, int& index) { number = 75, index = 0; };
+    upper.pushtoken = [](int, int) {};
+    upper.subscript = [](int, int) {};
+    upper.runstatement = [](const char*) {};
+    upper.redraw = [] {};
+    upper.closeplot = [] {};
+    upper.shutdowngraphics = [] {};
+    upper.nformatchanged = [](const char*) {};
+    upper.displayselect = [](const char*) {};
+    upper.derivative = [](int, int) { return 0; };
+    upper.odecall = [](int, const double*, int, double&) { return false; };
+}
+
+namespace {
+const bool hooked = (hooksreset(), true); // before main, so that no caller meets a null pointer
+}

@@ -1,0 +1,154 @@
+#include "interp/base/report.h"
+
+#include "interp/base/hooks.h"
+#include "interp/base/parser.h"
+#include "interp/base/symtab.h"
+
+#include <cstdarg>
+#include <cstring>
+#include <string>
+
+reportstate report;
+
+namespace {
+
+std::string formatted(const char* format, va_list args) {
+    char small[1024];
+    va_list again;
+    va_copy(again, args);
+    const int length = vsnprintf(small, sizeof small, format, args);
+    std::string text;
+    if (length >= int(sizeof small)) {
+        text.resize(size_t(length) + 1);
+        vsnprintf(text.data(), text.size(), format, again);
+        text.resize(size_t(length));
+    } else if (length > 0) {
+        text.assign(small, size_t(length));
+    }
+    va_end(again);
+    return text;
+}
+
+void consoletext(const char* text, size_t length) {
+    if (console.breakpending()) throw recoveryjump{6};
+    console.write(text, length);
+}
+
+void show(const std::string& text) { tarnprinttext(text.data(), text.size()); }
+
+// An error must reach the user even while output goes to a listing or into a string.
+[[noreturn]] void fail(const std::string& text) {
+    if (!report.recoveryset) conout("%%%%error: setjmp not initialized: exiting...\n");
+    report.errors++;
+    show(text);
+    if (report.batch) console.errortext(text.c_str());
+    throw recoveryjump{-1};
+}
+
+} // namespace
+
+void tarnprinttext(const char* text, size_t length) {
+    if (report.capture) {
+        report.capture->append(text, length);
+        return;
+    }
+    if (report.listing) {
+        fwrite(text, 1, length, report.listing);
+        return;
+    }
+    if (report.log) fwrite(text, 1, length, report.log);
+    consoletext(text, length);
+}
+
+void tarnprint(const char* format, ...) {
+    va_list args;
+    va_start(args, format);
+    const std::string text = formatted(format, args);
+    va_end(args);
+    show(text);
+}
+
+void conout(const char* format, ...) {
+    va_list args;
+    va_start(args, format);
+    const std::string text = formatted(format, args);
+    va_end(args);
+    consoletext(text.data(), text.size());
+}
+
+void logout(const char* format, ...) {
+    if (!report.log) return;
+    va_list args;
+    va_start(args, format);
+    vfprintf(report.log, format, args);
+    va_end(args);
+}
+
+void conputc(int c) {
+    const char text = char(c);
+    consoletext(&text, c == 3 ? 0 : 1);
+}
+
+int getkey(bool wait) {
+    if (console.breakpending()) throw recoveryjump{6};
+    const int key = console.getkey(wait);
+    if (console.breakpending()) throw recoveryjump{6};
+    return key;
+}
+
+void keypoll() {
+    if (parser.interrupted) return;
+    const int key = getkey(false);
+    if (key == 'Q' || key == 'q') parser.interrupted = true;
+    if (key == 'R' || key == 'r') parser.reporttoggle = !parser.reporttoggle;
+}
+
+void tarnerror(const char* format, ...) {
+    std::string text;
+    if (format) {
+        va_list args;
+        va_start(args, format);
+        text = "##Error: " + formatted(format, args);
+        va_end(args);
+    }
+    fail(text + "\n");
+}
+
+void tarnsyntax(int n, const char* format, ...) {
+    va_list args;
+    va_start(args, format);
+    const std::string text = "##Syntax Error[" + std::to_string(n) + "]: " + formatted(format, args);
+    va_end(args);
+    fail(text + "\n");
+}
+
+void tarnwarn(const char* format, ...) {
+    if (symtabscalar("WARNSW", 1) == 0) return;
+    va_list args;
+    va_start(args, format);
+    const std::string text = "Warning: " + formatted(format, args) + "\n";
+    va_end(args);
+    show(text);
+    if (report.batch) console.errortext(text.c_str());
+}
+
+void argwarn(const char* name) { tarnwarn("function: %s. argument out of range", name); }
+void argrange(const char* name) { tarnerror("%s: argument out of range", name); }
+void argtype(const char* name) { tarnerror("%s: an expression is of the wrong type", name); }
+void argshape(const char* name) { tarnerror("Incorrect row/col shape of an argument of %s\n", name); }
+
+std::string bindname(const char* name, const char* dir, const char* ext) {
+    std::string path;
+    const bool rooted = *name == '\\' || *name == '/' || *name == '.';
+    if (dir && *dir && !rooted) {
+        path = dir;
+        if (path.back() != '\\' && path.back() != '/') path += '/';
+    }
+    path += name;
+    for (char& c : path)
+        if (c == '\\') c = '/';
+    const size_t last = path.find_last_of('/');
+    if (ext && path.find('.', last == std::string::npos ? 0 : last) == std::string::npos)
+        path = path + "." + ext;
+    return path;
+}
