@@ -50,19 +50,16 @@ void makeunknown(symbol& s) {
     s.val.rval = UNDEFINEDMARK;
 }
 
-// Derivatives of a deleted function are worth nothing without it.
+// Derivatives of a deleted function are worth nothing without it. Derivatives with respect to its name stay.
 void clearderivatives(const char* name) {
     const size_t length = strlen(name);
     for (int i = 1; i < SYMTABSIZE; i++) {
         symbol& s = symtab.at[i];
         if (s.type != USERFUNCTION || s.name[0] != '.') continue;
-        for (const char* dot = s.name; dot; dot = strchr(dot + 1, '.')) {
-            if (strncmp(dot + 1, name, length) == 0 && (dot[1 + length] == '.' || dot[1 + length] == 0)) {
-                s.index = 0;
-                makeunknown(s);
-                break;
-            }
-        }
+        const char* base = s.name + strspn(s.name, ".");
+        if (strncmp(base, name, length) != 0 || base[length] != '.') continue;
+        s.index = 0;
+        makeunknown(s);
     }
 }
 

@@ -144,14 +144,14 @@ TEST_F(basetest, deleteRefusals) {
 }
 
 TEST_F(basetest, deletedFunctionTakesItsDerivativesAlong) {
-    const char* names[] = {"F", ".F.X", "..F.X.X", ".FOO.X", ".G.X"};
+    const char* names[] = {"F", ".F.X", "..F.X.X", ".FOO.X", ".G.F"};
     for (const char* name : names) sym(symtabenter(name)).type = USERFUNCTION;
     symtabdelete(symtablookup("F"));
     EXPECT_EQ(sym(symtablookup("F")).type, UNKNOWN);
     EXPECT_EQ(sym(symtablookup(".F.X")).type, UNKNOWN);
     EXPECT_EQ(sym(symtablookup("..F.X.X")).type, UNKNOWN);
     EXPECT_EQ(sym(symtablookup(".FOO.X")).type, USERFUNCTION);
-    EXPECT_EQ(sym(symtablookup(".G.X")).type, USERFUNCTION);
+    EXPECT_EQ(sym(symtablookup(".G.F")).type, USERFUNCTION);
     EXPECT_TRUE(parser.treegarbage);
 }
 
