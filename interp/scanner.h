@@ -1,0 +1,56 @@
+/* interp/scanner.h - statement text to tokens.
+ * Owns:    the pushback, the place where the last token began, the recorded tokens that stand in for text.
+ * Callers: polish, and those who read a statement's tail themselves: IF, FOR, CONSTRAINTS, HELP, subscripts.
+ * Never:   parses. Every token is a number (see tokens.h) and a symbol index. */
+#pragma once
+
+#include "interp/source.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+// Tokens recorded once and delivered again at each pass of a FOR loop, in place of its text.
+struct tokenrecord {
+    int16_t number;
+    int16_t index; // name, keyword: the symbol; string: its place in texts; bracket: its character
+    int16_t name;  // name: its place in texts, to find it anew should the symbol have been deleted; else -1
+    double value;  // of a number
+};
+struct tokenstream {
+    std::vector<tokenrecord> tokens;
+    std::vector<std::string> texts;
+    size_t next = 0; // the token to be delivered
+    size_t stop = 0; // where delivery has to look at cuts: the start of the nearest one, or the end
+    struct cut {
+        size_t from, to;
+    };
+    std::vector<cut> cuts; // parts left out of this pass (the branch of an IF that is not taken)
+};
+
+struct scannerstate {
+    int pushnumber = -1; // one token of pushback; -1: none
+    int pushindex = 0;
+    char bracket = 0; // the character of the last bracket token
+    size_t start = 0; // where the last token began: in line.text, or in the stream
+    tokenstream* stream =
+        nullptr; // when set, tokens come from here until it is used up; then getline is called
+    tokenstream* record = nullptr; // when set, every token scanned is also appended here
+};
+extern scannerstate scanner;
+
+void scannerreset();                    // empties the pushback
+void newtoken(int& number, int& index); // the next token
+void pushtoken(int number, int index);  // it will be the next token again
+char peekch(); // the character at the cursor, refilling when there is none; text only
+char getch();  // the same, and goes on
+// A number at the cursor. status: 0 good, -1 bad exponent, -2 no digits.
+double getnumber(int& status);
+
+// The rest of the input as text or as tokens alike. A position is a place in line.text or in the stream.
+size_t scanposition();                // where the next token will be read; the pushback must be empty
+void scanseek(size_t position);       // reads on from there; empties the pushback
+void scancut(size_t from, size_t to); // leaves [from, to) out of what is still to be read
+
+void streamrewind(tokenstream& s); // to the start of a pass, with no cuts

@@ -1,0 +1,29 @@
+/* interp/source.h - the text that statements are read from.
+ * Owns:    the line buffer with its read position, the two lines before it, the prompt, the depth of the
+ * do-stack. Callers: the scanner reads; IF, FOR and RETURN move the position or cut text; polish sets the
+ * prompt. Never:   knows a token. */
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+struct linestate {
+    std::string text;     // statement text; each line read ends with a carriage return
+    size_t cursor = 0;    // read position; at the end of text the next look at a character calls getline
+    std::string prevline; // the two lines completed before
+    std::string lastline;
+    const char* prompt = "* ";
+    bool keepline =
+        false;            // text must keep what it holds: getline appends behind it, and cursor goes on there
+    bool eofseen = false; // the current source has ended; it is popped at the next refill
+    size_t carry = 0;     // length of the text held in front of the line being read
+    int depth = 0;        // frames on the do-stack: 0 while the keyboard is the source
+};
+extern linestate line;
+
+// Refills line (or turns scanner.stream to its next pass): on return a character or token can be read. Called
+// only with nothing left to read. Does not return when the input has ended for good.
+void getline();
+
+// RETURN: nothing more is read from the current do-file, or the running FOR loop makes no further pass.
+void sourcereturn();
