@@ -11,6 +11,9 @@ void hooksreset() {
     console.colour = [](int, int) {};
     console.question = [](const char*, const char*, const char* const*, int) { return 0; };
     console.readline = [](const char*, std::string&) { return false; };
+    console.lineedit = [](std::string&) { return false; };
+    console.editfile = [](const char*) { return false; };
+    console.printfile = [](const char*) { return false; };
     console.errortext = [](const char*) {};
     upper = {};
     upper.newtoken = [](int& number, int& index) { number = 75, index = 0; };

@@ -15,9 +15,12 @@ struct consolehooks {
     // Puts a question; returns the number (0-based) of the choice taken. In a batch the first choice is
     // taken.
     int (*question)(const char* title, const char* message, const char* const* choices, int nchoices);
-    bool (*readline)(const char* prompt,
-                     std::string& line); // one line from the keyboard; false at end of input
+    // Prints the prompt and reads one line from the keyboard (no line end in it); false at the end of input.
+    bool (*readline)(const char* prompt, std::string& line);
+    bool (*lineedit)(std::string& text); // the line editor on text; false where there is no terminal
     void (*errortext)(const char* text); // a copy of each error and warning in a batch
+    bool (*editfile)(const char* path);  // the platform's text editor; false if it could not be started
+    bool (*printfile)(const char* path); // sends a file unchanged to the printer; false if that failed
 };
 extern consolehooks console;
 

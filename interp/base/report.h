@@ -19,6 +19,8 @@ struct reportstate {
     bool recoveryset = false;       // the statement loop stands
     bool batch = false;             // errors and warnings also go to standard error
     int errors = 0;                 // errors reported since the start
+    std::string filedir;            // the default directory of files: FILEDIR behind its leading blanks
+    std::string tarnpath;           // the directory of the start-up files, ending in a separator
 };
 extern reportstate report;
 
