@@ -53,4 +53,4 @@ int dexponent(double x);           // unbiased binary exponent, from the bits
 double powu(double x, uint32_t n); // binary powering
 double powi(double x, int n);      // integer power with the system's rules for 0^0 and overflow
 
-void valuesstart(); // sets the kinds of MATRIX and the operand hooks
+void valuesstart(); // sets the kinds of MATRIX and STRINGMATRIX and the operand hooks
