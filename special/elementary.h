@@ -1,0 +1,13 @@
+/* special/elementary.h - elementary functions that the C library lacks, and exact helpers for the others.
+ * Owns:    degree forms, cotangents and secants with their inverses, the modulus, sin and cos of multiples of
+ * pi. Callers: the routines of special/ and stats/, the builtin dispatch. Never:   repairs an overflow that
+ * the formula itself makes; the caller of the language does. */
+#pragma once
+
+inline constexpr double PI = 3.14159265358979323846;
+inline constexpr double EULERGAMMA = 0.57721566490153286061;
+inline constexpr double LNSQRT2PI = 0.91893853320467274178; // log(sqrt(2 pi))
+
+double sinpi(double x);   // sin(pi x), exact zeros and signs for any size of x
+double cospi(double x);   // cos(pi x)
+double log1pmx(double x); // log(1+x) - x without cancellation, x > -1
