@@ -18,11 +18,10 @@ namespace {
 
 constexpr size_t LONGEST = 0x3FFFFFFE; // characters that fit in one block of the allocator
 
-bool istext(int idx) { return isstringtype(idx) || isscalar(idx); }
-
 // The text of a string or of a scalar.
 std::string textof(int idx) {
     if (isstringtype(idx)) return stringval(idx);
+    if (!isscalar(idx)) tarnerror("illegal string expression");
     char buf[128];
     numtext(buf, scalarval(idx), -1, 8, 0, 0, 2, 0);
     return buf;
@@ -131,21 +130,23 @@ constexpr valuerow rows[] = {
 
 } // namespace
 
-int stringbinop(int op, int a, int b) {
+void stringbinop(int op, int a, int b) {
     switch (op) {
     case 3:
         if (!isstringtype(a) || !isscalar(b)) tarnerror("illegal string expression");
-        return symtabtext(a, b, repeated(stringval(a), scalarval(b)));
-    case 6:
-        if (!istext(a) || !istext(b)) tarnerror("illegal string expression");
-        return symtabtext(a, b, textof(a) + textof(b));
+        return polpush(symtabtext(a, b, repeated(stringval(a), scalarval(b))));
+    case 6: {
+        const std::string text = textof(a) + textof(b);
+        return polpush(symtabtext(a, b, text));
+    }
     case 8:
     case 9:
     case 10:
     case 11:
-    case 12:
-        if (!istext(a) || !istext(b)) tarnerror("illegal string expression");
-        return symtabtempscalar(a, b, compared(op, strcmp(textof(a).c_str(), textof(b).c_str())));
+    case 12: {
+        const int order = textof(a).compare(textof(b));
+        return polpush(symtabtempscalar(a, b, compared(op, order)));
+    }
     default: tarnerror("the only string binary operators are +,^,=,<,<=,>,>=");
     }
 }

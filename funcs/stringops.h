@@ -12,6 +12,6 @@
  *   + (6)      the second behind the first
  *   8 to 12    comparison byte by byte, 1 or 0
  * Any other operator is an error, and so is any other operand. */
-int stringbinop(int op, int a, int b);
+void stringbinop(int op, int a, int b);
 
 void stringopsstart(); // adds the rows of the string builtins
