@@ -6,6 +6,7 @@
 
 #include "interp/base/parser.h"
 #include "interp/base/symtab.h"
+#include "special/fault.h"
 
 #include <cstdint>
 
@@ -75,6 +76,7 @@ struct valuerow {
     int (*call)(const callargs& a);
 };
 
+void funcsstart(); // empties the table and enters the rows of this room and of special/
 void builtinreset();
 void builtinadd(const scalarrow* rows, int count);
 void builtinadd(const numberrow* rows, int count);
@@ -82,3 +84,16 @@ void builtinadd(const valuerow* rows, int count);
 const scalarrow* scalarbuiltinrow(int code); // null: no routine
 const numberrow* numberbuiltinrow(int code);
 const valuerow* valuebuiltinrow(int code);
+
+// The scalar function of that code on n arguments, args[0] the first: defaults, faults and their words as at
+// a call. A code without a routine warns and gives 0.
+double scalarbuiltin(int code, const double* args, int n);
+
+// Prints what the routines of special/ noted in the last call and clears the record; an error among it
+// throws.
+[[gnu::cold]] void spfaultreport();
+inline double spchecked(double result) {
+    if (spfaults.count != 0) [[unlikely]]
+        spfaultreport();
+    return result;
+}

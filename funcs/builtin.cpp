@@ -1,0 +1,115 @@
+#include "funcs/builtin.h"
+
+#include "funcs/rows.h"
+#include "funcs/stringops.h"
+#include "interp/base/fpfault.h"
+#include "interp/base/operand.h"
+#include "interp/base/report.h"
+
+#include <cassert>
+
+namespace {
+
+constexpr int SCALARCODES = 400, NUMBERCODES = 600, VALUECODES = 1000;
+
+struct builtintable {
+    const scalarrow* scalar[SCALARCODES];
+    const numberrow* number[NUMBERCODES];
+    const valuerow* value[VALUECODES];
+};
+builtintable table;
+
+template <class Row, int size> void enter(const Row* (&slots)[size], const Row* rows, int count) {
+    for (int k = 0; k < count; k++) {
+        const int slot = -rows[k].code;
+        assert(slot > 0 && slot < size && (!slots[slot] || slots[slot] == &rows[k]));
+        slots[slot] = &rows[k];
+    }
+}
+
+template <class Row, int size> const Row* find(const Row* const (&slots)[size], int code) {
+    return code < 0 && -code < size ? slots[-code] : nullptr;
+}
+
+// What an argument that was not given is worth, by its place.
+constexpr double ABSENT[7] = {0, 0, 1, 0, 0, 1, 0};
+
+double callrow(const scalarrow& row, const double* given, int n) {
+    if (row.arity < 0) return row.fn(given, n);
+    double x[8];
+    int m = 0;
+    if (row.flags & COUNTED) x[m++] = n;
+    for (int k = 0; k < 7; k++) x[m++] = k < n ? given[k] : ABSENT[k];
+    switch (row.arity) {
+    case 0: return row.f0();
+    case 1: return row.f1(x[0]);
+    case 2: return row.f2(x[0], x[1]);
+    case 3: return row.f3(x[0], x[1], x[2]);
+    case 4: return row.f4(x[0], x[1], x[2], x[3]);
+    case 5: return row.f5(x[0], x[1], x[2], x[3], x[4]);
+    case 6: return row.f6(x[0], x[1], x[2], x[3], x[4], x[5]);
+    default: return row.f7(x[0], x[1], x[2], x[3], x[4], x[5], x[6]);
+    }
+}
+
+[[noreturn]] void throwfault(spfaultkind kind, const char* text) {
+    switch (kind) {
+    case SPRANGEERR: argrange(text);
+    case SPTYPEERR: argtype(text);
+    case SPSHAPEERR: argshape(text);
+    default: tarnerror("%s", text);
+    }
+}
+
+} // namespace
+
+void builtinreset() { table = builtintable{}; }
+void builtinadd(const scalarrow* rows, int count) { enter(table.scalar, rows, count); }
+void builtinadd(const numberrow* rows, int count) { enter(table.number, rows, count); }
+void builtinadd(const valuerow* rows, int count) { enter(table.value, rows, count); }
+const scalarrow* scalarbuiltinrow(int code) { return find(table.scalar, code); }
+const numberrow* numberbuiltinrow(int code) { return find(table.number, code); }
+const valuerow* valuebuiltinrow(int code) { return find(table.value, code); }
+
+void funcsstart() {
+    builtinreset();
+    elementaryrows();
+    matrixbasicrows();
+    callrows();
+    ranrows();
+    stringopsstart();
+}
+
+double scalarbuiltin(int code, const double* args, int n) {
+    const scalarrow* row = scalarbuiltinrow(code);
+    if (!row) {
+        tarnwarn("function not available--zero returned");
+        return 0;
+    }
+    return fpcheck(spchecked(callrow(*row, args, n)));
+}
+
+double callargs::scalar(int k, double absent) const {
+    if (k > n) return absent;
+    const int entry = (*this)[k];
+    if (entry < 0) return parser.scalar[-entry];
+    if (!isscalar(entry)) argtype(name());
+    if (sym(entry).val.rval == UNDEFINEDMARK)
+        tarnerror("scalar %s has not yet been defined", sym(entry).name);
+    return sym(entry).val.rval;
+}
+
+void spfaultreport() {
+    const spfaultlist noted = spfaults;
+    spfaultclear();
+    const int kept = noted.count < spfaultlist::room ? noted.count : spfaultlist::room;
+    for (int k = 0; k < kept; k++) {
+        const auto& fault = noted.at[k];
+        if (fault.kind == SPRANGEWARN)
+            argwarn(fault.text);
+        else if (fault.kind == SPWARN)
+            tarnwarn("%s", fault.text);
+        else
+            throwfault(fault.kind, fault.text);
+    }
+}

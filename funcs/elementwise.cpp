@@ -1,0 +1,153 @@
+#include "funcs/elementwise.h"
+
+#include "funcs/operators.h"
+#include "interp/base/fpfault.h"
+
+#include <algorithm>
+#include <cfenv>
+#include <cstring>
+
+namespace {
+
+constexpr size_t BLOCK = 1024;
+constexpr int FAULTS = FE_OVERFLOW | FE_DIVBYZERO | FE_INVALID;
+
+// One operand, handed out block by block as a run of cells that matches the cells of the result.
+class cellsource {
+public:
+    cellsource(const harray* m, uint32_t rows, uint32_t cols) : matrix(m), resultcols(cols) {
+        straight = m->rows == rows && m->cols == cols;
+        const size_t count = harraycount(m);
+        constant = !straight && count <= 1;
+        if (constant)
+            std::fill(buffer, buffer + BLOCK, count ? cells(m)[1] : 0.0); // an empty matrix reads as 0
+    }
+
+    // Cells first .. first + n - 1 of the result, from 0; called in ascending order.
+    const double* take(size_t first, size_t n) {
+        if (straight) return cells(matrix) + 1 + first;
+        if (!constant) recycle(n);
+        return buffer;
+    }
+
+private:
+    void recycle(size_t n) {
+        const double* start = cells(matrix) + 1;
+        const double* line = start + size_t(row) * matrix->cols;
+        for (size_t k = 0; k < n; k++) {
+            buffer[k] = line[wrapped];
+            if (++wrapped == matrix->cols) wrapped = 0;
+            if (++col < resultcols) continue;
+            col = wrapped = 0;
+            if (++row == matrix->rows) row = 0;
+            line = start + size_t(row) * matrix->cols;
+        }
+    }
+
+    const harray* matrix;
+    uint32_t resultcols, col = 0;  // column of the next cell of the result
+    uint32_t row = 0, wrapped = 0; // its row and column in this matrix, from 0
+    bool straight, constant;
+    double buffer[BLOCK];
+};
+
+using kernel = void (*)(double* __restrict r, const double* a, const double* b, size_t n);
+
+template <class Operation> void overcells(double* __restrict r, const double* a, const double* b, size_t n) {
+    for (size_t k = 0; k < n; k++) r[k] = Operation()(a[k], b[k]);
+}
+
+// One and zero without a branch, so that comparisons run in vector registers.
+struct celladd {
+    double operator()(double x, double y) const { return x + y; }
+};
+struct cellsubtract {
+    double operator()(double x, double y) const { return x - y; }
+};
+struct celltimes {
+    double operator()(double x, double y) const { return x * y; }
+};
+struct celldivide {
+    double operator()(double x, double y) const { return x / y; }
+};
+struct cellpower {
+    double operator()(double x, double y) const { return fppow(x, y); }
+};
+struct cellequal {
+    double operator()(double x, double y) const { return x == y ? 1.0 : 0.0; }
+};
+struct cellless {
+    double operator()(double x, double y) const { return x < y ? 1.0 : 0.0; }
+};
+struct celllesseq {
+    double operator()(double x, double y) const { return x <= y ? 1.0 : 0.0; }
+};
+struct cellgreatereq {
+    double operator()(double x, double y) const { return x >= y ? 1.0 : 0.0; }
+};
+struct cellgreater {
+    double operator()(double x, double y) const { return x > y ? 1.0 : 0.0; }
+};
+struct celland {
+    double operator()(double x, double y) const { return (x != 0) & (y != 0) ? 1.0 : 0.0; }
+};
+struct cellor {
+    double operator()(double x, double y) const { return (x != 0) | (y != 0) ? 1.0 : 0.0; }
+};
+struct cellzero {
+    double operator()(double, double) const { return 0.0; }
+};
+
+kernel kernelof(int op) {
+    switch (op) {
+    case OPPOWER: return overcells<cellpower>;
+    case OPTIMES:
+    case OPCELLTIMES: return overcells<celltimes>;
+    case OPDIVIDE:
+    case OPCELLDIVIDE: return overcells<celldivide>;
+    case OPPLUS: return overcells<celladd>;
+    case OPMINUS: return overcells<cellsubtract>;
+    case OPEQUAL: return overcells<cellequal>;
+    case OPLESS: return overcells<cellless>;
+    case OPLESSEQ: return overcells<celllesseq>;
+    case OPGREATEREQ: return overcells<cellgreatereq>;
+    case OPGREATER: return overcells<cellgreater>;
+    case OPAND: return overcells<celland>;
+    case OPOR: return overcells<cellor>;
+    default: return overcells<cellzero>;
+    }
+}
+
+// The power repairs its own faults cell by cell; of the others only these four can fault.
+bool mayfault(int op) { return (op >= OPTIMES && op <= OPMINUS) || op == OPCELLTIMES || op == OPCELLDIVIDE; }
+
+[[gnu::cold]] void repairblock(int op, double* r, const double* a, const double* b, size_t n) {
+    const bool quotient = op == OPDIVIDE || op == OPCELLDIVIDE;
+    for (size_t k = 0; k < n; k++)
+        if (!fpfinite(r[k])) r[k] = quotient ? fprepairdiv(a[k], b[k]) : fprepair(r[k]);
+    std::feclearexcept(FAULTS);
+}
+
+} // namespace
+
+harrayptr elementwise(int op, const harray* a, const harray* b, harray* room) {
+    const uint32_t rows = std::max(a->rows, b->rows), cols = std::max(a->cols, b->cols);
+    cellsource left(a, rows, cols), right(b, rows, cols);
+    const kernel run = kernelof(op);
+    const bool watched = mayfault(op);
+    if (watched) std::feclearexcept(FAULTS);
+    harrayptr fresh(room ? nullptr : harrayraw(rows, cols));
+    double* result = cells(room ? room : fresh.get()) + 1;
+    double buffer[BLOCK]; // a block whose cells are an operand's is finished here, for the repair needs both
+    const size_t count = size_t(rows) * cols;
+    for (size_t first = 0; first < count; first += BLOCK) {
+        const size_t n = std::min(BLOCK, count - first);
+        const double* x = left.take(first, n);
+        const double* y = right.take(first, n);
+        double* r = room ? buffer : result + first;
+        run(r, x, y, n);
+        if (watched && std::fetestexcept(FAULTS)) repairblock(op, r, x, y, n);
+        if (room) memcpy(result + first, buffer, n * sizeof(double));
+    }
+    return room ? harrayptr(room) : std::move(fresh);
+}

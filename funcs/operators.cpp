@@ -1,0 +1,171 @@
+#include "funcs/operators.h"
+
+#include "funcs/elementwise.h"
+#include "funcs/matmul.h"
+#include "funcs/matrixoperand.h"
+#include "funcs/stringops.h"
+#include "interp/base/operand.h"
+#include "interp/base/parser.h"
+#include "interp/base/report.h"
+#include "interp/base/symtab.h"
+
+#include <algorithm>
+
+operatorhooks operatorfns = {
+    [](const harray*) -> harrayptr { tarnerror("the pseudo-inverse is not available"); }};
+
+namespace {
+
+uint32_t copycount(double b) {
+    if (b < 0) tarnerror("in A^^B or A^^'B, B must be a non-negative integer");
+    if (b > 0x3FFFFFFF) tarnerror("Too many elements requested in 'xalloc()'");
+    return uint32_t(b);
+}
+
+void checkproduct(size_t a, size_t b) {
+    if (a != 0 && b > size_t(0x3FFFFFFF) / a) tarnerror("Too many elements requested in 'xalloc()'");
+}
+
+harrayptr repeatscalar(int op, double x, uint32_t n) {
+    harrayptr m(op == OPSTACK ? harrayraw(n, 1) : harrayraw(1, n));
+    std::fill_n(cells(m.get()) + 1, n, x);
+    return m;
+}
+
+// n copies of m one under the other, or side by side.
+harrayptr repeatmatrix(int op, const harray* m, uint32_t n) {
+    checkproduct(op == OPSTACK ? m->rows : m->cols, n);
+    const uint32_t rows = op == OPSTACK ? m->rows * n : m->rows, cols = op == OPSTACK ? m->cols : m->cols * n;
+    checkproduct(rows, cols);
+    harrayptr result(harrayraw(rows, cols));
+    if (harraycount(result.get()) == 0) return result;
+    const size_t run = op == OPSTACK ? harraycount(m) : m->cols; // cells that are copied at once
+    const size_t runs = op == OPSTACK ? 1 : m->rows;
+    double* to = cells(result.get()) + 1;
+    for (size_t i = 0; i < runs; i++)
+        for (uint32_t k = 0; k < n; k++, to += run) std::copy_n(cells(m) + 1 + i * run, run, to);
+    return result;
+}
+
+void repeatop(int op, int a, int b) {
+    if (!isscalar(b)) tarnerror("in A^^B or A^^'B, A must be a scalar or a matrix and B must be a scalar");
+    const uint32_t n = copycount(scalaroperand(b));
+    harrayptr m = ismatrix(a) ? repeatmatrix(op, static_cast<harray*>(sym(a).val.ptr), n)
+                              : repeatscalar(op, scalaroperand(a), n);
+    polpush(symtabmatrix(a, b, std::move(m)));
+}
+
+// The matrix of a temporary may become the result; its entry then owns nothing any more.
+bool mayreuse(int idx, uint32_t rows, uint32_t cols) {
+    if (!istemporary(idx) || !ismatrix(idx)) return false;
+    const harray* m = static_cast<harray*>(sym(idx).val.ptr);
+    return m->rows == rows && m->cols == cols;
+}
+
+harrayptr celloperation(int op, int a, int b) {
+    const matrixoperand x(a), y(b);
+    const uint32_t rows = std::max(x.m->rows, y.m->rows), cols = std::max(x.m->cols, y.m->cols);
+    checkproduct(rows, cols);
+    const int given = mayreuse(a, rows, cols) ? a : mayreuse(b, rows, cols) ? b : 0;
+    harrayptr result = elementwise(op, x.m, y.m, given ? static_cast<harray*>(sym(given).val.ptr) : nullptr);
+    if (given) {
+        sym(given).type = SCALAR;
+        sym(given).val.rval = 0;
+    }
+    return result;
+}
+
+void matrixop(int op, int a, int b) {
+    harrayptr result;
+    if (op == OPPOWER && isscalar(b)) {
+        result = matrixpower(static_cast<harray*>(sym(a).val.ptr), scalaroperand(b));
+    } else if (op == OPTIMES && ismatrix(a) && ismatrix(b)) {
+        const harray* x = static_cast<harray*>(sym(a).val.ptr);
+        const harray* y = static_cast<harray*>(sym(b).val.ptr);
+        if (x->cols != y->rows) tarnerror("matrices to be multiplied must be conformable");
+        result = matmul(x, y);
+    } else {
+        result = celloperation(op, a, b);
+    }
+    polpush(symtabmatrix(a, b, std::move(result)));
+}
+
+harrayptr padded(const harray* m, uint32_t d) {
+    if (m->rows == d && m->cols == d) return harrayptr(harraydup(m));
+    harrayptr p(harraynew(d, d));
+    const double* from = cells(m) + 1;
+    for (size_t i = 1; i <= m->rows; i++, from += m->cols) std::copy_n(from, m->cols, &at(p.get(), i, 1));
+    return p;
+}
+
+harrayptr identity(uint32_t d) {
+    harrayptr m(harraynew(d, d));
+    for (size_t i = 1; i <= d; i++) at(m.get(), i, i) = 1;
+    return m;
+}
+
+} // namespace
+
+double powfault(double x, double y, double result) {
+    if (x == 0 && y == 0) return matherr(MEDOMAIN, "pow", 1);
+    if (x == 0) return y < 0 ? matherr(MESING, "pow", MAXPOS) : result;
+    if (std::isnan(result)) return matherr(MEDOMAIN, "pow", 0);
+    return fprepair(result);
+}
+
+double scalarop(double x, double y, int op) {
+    switch (op) {
+    case OPPOWER: return fppow(x, y);
+    case OPTIMES:
+    case OPCELLTIMES: return fpcheck(x * y);
+    case OPDIVIDE:
+    case OPCELLDIVIDE: return fpdiv(x, y);
+    case OPPLUS: return fpcheck(x + y);
+    case OPMINUS: return fpcheck(x - y);
+    case OPEQUAL: return x == y;
+    case OPLESS: return x < y;
+    case OPLESSEQ: return x <= y;
+    case OPGREATEREQ: return x >= y;
+    case OPGREATER: return x > y;
+    case OPAND: return x != 0 && y != 0;
+    case OPOR: return x != 0 || y != 0;
+    default: return 0;
+    }
+}
+
+harrayptr matrixpower(const harray* m, double n) {
+    if (n != std::floor(n)) tarnerror("non-integer matrix powers not available yet");
+    if (n == -1) return operatorfns.pseudoinverse(m);
+    const uint32_t d = std::max(m->rows, m->cols);
+    checkproduct(d, d);
+    harrayptr p = padded(m, d), r = identity(d);
+    if (n < 0) p = operatorfns.pseudoinverse(p.get());
+    for (double left = std::fabs(n); left != 0;) {
+        if (std::fmod(left, 2) == 1) r = matmul(r.get(), p.get());
+        left = std::floor(left / 2);
+        if (left != 0) p = matmul(p.get(), p.get());
+    }
+    return r;
+}
+
+void binop(int op, int a, int b) {
+    if (isstringtype(a) || isstringtype(b)) return stringbinop(op, a, b);
+    if (!(isscalar(a) || ismatrix(a)) || !(isscalar(b) || ismatrix(b)))
+        tarnerror("only SCALAR or MATRIX types in binary operators");
+    if (op == OPSTACK || op == OPSTACKROW) return repeatop(op, a, b);
+    if (ismatrix(a) || ismatrix(b)) return matrixop(op, a, b);
+    const double x = scalaroperand(a), y = scalaroperand(b);
+    polpush(symtabtempscalar(a, b, scalarop(x, y, op)));
+}
+
+void ifmatrixselect() {
+    const int other = polpop(), then = polpop(), condition = polpop();
+    const matrixoperand c(condition), x(then), y(other);
+    harrayptr result(harrayraw(c.m->rows, c.m->cols));
+    double* to = cells(result.get()) + 1;
+    const double* test = c.cell() + 1;
+    for (uint32_t i = 1; i <= c.m->rows; i++)
+        for (uint32_t j = 1; j <= c.m->cols; j++) *to++ = harrayelem(*test++ != 0 ? x.m : y.m, i, j);
+    tempfree(condition);
+    polpush(symtabmatrix(then, other, std::move(result)));
+}

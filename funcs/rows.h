@@ -1,0 +1,10 @@
+/* funcs/rows.h - the lists of builtins of this room, one a file.
+ * Owns:    nothing.
+ * Callers: funcsstart alone.
+ * Never:   is needed by another room: each has a start of its own. */
+#pragma once
+
+void elementaryrows();  // elementary.cpp: exponential, circular, hyperbolic functions, rounding, extremes
+void matrixbasicrows(); // matrixbasic.cpp: numbers from a matrix, reshaping
+void callrows();        // onop.cpp: POINTS and APPLY
+void ranrows();         // ran.cpp: the uniform generator
