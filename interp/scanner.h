@@ -14,9 +14,10 @@
 // Tokens recorded once and delivered again at each pass of a FOR loop, in place of its text.
 struct tokenrecord {
     int16_t number;
-    int16_t index; // name, keyword: the symbol; string: its place in texts; bracket: its character
-    int16_t name;  // name: its place in texts, to find it anew should the symbol have been deleted; else -1
-    double value;  // of a number
+    int16_t index; // name, keyword: the symbol; bracket: its character
+    int32_t text; // string: its place in texts; name: the same, to find it anew should the symbol be deleted;
+                  // else -1
+    double value; // of a number
 };
 struct tokenstream {
     std::vector<tokenrecord> tokens;
@@ -48,9 +49,14 @@ char getch();  // the same, and goes on
 // A number at the cursor. status: 0 good, -1 bad exponent, -2 no digits.
 double getnumber(int& status);
 
-// The rest of the input as text or as tokens alike. A position is a place in line.text or in the stream.
-size_t scanposition();                // where the next token will be read; the pushback must be empty
-void scanseek(size_t position);       // reads on from there; empties the pushback
+// The rest of the input as text or as tokens alike, for those who look ahead. The pushback must be empty. A
+// position is a place in line.text or in the stream.
+int skimtoken();                // the number of the next token, which is passed over; makes no temporary
+size_t scanposition();          // where the next token will be read
+void scanseek(size_t position); // reads on from there
 void scancut(size_t from, size_t to); // leaves [from, to) out of what is still to be read
+void scanblank(size_t position);      // leaves out the bracket there
+void skiplineend();                   // passes over blanks and one line end, if it stands there
+void scanforget();                    // nothing before the next token will be read again
 
 void streamrewind(tokenstream& s); // to the start of a pass, with no cuts
