@@ -5,6 +5,7 @@ function(tarnroom name)
   cmake_parse_arguments(ROOM "" "DIR" "SEES" ${ARGN})
   set(target tarn${name})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${ROOM_DIR}/*.cpp)
+  list(FILTER sources EXCLUDE REGEX "/main\\.cpp$") # a program's entry is no part of its room
   set(gate ${CMAKE_BINARY_DIR}/include/${name})
   cmake_path(GET ROOM_DIR PARENT_PATH above)
   file(MAKE_DIRECTORY ${gate}/${above})

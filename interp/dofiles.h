@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
@@ -25,7 +26,8 @@ struct textlines {
 // cannot be part of a number; the rest is the next piece. Returns the length, -1 at the end.
 int readline(std::string& buf, int size, textlines& in);
 
-bool readwhole(const char* path, std::string& content); // one block; false if it cannot be read
+bool readwhole(FILE* file, std::string& content);       // false if reading fails
+bool readwhole(const char* path, std::string& content); // false if it cannot be opened or read
 
 enum class sourcekind { keyboard, file, text, loop };
 
@@ -55,7 +57,6 @@ struct inputsource {
 struct dofilestate {
     std::vector<inputsource> stack; // the running source is the last; none: the keyboard
     int echodo = 0, dostep = 0;     // shadows of ECHODO and DOSTEP
-    std::string editname;           // the file edited last by EDIT FILE
     bool closed = false;            // in a batch: no keyboard below the sources
 };
 extern dofilestate dofiles;
@@ -72,11 +73,9 @@ void dofile(int symbol);
 // FOR: takes the variable and the matrix from polstack and reads the body, whose bracket is the next token.
 void forop();
 
+const char* dofiledirectory(); // DOFILEDIR, or the default directory of files
+
 // True if what runs now was typed at the keyboard, whatever loops it runs in.
 bool typedbyhand();
 // "NAME.do, line N" of the innermost do-file; empty when there is none.
 std::string sourceplace();
-
-// EDIT: the text of an object, or of the statement before (0), comes up in the line editor.
-[[noreturn]] void edit(int symbol);
-void fileedit(int symbol); // EDIT FILE; 0: no name given

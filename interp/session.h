@@ -13,6 +13,7 @@ struct sessionoptions {
     std::string programpath; // the directory of the start-up files, ending in a separator
     std::vector<std::string> displays; // each becomes the value of DISPLAY
     std::string dofile = "_";          // run at the start if readable
+    unsigned long freememory = 0;      // bytes, for the log; 0: not told
     bool batch = false;                // ends at the first error; the keyboard is closed
     bool quiet = false;                // no banner
     bool vanilla = false;              // no startup.do, no tarninit.do

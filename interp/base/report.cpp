@@ -4,9 +4,13 @@
 #include "interp/base/parser.h"
 #include "interp/base/symtab.h"
 
+#include <algorithm>
+#include <cctype>
 #include <cstdarg>
 #include <cstring>
+#include <filesystem>
 #include <string>
+#include <vector>
 
 reportstate report;
 
@@ -151,4 +155,33 @@ std::string bindname(const char* name, const char* dir, const char* ext) {
     if (ext && path.find('.', last == std::string::npos ? 0 : last) == std::string::npos)
         path = path + "." + ext;
     return path;
+}
+
+namespace {
+
+std::string lowered(std::string s) {
+    for (char& c : s) c = char(tolower(static_cast<unsigned char>(c)));
+    return s;
+}
+
+} // namespace
+
+std::string findfile(const std::string& path) {
+    namespace fs = std::filesystem;
+    std::error_code failure;
+    if (fs::exists(path, failure)) return path;
+    const fs::path asked(path);
+    const std::string name = lowered(asked.filename().string());
+    const fs::path folder = asked.has_parent_path() ? asked.parent_path() : fs::path(".");
+    std::vector<std::string> found;
+    for (const auto& entry : fs::directory_iterator(folder, failure)) {
+        const std::string spelt = entry.path().filename().string();
+        if (lowered(spelt) == name) found.push_back(spelt);
+    }
+    if (found.empty()) return path;
+    // Of several the lower-case one, then the first in order: the directory's own order must not decide.
+    std::sort(found.begin(), found.end());
+    const auto plain = std::find(found.begin(), found.end(), name);
+    const std::string& taken = plain != found.end() ? *plain : found.front();
+    return asked.has_parent_path() ? (asked.parent_path() / taken).string() : taken;
 }

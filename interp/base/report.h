@@ -45,3 +45,6 @@ void argwarn(const char* name);
 // File name: dir/name.ext; dir is left out when empty or when name begins with a separator or a period; ext
 // is added when name holds no period (behind its last separator). Both separators are understood.
 std::string bindname(const char* name, const char* dir, const char* ext);
+// The file as its directory spells it: path itself if it exists, else the one that differs from it by case alone
+// (lower case first); path unchanged if there is none. Names in statements are folded to upper case.
+std::string findfile(const std::string& path);

@@ -4,6 +4,7 @@
 #include "interp/base/parser.h"
 #include "interp/base/report.h"
 #include "interp/base/symtab.h"
+#include "interp/dofiles.h"
 #include "interp/scanner.h"
 #include "interp/tokenfil.h"
 #include "values/harray.h"
@@ -13,28 +14,14 @@
 
 harnessstate harness;
 
-void getline() {
-    if (harness.next == harness.lines.size()) throw endofinput{};
-    const std::string& l = harness.lines[harness.next++];
-    if (!line.keepline) {
-        line.text.clear();
-        line.cursor = 0;
-    }
-    line.text += l + '\r';
-}
-
 static void keepoutput(const char* text, size_t length) { harness.output.append(text, length); }
 
 void harnessfeed(const std::string& text) {
-    harness.lines.clear();
-    harness.next = 0;
-    for (size_t at = 0; at <= text.size();) {
-        const size_t end = std::min(text.find('\n', at), text.size());
-        harness.lines.push_back(text.substr(at, end - at));
-        at = end + 1;
-    }
-    line.text.clear();
-    line.cursor = 0;
+    tokenstream* const record = scanner.record; // a test may be recording
+    dofilesreset();
+    scanner.record = record;
+    dofiles.closed = true;
+    pushfile("", text);
     scannerreset();
 }
 
@@ -51,7 +38,7 @@ void harnessstart() {
     parser.casesw = 0;
     parser.debugsw = false;
     scanner = scannerstate{};
-    line = linestate{};
+    dofilesreset();
     std::string failure;
     if (!symtabinit(TESTDATADIR "/../../data/TOKEN.FIL", failure)) throw std::runtime_error(failure);
     symtabconstants();

@@ -49,7 +49,7 @@ TEST_F(Scanner, TokensOfAStatement) {
     const struct {
         const char *text, *expected;
     } rows[] = {
-        {"", "75"},
+        {";", "75"},
         {"  \t x", "1=X 75"},
         {"A ** 2", "1=A 3 2 75"},
         {"A * * 2", "1=A 3 2 75"},

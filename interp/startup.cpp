@@ -1,0 +1,154 @@
+#include "interp/startup.h"
+
+#include "interp/base/hooks.h"
+#include "interp/base/machine.h"
+#include "interp/base/operand.h"
+#include "interp/base/parser.h"
+#include "interp/base/report.h"
+#include "interp/base/symtab.h"
+#include "interp/dofiles.h"
+#include "interp/logroll.h"
+#include "interp/session.h"
+#include "interp/tokenfil.h"
+#include "values/harray.h"
+
+#include <cmath>
+#include <cstring>
+#include <ctime>
+#include <filesystem>
+#include <iterator>
+
+namespace {
+
+void enterstring(const char* name, const char* text) {
+    symbol& s = sym(symtabenter(name));
+    if (s.type == STRINGTYPE) xfree(s.val.ptr);
+    s.val.ptr = xstrdup(text);
+    s.type = STRINGTYPE;
+}
+
+void enterscalar(const char* name, double value) {
+    symbol& s = sym(symtabenter(name));
+    s.type = SCALAR;
+    s.val.rval = value;
+}
+
+int shadow(const char* name) { return int(std::lround(symtabscalar(name, 0))); }
+
+} // namespace
+
+std::string currentdirectory() {
+    std::error_code failure;
+    const std::string path = std::filesystem::current_path(failure).string();
+    if (failure) tarnerror("getcurtarndir() failed.");
+    return path;
+}
+
+bool startvocabulary() {
+    std::string failure;
+    if (symtabinit((report.tarnpath + "TOKEN.FIL").c_str(), failure)) return true;
+    conout("%s", failure.c_str());
+    getkey(true);
+    return false;
+}
+
+void startentries() {
+    dofiles.echodo = shadow("ECHODO");
+    dofiles.dostep = shadow("DOSTEP");
+    parser.funcmode = 1; // constants made now are shared and stay
+    symtabconstants();
+    parser.funcmode = 0;
+    for (const char* device : {"MSWDEV", "PSL", "PSCL", "PSP", "PSCP", "LJ2L", "LJ2P", "PSCLX", "PSCPX"})
+        enterstring(device, device);
+    enterstring("TARNPATH", report.tarnpath.c_str());
+    symbol& none = sym(symtabenter("NULLM"));
+    none.val.ptr = harraynew(0, 0);
+    none.type = MATRIX;
+    for (const char* text : {"NFORMAT", "MFORMAT", "ODESTR", "DOFILEDIR"}) enterstring(text, "");
+}
+
+bool startlog() {
+    logroll("");
+    report.log = fopen(logname("").c_str(), "w+");
+    if (!report.log) conout("Cannot open log file...  Exiting.\n");
+    return report.log != nullptr;
+}
+
+void askdebugging() {
+    static const char* const choices[] = {"NO", "YES"}; // the keeping answer first
+    const char* question = "Do you want to turn on the TARN debugging printout?";
+    parser.debugsw = console.question("tarnbegin", question, choices, 2) == 1;
+}
+
+bool startobjects(const char*) { return true; }
+
+// ---- what the system makes of its own variables ----
+
+namespace {
+
+int consolecolour(const char* variable) {
+    static const struct {
+        const char* name;
+        int number;
+    } colours[] = {{"GREY", 8},        {"RED", 4},     {"GREEN", 2},   {"BLUE", 1},   {"WHITE", 15},
+                   {"BLACK", 0},       {"YELLOW", 14}, {"ORANGE", 12}, {"VIOLET", 5}, {"PINK", 12},
+                   {"CHARTREUSE", 10}, {"AQUA", 9},    {"BROWN", 6},   {"ROSE", 12},  {"TURQUOISE", 11}};
+    const double value = symtabscalar(variable, MAXPOS);
+    for (const auto& c : colours)
+        if (symtabscalar(c.name, MAXNEG) == value) return c.number;
+    return 15;
+}
+
+} // namespace
+
+void applycolours() { console.colour(consolecolour("INCOLOR"), consolecolour("OUTCOLOR")); }
+
+void startsystem() {
+    const char* directory = symtabstring("FILEDIR", "");
+    while (*directory == ' ') directory++;
+    report.filedir = directory;
+    enterscalar("MAXPOS", MAXPOS);
+    enterscalar("MAXNEG", MAXNEG);
+    enterscalar("MACHEPS", MACHEPS);
+    symtabprotect();
+    upper.displayselect(symtabstring("DISPLAY", ""));
+    applycolours();
+}
+
+void startbanner() {
+    tarnprint("   TARN Mathematical Modeling System, Revision: December 1, 2025\n");
+    tarnprint("   Executing file: %starn\n", report.tarnpath.c_str());
+    tarnprint("   Functions, differential equations, fitting, statistics and graphics.\n");
+    tarnprint("   HELP explains, EXIT ends.\n");
+    const time_t now = time(nullptr);
+    tarnprint("%s", ctime(&now));
+    tarnprint("Your current working directory is: %s/\n", currentdirectory().c_str());
+    tarnprint("Use FILEDIR to reach any other directory.\n");
+    tarnprint("'* ' is the command prompt\n\n");
+}
+
+void setdisplay(const std::string& device) {
+    enterstring("DISPLAY", device.c_str());
+    upper.displayselect(device.c_str());
+}
+
+namespace {
+
+void queue(const std::string& path) {
+    std::string content;
+    if (!readwhole(path.c_str(), content)) return;
+    logout("* do %s\n", path.c_str());
+    pushfile(path.c_str(), std::move(content));
+}
+
+} // namespace
+
+// The do-stack is a stack: what is queued last runs first.
+void startdofiles(const sessionoptions& options) {
+    dofiles.closed = options.batch;
+    if (options.batch) pushfile(options.batchname.c_str(), options.batchtext);
+    queue(options.dofile);
+    if (options.vanilla) return;
+    queue("tarninit.do");
+    if (options.startmode == 0) queue(report.tarnpath + "startup.do");
+}
