@@ -4,6 +4,7 @@
 #include "interp/base/operand.h"
 #include "interp/base/report.h"
 #include "interp/base/symtab.h"
+#include "values/saveblock.h"
 #include "values/stringarray.h"
 
 #include <bit>
@@ -191,6 +192,7 @@ double powi(double x, int n) {
 
 void valuesstart() {
     stringarraystart();
+    savekindreset();
     symtab.kind[MATRIX].release = [](symbol& s) {
         harrayfree(static_cast<harray*>(s.val.ptr));
         s.val.ptr = nullptr;

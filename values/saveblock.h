@@ -1,8 +1,8 @@
 /* values/saveblock.h - the blocks that save files are made of.
- * Owns:    the byte layout of numbers, texts and matrices in a file (little-endian on any machine), and the
- * table of the kinds of objects that can be saved: one row a type, added at start by the room that owns the
- * type. Callers: SAVE and USE, and the rooms whose objects are saved. Never:   opens a file, enters a name or
- * reports: a writer and a reader note the first fault, and go on harmlessly. */
+ * Owns:    the bytes of numbers, texts and matrices in a file, little-endian on any machine; the table of the
+ *          kinds of objects that can be saved, one row a type, added at start by the room that owns the type.
+ * Callers: SAVE and USE, and the rooms whose objects are saved.
+ * Never:   opens a file, enters a name or reports: both streams note the first fault and go on harmlessly. */
 #pragma once
 
 #include "values/harray.h"
@@ -57,6 +57,6 @@ struct savekind {
     void (*install)(int symidx, void* value);
     void (*discard)(void* value);
 };
-void savekindreset();
+void savekindreset(); // by valuesstart
 void savekindadd(const savekind* rows, int count);
 const savekind* savekindof(int type); // null: objects of this type are not saved

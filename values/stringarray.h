@@ -1,8 +1,7 @@
 /* values/stringarray.h - matrices of strings, and strings as symbol table values.
  * Owns:    the string matrix record and its cells; the making of string temporaries.
  * Callers: every room that holds a string matrix; each has exactly one owner, as a numeric matrix has.
- * Never:   reports a failed allocation (it gives null or false; the caller reports), evaluates, shares text.
- */
+ * Never:   shares text, or reports that there is no room: it gives null or false, and the caller reports. */
 #pragma once
 
 #include <cstddef>

@@ -1,0 +1,100 @@
+// SAVE: named objects to a file.
+#include "interp/diskuse.h"
+
+#include "interp/base/hooks.h"
+#include "interp/base/operand.h"
+#include "interp/base/parser.h"
+#include "interp/base/report.h"
+#include "interp/base/symtab.h"
+#include "interp/base/tokens.h"
+#include "interp/diskfiles.h"
+#include "interp/disknames.h"
+#include "values/saveblock.h"
+
+#include <filesystem>
+
+namespace {
+
+bool isnamed(const symbol& s) {
+    return s.name[0] != 0 && s.name[0] != ' ' && s.name[0] != '@' && s.name[0] != '#';
+}
+
+// Kinds that are passed over without a word: constants, words, and what travels inside its window.
+bool isquiet(int type) {
+    return type == CONSTANT || type == OPERATOR || type == TEMPSTRING || type == CURVETYPE ||
+           type == TITLETYPE || type == CURVE3D;
+}
+
+void saveobject(savewriter& out, int idx) {
+    const symbol& s = sym(idx);
+    if (s.type <= UNKNOWN || isquiet(s.type)) return;
+    if (!isnamed(s)) return tarnwarn("not saving: an expression");
+    const savekind* kind = savekindof(s.type);
+    if (!kind) return tarnwarn("not saving: %s", s.name);
+    if (!worthsaving(idx)) return;
+    putshort(out, s.type);
+    puttext(out, s.name);
+    kind->write(out, idx);
+}
+
+void saveoperands(savewriter& out) {
+    while (parser.poltop >= 0) {
+        const int idx = polpop();
+        saveobject(out, idx);
+        tempfree(idx);
+    }
+}
+
+void saveeverything(savewriter& out, bool system) {
+    for (int idx = 1; idx < SYMTABSIZE; idx++)
+        if (isnamed(sym(idx)) && (system || !symtabprotected(idx))) saveobject(out, idx);
+}
+
+void checkoperands() {
+    for (int k = 0; k <= parser.poltop; k++)
+        if (!savekindof(sym(parser.polstack[k]).type)) tarnerror("saving an illegal object, no file created");
+}
+
+std::string savepath() {
+    int name = clause.insym;
+    if (!name && parser.poltop >= 0) name = parser.polstack[0];
+    const std::string path = name ? diskpath(name, report.filedir.c_str()) : "";
+    if (path.empty()) tarnerror("SAVE: file name not specified");
+    return path;
+}
+
+bool keepold(const std::string& path) {
+    std::error_code fault;
+    if (!std::filesystem::exists(path, fault)) return false;
+    static const char* const choices[] = {"keep existing file", "overwrite"};
+    const std::string message = "file " + path + " already exists.";
+    return console.question("Save", message.c_str(), choices, 2) == 0;
+}
+
+void dropoperands() {
+    while (parser.poltop >= 0) tempfree(polpop());
+}
+
+} // namespace
+
+void disksave(int op) {
+    checkoperands();
+    const std::string path = savepath();
+    const bool system = op == TOKSAVEALL || op == TOKSAVEALLOVER;
+    const bool ask = op == TOKSAVE || op == TOKSAVEALL;
+    if (ask && keepold(path)) {
+        tarnwarn("save not performed");
+    } else {
+        tarnprint("creating save file: %s\n", path.c_str());
+        newfile file;
+        if (!newfileopen(file, path)) tarnerror("save file %s cannot be opened", path.c_str());
+        savewriter out{file.file};
+        if (parser.poltop >= 0)
+            saveoperands(out);
+        else
+            saveeverything(out, system);
+        if (out.failed || !newfilekeep(file)) tarnerror("save file %s cannot be written", path.c_str());
+    }
+    dropoperands();
+    tempfree(clause.insym);
+}
