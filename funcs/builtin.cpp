@@ -1,7 +1,5 @@
 #include "funcs/builtin.h"
 
-#include "funcs/rows.h"
-#include "funcs/stringops.h"
 #include "interp/base/fpfault.h"
 #include "interp/base/operand.h"
 #include "interp/base/report.h"
@@ -70,15 +68,6 @@ void builtinadd(const valuerow* rows, int count) { enter(table.value, rows, coun
 const scalarrow* scalarbuiltinrow(int code) { return find(table.scalar, code); }
 const numberrow* numberbuiltinrow(int code) { return find(table.number, code); }
 const valuerow* valuebuiltinrow(int code) { return find(table.value, code); }
-
-void funcsstart() {
-    builtinreset();
-    elementaryrows();
-    matrixbasicrows();
-    callrows();
-    ranrows();
-    stringopsstart();
-}
 
 double scalarbuiltin(int code, const double* args, int n) {
     const scalarrow* row = scalarbuiltinrow(code);

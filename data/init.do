@@ -1,0 +1,97 @@
+/* The system variables as a session finds them. The program runs this file without start-up files and
+   saves what it defines as INIT.SAV. docs/switches.md tells what each one means and why it is so. */
+
+/* Fitting */
+MAXITER = 1000
+TOLSOS = 1E-10
+FITNORM = 2
+SYMDSW = 1
+DGRADSW = 0
+LINEARSW = 1
+RESIDSW = 0
+LSQRPT = 8
+
+/* Differential equations */
+METHOD = 0
+ERRFAC = 1E-6
+JACSW = 0
+MANDSW = 0
+DISASTERSW = 0
+ODERPT = 0
+ODESTR = ""
+
+/* Statistics and arithmetic */
+STATPSW = 1
+MATHEX = 5
+ROUNDSW = 0
+
+/* Listings */
+NFORMAT = "-3 8 0 0 2 0"
+MFORMAT = "10 1 3 0 0 1 1 2"
+LINELEN = 80
+CUTOFF = 0
+NAMESW = 1
+APPENDSW = 0
+
+/* The session */
+WARNSW = 1
+CASESW = 0
+ECHODO = 2
+DOSTEP = 0
+FILEDIR = ""
+DOFILEDIR = ""
+
+/* Colours: the numbers hold until a graphics device is there, which sets its own */
+BLACK = 0
+WHITE = 1
+RED = 2
+GREEN = 3
+BLUE = 4
+YELLOW = 5
+ORANGE = 6
+VIOLET = 7
+PURPLE = 7
+PINK = 8
+CHARTREUSE = 9
+AQUA = 10
+BROWN = 11
+ROSE = 12
+TURQUOISE = 13
+GREY = 14
+INCOLOR = WHITE
+OUTCOLOR = YELLOW
+
+/* Graphics */
+DISPLAY = "MSWDEV"
+PLOTDEV = "PSCP"
+SCREENCOLOR = 0
+PSLINEW = 0.5
+FLATNESS = 0
+VIEWX0 = 0
+VIEWX1 = 1
+VIEWY0 = 0
+VIEWY1 = 1
+SXINCHES = 0
+SYINCHES = 0
+
+/* Devices: each name is its own value, so that DISPLAY = VGAC needs no quotes */
+EGAC = "EGAC"
+EGAM = "EGAM"
+VGAC = "VGAC"
+VGAM = "VGAM"
+XDEV = "XDEV"
+DPS = "DPS"
+RPS = "RPS"
+
+/* The start replaces these by what the machine has */
+MAXPOS = 1E308
+MAXNEG = -1E308
+MACHEPS = 1E-16
+
+SAVEOVER MAXITER, TOLSOS, FITNORM, SYMDSW, DGRADSW, LINEARSW, RESIDSW, LSQRPT, \
+METHOD, ERRFAC, JACSW, MANDSW, DISASTERSW, ODERPT, ODESTR, STATPSW, MATHEX, ROUNDSW, \
+NFORMAT, MFORMAT, LINELEN, CUTOFF, NAMESW, APPENDSW, WARNSW, CASESW, ECHODO, DOSTEP, FILEDIR, DOFILEDIR, \
+BLACK, WHITE, RED, GREEN, BLUE, YELLOW, ORANGE, VIOLET, PURPLE, PINK, CHARTREUSE, AQUA, BROWN, ROSE, \
+TURQUOISE, GREY, INCOLOR, OUTCOLOR, DISPLAY, PLOTDEV, SCREENCOLOR, PSLINEW, FLATNESS, \
+VIEWX0, VIEWX1, VIEWY0, VIEWY1, SXINCHES, SYINCHES, EGAC, EGAM, VGAC, VGAM, XDEV, DPS, RPS, \
+MAXPOS, MAXNEG, MACHEPS IN "INIT.SAV"

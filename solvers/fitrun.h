@@ -1,0 +1,42 @@
+/* solvers/fitrun.h - the state of one fit, shared by the files of the iteration.
+ * Owns:    the vectors of a run. Callers: solvers/fit*.cpp alone. Never: included elsewhere. */
+#pragma once
+
+#include "solvers/fitsolve.h"
+
+inline constexpr double EPSMIN = 1e-10, EPSMAX = 10000, EPSFACTOR = 10; // the damping factor and its limits
+inline constexpr double PIVOTTOL = 1e-9;
+
+struct fitrun {
+    const fitmodel& model;
+    fitswitches sw;
+    const solverconstraints& cons;
+    const std::vector<int>& element;
+    const std::vector<double>& y;
+    int n, m;
+
+    std::vector<double> p, pbest, p0; // trial point, best point, start of the iteration
+    std::vector<double> w0, w;        // user weights, weights in force
+    std::vector<double> ftrial, fbest, resid;
+    std::vector<double> jac;                    // m by n
+    std::vector<double> normal, ptpdia, damped; // J'WJ (see symsweep.h), its diagonal, the diagonal in use
+    std::vector<double> dgrad;                  // J'W resid
+    std::vector<char> pivots;
+    symsweepwork work;
+    double eps = EPSMIN, bestsosq = 0, oldsosq = 0;
+    int iteration = 1, converged = 0;
+    long evaluations = 0;
+    bool lowered = false;
+    std::vector<double> lagrange, lagrangebest;
+
+    fitrun(const fitmodel& model_, const fitswitches& switches, const solverconstraints& constraints,
+           const std::vector<int>& element_, const std::vector<double>& y_, int n_)
+        : model(model_), sw(switches), cons(constraints), element(element_), y(y_), n(n_), m(int(y_.size())) {
+    }
+};
+
+double constraintcoef(const fitrun& r, int i, int j); // of constraint i for slot j
+/* Moves r.p into the feasible set. project: in the plain metric; else the trial step is replaced by the
+ * constrained step under the metric of the damped normal matrix. */
+void fitconstrain(fitrun& r, bool project);
+void fitstatistics(fitrun& r, fitresult& result);

@@ -1,0 +1,312 @@
+#include "solvers/fitsolve.h"
+
+#include "interp/base/machine.h"
+#include "interp/base/parser.h"
+#include "interp/base/report.h"
+#include "solvers/fitrun.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+enum nextmove { NEXTITERATION, STOP, SEARCHON, PROBEON };
+
+double power(double d, double norm) { return norm == 2 ? d * d : norm == 1 ? d : std::pow(d, norm); }
+
+/* One evaluation at p into r.ftrial: the weighted sum of |y - f|^norm. MAXPOS when the model failed or Q was
+ * pressed. */
+double fitsosq(fitrun& r, const std::vector<double>& p, double norm) {
+    if (r.evaluations >= 1 && parser.interrupted) return MAXPOS;
+    r.evaluations++;
+    if (!r.model.values(r.model.context, p.data(), r.ftrial.data())) return MAXPOS;
+    double sum = 0;
+    for (int i = 0; i < r.m; i++) sum += power(std::fabs(r.y[i] - r.ftrial[i]), norm) * r.w[i];
+    return sum <= MAXPOS ? sum : MAXPOS;
+}
+
+// Weights in force: the user's, and for another norm than 2 those that make its sum quadratic at the best
+// point.
+void fitweights(fitrun& r, bool plain) {
+    if (r.model.weights) r.model.weights(r.model.context, r.p.data(), r.w0.data());
+    r.w = r.w0;
+    if (plain || r.sw.norm == 2) return;
+    for (int i = 0; i < r.m; i++) {
+        const double d = std::fabs(r.fbest[i] - r.y[i]);
+        if (d != 0) r.w[i] *= std::pow(d, r.sw.norm - 2);
+    }
+}
+
+/* Central differences. A side on which the model fails is left out; with both gone the parameter has no
+ * effect here. */
+void numericjacobian(fitrun& r) {
+    std::vector<double> p = r.p, plus(size_t(r.m)), minus(size_t(r.m));
+    for (int j = 0; j < r.n; j++) {
+        const double t = r.p[j], delta = std::fabs(t) >= 1e-8 ? 0.01 * std::fabs(t) : 1e-9;
+        p[j] = t + delta;
+        const bool up = fitsosq(r, p, 2) < MAXPOS;
+        plus = up ? r.ftrial : r.fbest;
+        p[j] = t - delta;
+        const bool down = fitsosq(r, p, 2) < MAXPOS;
+        minus = down ? r.ftrial : r.fbest;
+        p[j] = t;
+        const double width = (up + down) * delta;
+        for (int i = 0; i < r.m; i++)
+            r.jac[size_t(i) * r.n + j] = width > 0 ? (plus[i] - minus[i]) / width : 0;
+    }
+}
+
+void fitjacobian(fitrun& r) {
+    if (r.model.jacobian)
+        r.model.jacobian(r.model.context, r.jac.data());
+    else
+        numericjacobian(r);
+}
+
+// J'WJ and J'W resid, a row of J at a time; the inner loop runs along rows of the upper triangle.
+void normalequations(fitrun& r) {
+    const int n = r.n;
+    std::fill(r.normal.begin(), r.normal.end(), 0.0);
+    std::fill(r.ptpdia.begin(), r.ptpdia.end(), 0.0);
+    std::fill(r.dgrad.begin(), r.dgrad.end(), 0.0);
+    for (int i = 0; i < r.m; i++) {
+        const double* row = &r.jac[size_t(i) * n];
+        const double residual = r.resid[i] = r.y[i] - r.fbest[i];
+        for (int j = 0; j < n; j++) {
+            const double a = r.w[i] * row[j];
+            r.dgrad[j] += a * residual;
+            r.ptpdia[j] += a * row[j];
+            double* normal = &r.normal[size_t(j) * n];
+            for (int k = j + 1; k < n; k++) normal[k] += a * row[k];
+        }
+    }
+}
+
+void reportgradient(const fitrun& r) {
+    if (!(r.sw.report & 16)) return;
+    tarnprint("     dgrad              ptpdia\n");
+    for (int j = 0; j < r.n; j++) tarnprint("  : %12.6lf  : %12.6lf\n", r.dgrad[j], r.ptpdia[j]);
+}
+
+void reportparms(const fitrun& r, const std::vector<double>& p) {
+    if ((r.sw.report & 4) && r.model.printparms) r.model.printparms(r.model.context, p.data());
+}
+
+// Q and R at the end of an iteration.
+void pollkeys(fitrun& r) {
+    const bool toggled = parser.reporttoggle;
+    keypoll();
+    if (parser.reporttoggle != toggled) r.sw.report = parser.reporttoggle ? 15 : 8;
+}
+
+// Ends an iteration; true when the fit has ended.
+bool fitfinish(fitrun& r) {
+    r.converged = r.oldsosq - r.bestsosq <= r.oldsosq * r.sw.tolsos ? 1 : 0;
+    r.p = r.pbest;
+    pollkeys(r);
+    if (parser.interrupted) {
+        r.sw.maxiter = 0;
+        r.converged = 0;
+        tarnprint("FIT INTERRUPTED BY Q\n");
+    }
+    if (r.sw.maxiter <= 0) r.iteration = 0;
+    if (r.iteration < r.sw.maxiter && r.converged != 1) {
+        r.iteration++;
+        return false;
+    }
+    if (r.converged == 0) r.converged = 2;
+    return true;
+}
+
+nextmove finished(fitrun& r) { return fitfinish(r) ? STOP : NEXTITERATION; }
+
+// The damped inverse and the step that it gives.
+void marquardtstep(fitrun& r, double e) {
+    for (int j = 0; j < r.n; j++) r.damped[j] = r.ptpdia[j] * (1 + e);
+    symsweepall(r.n, r.normal.data(), r.damped.data(), PIVOTTOL, r.pivots, r.work);
+    symmul(r.n, r.normal.data(), r.dgrad.data(), r.pivots, r.p.data());
+    for (int j = 0; j < r.n; j++) r.p[j] += r.p0[j];
+}
+
+void descentstep(fitrun& r, double e) {
+    const double divisor = std::exp2(std::log10(e) + 1);
+    for (int j = 0; j < r.n; j++) r.p[j] = r.p0[j] + r.dgrad[j] / divisor;
+}
+
+double steplength(const fitrun& r) {
+    double s = 0;
+    for (int j = 0; j < r.n; j++) s += (r.p[j] - r.p0[j]) * (r.p[j] - r.p0[j]) * r.ptpdia[j];
+    return s;
+}
+
+// The first probe tells from the worst dependency which damping begins to matter: smaller factors are passed
+// over.
+void jumpuseless(fitrun& r, double e) {
+    double worst = 1;
+    for (int j = 0; j < r.n; j++) worst = std::max(worst, r.normal[size_t(j) * r.n + j] * r.ptpdia[j]);
+    const double v = 1 / (std::sqrt(2.0 * r.n) * worst);
+    if (v > e) r.eps = EPSFACTOR * v;
+}
+
+// The sum that the linear model promises for the step.
+double promisedsum(const fitrun& r) {
+    double sum = 0;
+    for (int i = 0; i < r.m; i++) {
+        double d = r.resid[i];
+        const double* row = &r.jac[size_t(i) * r.n];
+        for (int j = 0; j < r.n; j++) d -= (r.p[j] - r.p0[j]) * row[j];
+        sum += r.w[i] * d * d;
+    }
+    return sum;
+}
+
+void begindescent(fitrun& r, bool& steepest) {
+    steepest = true;
+    r.eps = 0.1;
+    double a = 0, b = 0;
+    for (int j = 0; j < r.n; j++) {
+        a += r.p[j] * r.p[j];
+        b += r.dgrad[j] * r.dgrad[j];
+    }
+    if (b == 0) return;
+    const double factor = std::sqrt(std::max(a, 0.004) / b);
+    for (double& g : r.dgrad) g *= factor;
+}
+
+bool improves(fitrun& r, double sos) {
+    if (!(sos < r.bestsosq)) return false;
+    r.lowered = true;
+    r.bestsosq = sos;
+    r.fbest = r.ftrial;
+    r.pbest = r.p;
+    r.lagrangebest = r.lagrange;
+    return sos < (1 - r.sw.tolsos) * r.oldsosq;
+}
+
+void reportprobe(const fitrun& r, double e, double sos, bool steepest) {
+    if (!(r.sw.report & 2)) return;
+    tarnprint("%s eps = %le\n      sum of squares = %1.13lg\n",
+              steepest ? " steepest-descent search" : " Marquardt-Levenberg line search probe:", e, sos);
+    reportparms(r, r.p);
+}
+
+struct sweepstate {
+    bool steepest = false;
+    double firststep = 0; // length of the step at the last probe that was evaluated
+};
+
+// The Marquardt part of a probe before its evaluation; PROBEON to evaluate.
+nextmove trymarquardt(fitrun& r, sweepstate& sweep, double e) {
+    const double s = steplength(r);
+    if (s == 0) return finished(r);
+    if (e == EPSMIN) {
+        sweep.firststep = s;
+        jumpuseless(r, e);
+    } else if (10 * s > sweep.firststep) {
+        return SEARCHON;
+    } else {
+        sweep.firststep = s;
+    }
+    return PROBEON;
+}
+
+nextmove probe(fitrun& r, sweepstate& sweep) {
+    const double e = r.eps;
+    r.eps = EPSFACTOR * e;
+    if (e <= EPSMAX) {
+        if (sweep.steepest)
+            descentstep(r, e);
+        else
+            marquardtstep(r, e);
+        if (r.cons.count > 0) fitconstrain(r, false);
+        if (!sweep.steepest) {
+            const nextmove move = trymarquardt(r, sweep, e);
+            if (move != PROBEON) return move;
+        }
+    }
+    const double sos = fitsosq(r, r.p, 2); // the weights already carry the norm
+    reportprobe(r, e, sos, sweep.steepest);
+    if (improves(r, sos)) return finished(r);
+    if (r.eps > EPSMAX || sweep.steepest) {
+        if (!r.sw.descent || sweep.steepest) return finished(r);
+        begindescent(r, sweep.steepest);
+        return SEARCHON;
+    }
+    if (promisedsum(r) > (1 - r.sw.tolsos) * r.oldsosq && r.sw.descent && e > EPSMIN)
+        begindescent(r, sweep.steepest);
+    return SEARCHON;
+}
+
+nextmove iteration(fitrun& r) {
+    fitjacobian(r);
+    r.p0 = r.p;
+    fitweights(r, false);
+    if (r.sw.norm != 2) { // the sum to beat is the one under the new weights
+        r.bestsosq = 0;
+        for (int i = 0; i < r.m; i++) {
+            const double d = r.y[i] - r.fbest[i];
+            r.bestsosq += d * d * r.w[i];
+        }
+    }
+    if (r.sw.report & 1) tarnprint("Begin iteration %hd bestsosq=%le\n", short(r.iteration), r.bestsosq);
+    reportparms(r, r.p);
+    r.oldsosq = r.bestsosq;
+    r.eps = EPSMIN;
+    normalequations(r);
+    reportgradient(r);
+    if (r.sw.maxiter <= 0) return finished(r);
+    sweepstate sweep;
+    nextmove move;
+    do move = probe(r, sweep);
+    while (move == SEARCHON);
+    return move;
+}
+
+void allocate(fitrun& r, const std::vector<double>& p, const std::vector<double>& w0) {
+    const size_t n = size_t(r.n), m = size_t(r.m);
+    r.p = r.pbest = r.p0 = p;
+    r.w0 = r.w = w0;
+    r.ftrial.assign(m, 0);
+    r.fbest = r.resid = r.ftrial;
+    r.jac.assign(m * n, 0);
+    r.normal.assign(n * n, 0);
+    r.ptpdia.assign(n, 0);
+    r.damped = r.dgrad = r.ptpdia;
+    r.pivots.assign(n, 1);
+    r.lagrange.assign(size_t(r.cons.count), 0);
+    r.lagrangebest = r.lagrange;
+}
+
+void takeresult(const fitrun& r, fitresult& result) {
+    result.p = r.pbest;
+    result.f = r.fbest;
+    result.w = r.w;
+    result.w0 = r.w0;
+    result.sosq = r.bestsosq;
+    result.lagrange = r.lagrangebest;
+    result.iterations = r.iteration;
+    result.converged = r.converged;
+    result.lowered = r.lowered;
+    result.evaluations = r.evaluations;
+    result.report = r.sw.report;
+}
+
+} // namespace
+
+fitresult fitsolve(const fitmodel& model, const fitswitches& switches, const solverconstraints& constraints,
+                   const std::vector<int>& element, const std::vector<double>& p,
+                   const std::vector<double>& y, const std::vector<double>& w0) {
+    fitrun r(model, switches, constraints, element, y, int(p.size()));
+    allocate(r, p, w0);
+    if (r.cons.count > 0) fitconstrain(r, true);
+    r.pbest = r.p;
+    fitweights(r, true);
+    r.bestsosq = r.oldsosq = fitsosq(r, r.p, r.sw.norm);
+    r.fbest = r.ftrial;
+    fitresult result;
+    result.started = r.bestsosq < MAXPOS;
+    while (iteration(r) != STOP) {}
+    takeresult(r, result);
+    fitstatistics(r, result);
+    return result;
+}

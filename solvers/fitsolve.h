@@ -1,0 +1,64 @@
+/* solvers/fitsolve.h - weighted least squares by the Marquardt-Levenberg iteration.
+ * Owns:    the iteration, the damping sweep, the fall-back to steepest descent, linear constraints, the
+ * statistics. Callers: FIT (solvers/fit.h), which binds a statement's functions and data to the callbacks.
+ * Never:   knows a symbol or a function: the model is a table of callbacks. All state is in the structs.
+ *
+ * Method: D. W. Marquardt, SIAM J. Appl. Math. 11 (1963) 431. Constraints by a dual active set, as D.
+ * Goldfarb and A. Idnani, Math. Programming 27 (1983) 1. Norms other than 2 by reweighting (E. J.
+ * Schlossmacher, JASA 68 (1973)). */
+#pragma once
+
+#include "solvers/symsweep.h"
+
+#include <vector>
+
+// Linear constraints in the solver's form: row value = / <= / >= rhs for type 0 / -1 / +1.
+struct solverconstraints {
+    int count = 0;
+    int width = 0;            // row stride of coef: parameters as the statement names them
+    std::vector<double> coef; // count by width
+    std::vector<double> rhs;
+    std::vector<int> type;
+};
+
+struct fitmodel {
+    void* context = nullptr;
+    // Model values at p, all m of them; false when the model has none there (the trial counts as failed).
+    bool (*values)(void* context, const double* p, double* f) = nullptr;
+    // Symbolic Jacobian where the last evaluation was, m by n row by row; null: central differences.
+    void (*jacobian)(void* context, double* jac) = nullptr;
+    // User weights w0 at p, where weight functions are given; null: they stay.
+    void (*weights)(void* context, const double* p, double* w0) = nullptr;
+    // Prints the parameters p, a line each (reports).
+    void (*printparms)(void* context, const double* p) = nullptr;
+};
+
+struct fitswitches {
+    int maxiter = 100; // MAXITER
+    int report = 8;    // LSQRPT: 1 iterations, 2 probes, 4 parameters with those, 8 final report, 16 gradient
+    double norm = 2;   // FITNORM
+    double tolsos = 1e-10; // TOLSOS
+    bool descent = false;  // DGRADSW
+};
+
+struct fitresult {
+    std::vector<double> p;        // best point
+    std::vector<double> f, w, w0; // there: model values, weights in force, user weights
+    double sosq = 0;              // best weighted sum of squares
+    double rms = 0, deviation = 0, rsquared = 0;
+    std::vector<double> stderrors, dependency, covariance; // covariance: n by n
+    std::vector<double> lagrange;                          // multipliers of the constraints
+    int iterations = 0;
+    int converged = 0;    // 1 converged, 2 limit reached
+    bool lowered = false; // some step lowered the sum
+    bool started = false; // the model had values at the start
+    long evaluations = 0;
+    int report = 0; // LSQRPT as R left it
+};
+
+/* p: start values, n; y: observed values, m; w0: user weights, m. Result.p is the best point; parameters are
+ * not stored anywhere else. `element` tells for each of the n slots which parameter of the constraints it
+ * belongs to. */
+fitresult fitsolve(const fitmodel& model, const fitswitches& switches, const solverconstraints& constraints,
+                   const std::vector<int>& element, const std::vector<double>& p,
+                   const std::vector<double>& y, const std::vector<double>& w0);

@@ -1,0 +1,106 @@
+// Spherical Bessel functions: short recurrences from the elementary orders where those are stable,
+// the functions of half-odd order elsewhere.
+#include "special/bessel.h"
+#include "special/besselimpl.h"
+#include "special/elementary.h"
+#include "special/range.h"
+
+#include <cmath>
+
+namespace {
+
+constexpr double SHORT = 60; // recurrences no longer than this
+
+// f(k+1) = (2k+1)/x f(k) + s f(k-1) up to f(n).
+double climb(double n, double x, double f0, double f1, int s) {
+    if (n == 0) return f0;
+    for (int k = 1; k < n && std::isfinite(f1); k++) {
+        const double t = (2 * k + 1) / x * f1 + s * f0;
+        f0 = f1;
+        f1 = t;
+    }
+    return f1;
+}
+
+// sqrt(pi/(2x)) times a value of half-odd order; the range fault of that function stays noted.
+double half(double x, double f) { return f * std::sqrt(PI / 2 / x); }
+
+bool refused(const char* name, double n, double x, double* result) {
+    if (std::isnan(n) || std::isnan(x)) {
+        *result = n + x;
+        return true;
+    }
+    if (std::isinf(n) || (x < 0 && !isinteger(n))) {
+        *result = outofrange(name, 0);
+        return true;
+    }
+    if (std::isinf(x)) {
+        *result = 0;
+        return true;
+    }
+    return false;
+}
+
+double jhalf(double n, double x) { // n >= 0 or fractional, x > 0
+    if (isinteger(n) && n >= 0 && n <= SHORT && n <= x) {
+        const double s = std::sin(x), c = std::cos(x);
+        return climb(n, x, s / x, (s / x - c) / x, -1);
+    }
+    if (n >= -0.5 && x * x / 4 < n + 1.5) { // keeps tiny arguments from sqrt(x) sqrt(1/x)
+        double e;
+        const double m = ascendingfactor(n + 0.5, x, &e);
+        return joinexponent(half(x, m * ascending(n + 0.5, x * x / 4, -1)), e);
+    }
+    return half(x, bessj(n + 0.5, x));
+}
+
+double yhalf(double n, double x) {
+    if (isinteger(n) && n >= 0 && n <= SHORT) {
+        const double s = std::sin(x), c = std::cos(x);
+        return climb(n, x, -c / x, -(c / x + s) / x, -1);
+    }
+    return half(x, bessy(n + 0.5, x));
+}
+
+} // namespace
+
+double spbj(double n, double x) {
+    double r;
+    if (refused("SPBJ", n, x, &r)) return r;
+    if (x == 0) return n == 0 ? 1 : n > 0 ? 0 : outofrange("SPBJ", MAXPOS);
+    const double a = std::fabs(x), sign = x < 0 ? paritysign(n) : 1;
+    if (isinteger(n) && n < 0) return capped("SPBJ", sign * paritysign(n) * yhalf(-n - 1, a)); // DLMF 10.47.4
+    return capped("SPBJ", sign * jhalf(n, a));
+}
+
+double spby(double n, double x) {
+    double r;
+    if (refused("SPBY", n, x, &r)) return r;
+    if (x == 0) return outofrange("SPBY", MAXNEG);
+    const double a = std::fabs(x), sign = x < 0 ? -paritysign(n) : 1;
+    if (isinteger(n) && n < 0) return sign * paritysign(n) * -jhalf(-n - 1, a);
+    return capped("SPBY", sign * yhalf(n, a));
+}
+
+double spbi(double n, double x) {
+    double r;
+    if (refused("SPBI", n, x, &r)) return std::isinf(x) ? outofrange("SPBI", MAXPOS) : r;
+    if (x == 0) return n == 0 ? 1 : n > 0 ? 0 : outofrange("SPBI", MAXPOS);
+    const double a = std::fabs(x), sign = x < 0 ? paritysign(n) : 1;
+    if (n == 0 && a < 709) return a < 1e-5 ? 1 + a * a / 6 : std::sinh(a) / a;
+    if (n == -1 && a < 709) return sign * std::cosh(a) / a;
+    return capped("SPBI", sign * half(a, bessi(n + 0.5, a)));
+}
+
+double spbk(double n, double x) {
+    double r;
+    if (refused("SPBK", n, x, &r)) return r;
+    if (x < 0) return outofrange("SPBK", 0);
+    if (x == 0) return outofrange("SPBK", MAXPOS);
+    if (n < -0.5) n = -n - 1; // K is even in its order n + 1/2
+    if (isinteger(n) && n <= SHORT && x < 700) {
+        const double k = PI / 2 * std::exp(-x) / x;
+        return capped("SPBK", climb(n, x, k, k * (1 + 1 / x), 1));
+    }
+    return half(x, bessk(n + 0.5, x));
+}

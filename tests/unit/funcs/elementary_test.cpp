@@ -1,0 +1,256 @@
+// Scalar functions of one and two arguments: values, defaults of arguments, faults, the generator.
+#include "funcs/ran.h"
+#include "funcs/rows.h"
+#include "unit/funcs/session.h"
+
+#include <cmath>
+
+namespace {
+
+struct elementarytest : funcstest {
+    void SetUp() override {
+        funcstest::SetUp();
+        elementaryrows();
+        ranrows();
+    }
+    static double call(const char* name, const std::vector<double>& x) {
+        return scalarbuiltin(sym(symtablookup(name)).type, x.data(), int(x.size()));
+    }
+};
+
+// Values by arbitrary-precision arithmetic (mpmath, 40 digits) at the double nearest to the number shown.
+const struct {
+    const char* name;
+    double x, value;
+} values[] = {
+    {"EXP", 1.0, 2.7182818284590452354},
+    {"EXP", -745.0, 2.8223507304719370764e-324},
+    {"EXP", 709.5, 1.3549863193146328309e+308},
+    {"LOG", 2.0, 0.69314718055994530942},
+    {"LOG", 1e-300, -690.77552789821370518},
+    {"LOG", 1e+300, 690.77552789821370526},
+    {"LOG10", 2.0, 0.30102999566398119521},
+    {"LOG10", 1e-05, -4.9999999999999999645},
+    {"LOG2", 3.0, 1.5849625007211561815},
+    {"LOG2", 1e-05, -16.609640474436811621},
+    {"SQRT", 2.0, 1.4142135623730950488},
+    {"SQRT", 1e-320, 9.9999443357584896379e-161},
+    {"SIN", 1.0, 0.84147098480789650665},
+    {"SIN", 1e+22, -0.85220084976718880177},
+    {"COS", 1.0, 0.5403023058681397174},
+    {"COS", 1e+22, 0.5232147853951389455},
+    {"TAN", 1.0, 1.5574077246549022305},
+    {"TAN", -1.5, -14.101419947171719388},
+    {"COTAN", 0.5, 1.8304877217124519193},
+    {"COTAN", 1e-08, 99999999.999999994574},
+    {"SEC", 1.0, 1.8508157176809256179},
+    {"SEC", -2.0, -2.4029979617223809898},
+    {"COSEC", 1.0, 1.1883951057781212163},
+    {"COSEC", 1e-08, 99999999.999999999574},
+    {"ASIN", 0.5, 0.52359877559829887308},
+    {"ASIN", -1.0, -1.5707963267948966192},
+    {"ACOS", 0.5, 1.0471975511965977462},
+    {"ACOS", -1.0, 3.1415926535897932385},
+    {"ATAN", 10000000000.0, 1.5707963266948966192},
+    {"ATAN", -0.5, -0.46364760900080611621},
+    {"ACOTAN", 10000000000.0, 1.0e-10},
+    {"ACOTAN", -3.0, 2.8198420991931510451},
+    {"ACOTAN", 0.0, 1.5707963267948966192},
+    {"ASEC", 1.0000001, 0.00044721357699661598205},
+    {"ASEC", -1e+300, 1.5707963267948966192},
+    {"ASEC", -2.0, 2.0943951023931954923},
+    {"ACOSEC", 1.0000001, 1.5703491132179000032},
+    {"ACOSEC", -1e+300, -9.999999999999999475e-301},
+    {"ACOSEC", 2.0, 0.52359877559829887308},
+    {"ASIND", 0.5, 30.0},
+    {"ASIND", 1.0, 90.0},
+    {"ACOSD", 0.5, 60.0},
+    {"ACOSD", -1.0, 180.0},
+    {"ATAND", 1.0, 45.0},
+    {"ATAND", -100000.0, -89.999427042204888275},
+    {"SINH", 1.0, 1.1752011936438014569},
+    {"SINH", -20.0, -242582597.70489513795},
+    {"SINH", 1e-09, 1.0000000000000000624e-9},
+    {"COSH", 1.0, 1.5430806348152437785},
+    {"COSH", -20.0, 242582597.70489514002},
+    {"TANH", 0.5, 0.4621171572600097585},
+    {"TANH", -30.0, -1.0},
+    {"COSECH", 1.0, 0.85091812823932154513},
+    {"COSECH", 1e-09, 999999999.99999993755},
+    {"SECH", 1.0, 0.64805427366388539957},
+    {"COTANH", 1.0, 1.3130352854993313036},
+    {"COTANH", -1e-09, -999999999.99999993805},
+    {"ASINH", 1e-09, 1.0000000000000000621e-9},
+    {"ASINH", 1e+200, 461.21016577936908208},
+    {"ASINH", -3.0, -1.8184464592320668235},
+    {"ACOSH", 1.0000001, 0.00044721359190373472707},
+    {"ACOSH", 1e+200, 461.21016577936908208},
+    {"ATANH", 0.5, 0.5493061443340548457},
+    {"ATANH", -0.9999999, -8.4056213910223098609},
+    {"ACOTANH", 1.0000001, 8.40562144046719835},
+    {"ACOTANH", -1e+200, -1.0000000000000000303e-200},
+    {"ACOTANH", 2.0, 0.5493061443340548457},
+    {"ASECH", 0.9999999, 0.00044721361401616219334},
+    {"ASECH", 1e-300, 691.46867507877365049},
+    {"ASECH", 0.5, 1.3169578969248167086},
+    {"ACOSECH", 1e-310, 714.49452600871411041},
+    {"ACOSECH", -1e+200, -1.0000000000000000303e-200},
+    {"ACOSECH", 3.0, 0.32745015023725844332},
+};
+
+TEST_F(elementarytest, values) {
+    for (const auto& row : values)
+        EXPECT_NEAR(call(row.name, {row.x}), row.value, 4e-16 * std::fabs(row.value))
+            << row.name << " " << row.x;
+}
+
+TEST_F(elementarytest, exactValues) {
+    const struct {
+        const char* name;
+        std::vector<double> x;
+        double value;
+    } rows[] = {{"LOG", {8, 2}, 3},       {"LOG2", {8}, 3},
+                {"ABS", {-3}, 3},         {"FLOOR", {-1.5}, -2},
+                {"CEILING", {-1.5}, -1},  {"ROUND", {2.5}, 3},
+                {"ROUND", {-2.5}, -3},    {"ROUND", {0.49999999999999994}, 0},
+                {"TRUNC", {-1.5}, -1},    {"SIGN", {-7}, -1},
+                {"SIGN", {0}, 0},         {"SIGN", {1e-300}, 1},
+                {"MOD", {7, 3}, 1},       {"MOD", {-7, 3}, 2},
+                {"MOD", {7, -3}, -2},     {"MOD", {5.5, 2}, 1.5},
+                {"MAX", {1, 5, 3}, 5},    {"MAX", {-1}, -1},
+                {"MIN", {1, -5, 3}, -5},  {"MIN", {1, 2, 3, 4, 5, 6, 7}, 1},
+                {"GCD", {12, 18}, 6},     {"GCD", {0, -4}, 4},
+                {"LCM", {4, 6}, 12},      {"LCM", {0, 6}, 0},
+                {"ATAN2", {0, -1}, M_PI}, {"COSD", {0}, 1},
+                {"SECH", {-800}, 0},      {"COSECH", {800}, 0}};
+    for (const auto& row : rows) EXPECT_EQ(call(row.name, row.x), row.value) << row.name << " " << row.x[0];
+}
+
+// The degree forms multiply by the constant 0.01745329251994, digits as they stand.
+TEST_F(elementarytest, degrees) {
+    EXPECT_EQ(call("SIND", {30}), std::sin(30 * 0.01745329251994));
+    EXPECT_EQ(call("COSD", {60}), std::cos(60 * 0.01745329251994));
+    EXPECT_EQ(call("TAND", {45}), std::tan(45 * 0.01745329251994));
+}
+
+TEST_F(elementarytest, faults) {
+    const struct {
+        const char* name;
+        std::vector<double> x;
+        double value;
+        const char* text;
+    } rows[] = {{"EXP", {1000}, MAXPOS, "\nFloating Point Error: Overflow\n"},
+                {"EXP", {-1000}, 0, ""},
+                {"SINH", {-1000}, MAXNEG, "\nFloating Point Error: Overflow\n"},
+                {"LOG", {0}, MAXNEG, "matherr: singularity error in log\n"},
+                {"LOG", {-1}, MAXNEG, "matherr: domain error in log\n"},
+                {"LOG", {5, 1}, MAXPOS, "\nFloating Point Error: Divide by Zero\n"},
+                {"LOG10", {-1}, MAXNEG, "matherr: domain error in log10\n"},
+                {"SQRT", {-1}, 0, "matherr: domain error in sqrt\n"},
+                {"ASIN", {1.5}, 0, "matherr: domain error in asin\n"},
+                {"ACOSD", {-1.5}, 0, "matherr: domain error in acos\n"},
+                {"ATANH", {1}, MAXPOS, "matherr: singularity error in atanh\n"},
+                {"ATANH", {-1}, MAXNEG, "matherr: singularity error in atanh\n"},
+                {"ATANH", {2}, 0, "matherr: domain error in atanh\n"},
+                {"ACOSH", {0.5}, 0, "matherr: domain error in acosh\n"},
+                {"ASECH", {0}, MAXPOS, "matherr: singularity error in asech\n"},
+                {"ASECH", {2}, 0, "matherr: domain error in asech\n"},
+                {"ACOSECH", {0}, MAXPOS, "matherr: singularity error in acosech\n"},
+                {"ACOTANH", {0.5}, 0, "matherr: domain error in acotanh\n"},
+                {"ACOTANH", {-1}, MAXNEG, "matherr: singularity error in acotanh\n"},
+                {"ASEC", {0.5}, 0, "matherr: domain error in asec\n"},
+                {"ACOSEC", {0.5}, 0, "matherr: domain error in acosec\n"},
+                {"COTAN", {0}, MAXPOS, "\nFloating Point Error: Divide by Zero\n"},
+                {"COSECH", {0}, MAXPOS, "\nFloating Point Error: Divide by Zero\n"},
+                {"MOD", {3, 0}, 3, "\nFloating Point Error: Divide by Zero\n"},
+                {"GCD", {1.5, 2}, 0, "Warning: function: GCD. argument out of range\n"},
+                {"LCM", {1e17, 2}, 0, "Warning: function: LCM. argument out of range\n"}};
+    for (const auto& row : rows) {
+        fpclear();
+        double value = -1;
+        EXPECT_EQ(textof([&] { value = call(row.name, row.x); }), row.text) << row.name;
+        EXPECT_EQ(value, row.value) << row.name << " " << row.x[0];
+    }
+    fpclear();
+    fp.limit = 0;
+    EXPECT_EQ(textof([&] { call("LOG", {0}); }), "") << "counted in silence";
+    EXPECT_EQ(fp.total, 1u);
+}
+
+// Missing arguments: 0, 1, 0, 0, 1, 0 from the second on; the count in front where a routine asks for it.
+TEST_F(elementarytest, defaultsOfArguments) {
+    static constexpr scalarrow rows[] = {
+        {-390, [](double a, double b, double c, double d, double e, double f,
+                  double g) { return a + 10 * b + 100 * c + 1e3 * d + 1e4 * e + 1e5 * f + 1e6 * g; }},
+        {-391, [](double n, double a) { return 100 * n + a; }, COUNTED},
+        {-392, [](const double* x, int n) { return n + x[n - 1]; }},
+        {-393, []() { return 7.0; }},
+        {-394, [](double) { return std::nan(""); }}};
+    builtinadd(rows, 5);
+    const double x[7] = {1, 2, 3, 4, 5, 6, 7};
+    EXPECT_EQ(scalarbuiltin(-390, x, 1), 100101);
+    EXPECT_EQ(scalarbuiltin(-390, x, 3), 100321);
+    EXPECT_EQ(scalarbuiltin(-390, x, 7), 7654321);
+    EXPECT_EQ(scalarbuiltin(-391, x, 1), 101);
+    EXPECT_EQ(scalarbuiltin(-392, x, 7), 14);
+    EXPECT_EQ(scalarbuiltin(-393, x, 0), 7);
+    EXPECT_EQ(textof([&] { EXPECT_EQ(scalarbuiltin(-394, x, 1), MAXPOS); }),
+              "\nFloating Point Error: Unknown\n");
+    EXPECT_EQ(textof([&] { EXPECT_EQ(scalarbuiltin(-395, x, 1), 0); }),
+              "Warning: function not available--zero returned\n");
+    EXPECT_EQ(textof([&] { EXPECT_EQ(scalarbuiltin(-1000, x, 1), 0); }),
+              "Warning: function not available--zero returned\n");
+}
+
+// What a routine of plain doubles notes is printed after its call, and an error among it ends the statement.
+TEST_F(elementarytest, notedFaultsArePrinted) {
+    static constexpr scalarrow rows[] = {{-390, [](double kind) {
+                                              rangewarn("FIRST");
+                                              spnote(spfaultkind(int(kind)), "NAME");
+                                              return 5.0;
+                                          }}};
+    builtinadd(rows, 1);
+    const struct {
+        spfaultkind kind;
+        const char* text;
+    } cases[] = {{SPWARN, "Warning: NAME\n"},
+                 {SPRANGEWARN, "Warning: function: NAME. argument out of range\n"},
+                 {SPRANGEERR, "##Error: NAME: argument out of range\n"},
+                 {SPTYPEERR, "##Error: NAME: an expression is of the wrong type\n"},
+                 {SPSHAPEERR, "##Error: Incorrect row/col shape of an argument of NAME\n\n"},
+                 {SPERR, "##Error: NAME\n"}};
+    for (const auto& row : cases) {
+        const double kind = row.kind;
+        EXPECT_EQ(textof([&] { EXPECT_EQ(scalarbuiltin(-390, &kind, 1), 5); }),
+                  std::string("Warning: function: FIRST. argument out of range\n") + row.text);
+        EXPECT_EQ(spfaults.count, 0);
+    }
+}
+
+// Draws by the published recurrence from the stated start, see L'Ecuyer (1988).
+TEST_F(elementarytest, generator) {
+    const double first[] = {0.5989286708910596, 0.5569712019530308, 0.163875995013913};
+    for (const double u : first) EXPECT_EQ(ran(0), u);
+    EXPECT_EQ(ran(-1), first[0]) << "below 0 the stream begins again";
+    EXPECT_EQ(ran(-1), first[0]);
+    const double seeded = ran(3.7);
+    EXPECT_EQ(ran(3.7), seeded);
+    EXPECT_NE(ran(0), seeded);
+    double sum = 0;
+    for (int k = 0; k < 100000; k++) {
+        const double u = ran(0);
+        ASSERT_GT(u, 0);
+        ASSERT_LT(u, 1);
+        sum += u;
+    }
+    EXPECT_NEAR(sum / 100000, 0.5, 0.005);
+    EXPECT_EQ(call("RAN", {-1}), first[0]);
+    EXPECT_EQ(call("RAN", {-1, 10, 20}), 10 + 10 * first[0]);
+    EXPECT_EQ(call("RAN", {}), first[1]);
+    for (const double seed : {5e-324, 1.0, 1e308, 0x1.5555555555555p+342}) {
+        const double u = ran(seed);
+        EXPECT_TRUE(u > 0 && u < 1) << seed;
+    }
+}
+
+} // namespace
