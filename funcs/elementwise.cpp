@@ -100,29 +100,31 @@ struct cellzero {
 
 kernel kernelof(int op) {
     switch (op) {
-    case OPPOWER: return overcells<cellpower>;
-    case OPTIMES:
-    case OPCELLTIMES: return overcells<celltimes>;
-    case OPDIVIDE:
-    case OPCELLDIVIDE: return overcells<celldivide>;
-    case OPPLUS: return overcells<celladd>;
-    case OPMINUS: return overcells<cellsubtract>;
-    case OPEQUAL: return overcells<cellequal>;
-    case OPLESS: return overcells<cellless>;
-    case OPLESSEQ: return overcells<celllesseq>;
-    case OPGREATEREQ: return overcells<cellgreatereq>;
-    case OPGREATER: return overcells<cellgreater>;
-    case OPAND: return overcells<celland>;
-    case OPOR: return overcells<cellor>;
+    case TOKPOWER: return overcells<cellpower>;
+    case TOKTIMES:
+    case TOKCELLTIMES: return overcells<celltimes>;
+    case TOKDIVIDE:
+    case TOKCELLDIVIDE: return overcells<celldivide>;
+    case TOKPLUS: return overcells<celladd>;
+    case TOKMINUS: return overcells<cellsubtract>;
+    case TOKEQUAL: return overcells<cellequal>;
+    case TOKLESS: return overcells<cellless>;
+    case TOKLESSEQUAL: return overcells<celllesseq>;
+    case TOKGREATEREQUAL: return overcells<cellgreatereq>;
+    case TOKGREATER: return overcells<cellgreater>;
+    case TOKAND: return overcells<celland>;
+    case TOKOR: return overcells<cellor>;
     default: return overcells<cellzero>;
     }
 }
 
 // The power repairs its own faults cell by cell; of the others only these four can fault.
-bool mayfault(int op) { return (op >= OPTIMES && op <= OPMINUS) || op == OPCELLTIMES || op == OPCELLDIVIDE; }
+bool mayfault(int op) {
+    return (op >= TOKTIMES && op <= TOKMINUS) || op == TOKCELLTIMES || op == TOKCELLDIVIDE;
+}
 
 [[gnu::cold]] void repairblock(int op, double* r, const double* a, const double* b, size_t n) {
-    const bool quotient = op == OPDIVIDE || op == OPCELLDIVIDE;
+    const bool quotient = op == TOKDIVIDE || op == TOKCELLDIVIDE;
     for (size_t k = 0; k < n; k++)
         if (!fpfinite(r[k])) r[k] = quotient ? fprepairdiv(a[k], b[k]) : fprepair(r[k]);
     std::feclearexcept(FAULTS);

@@ -27,20 +27,21 @@ void checkproduct(size_t a, size_t b) {
 }
 
 harrayptr repeatscalar(int op, double x, uint32_t n) {
-    harrayptr m(op == OPSTACK ? harrayraw(n, 1) : harrayraw(1, n));
+    harrayptr m(op == TOKREPEAT ? harrayraw(n, 1) : harrayraw(1, n));
     std::fill_n(cells(m.get()) + 1, n, x);
     return m;
 }
 
 // n copies of m one under the other, or side by side.
 harrayptr repeatmatrix(int op, const harray* m, uint32_t n) {
-    checkproduct(op == OPSTACK ? m->rows : m->cols, n);
-    const uint32_t rows = op == OPSTACK ? m->rows * n : m->rows, cols = op == OPSTACK ? m->cols : m->cols * n;
+    checkproduct(op == TOKREPEAT ? m->rows : m->cols, n);
+    const uint32_t rows = op == TOKREPEAT ? m->rows * n : m->rows,
+                   cols = op == TOKREPEAT ? m->cols : m->cols * n;
     checkproduct(rows, cols);
     harrayptr result(harrayraw(rows, cols));
     if (harraycount(result.get()) == 0) return result;
-    const size_t run = op == OPSTACK ? harraycount(m) : m->cols; // cells that are copied at once
-    const size_t runs = op == OPSTACK ? 1 : m->rows;
+    const size_t run = op == TOKREPEAT ? harraycount(m) : m->cols; // cells that are copied at once
+    const size_t runs = op == TOKREPEAT ? 1 : m->rows;
     double* to = cells(result.get()) + 1;
     for (size_t i = 0; i < runs; i++)
         for (uint32_t k = 0; k < n; k++, to += run) std::copy_n(cells(m) + 1 + i * run, run, to);
@@ -77,9 +78,9 @@ harrayptr celloperation(int op, int a, int b) {
 
 void matrixop(int op, int a, int b) {
     harrayptr result;
-    if (op == OPPOWER && isscalar(b)) {
+    if (op == TOKPOWER && isscalar(b)) {
         result = matrixpower(static_cast<harray*>(sym(a).val.ptr), scalaroperand(b));
-    } else if (op == OPTIMES && ismatrix(a) && ismatrix(b)) {
+    } else if (op == TOKTIMES && ismatrix(a) && ismatrix(b)) {
         const harray* x = static_cast<harray*>(sym(a).val.ptr);
         const harray* y = static_cast<harray*>(sym(b).val.ptr);
         if (x->cols != y->rows) tarnerror("matrices to be multiplied must be conformable");
@@ -115,20 +116,20 @@ double powfault(double x, double y, double result) {
 
 double scalarop(double x, double y, int op) {
     switch (op) {
-    case OPPOWER: return fppow(x, y);
-    case OPTIMES:
-    case OPCELLTIMES: return fpcheck(x * y);
-    case OPDIVIDE:
-    case OPCELLDIVIDE: return fpdiv(x, y);
-    case OPPLUS: return fpcheck(x + y);
-    case OPMINUS: return fpcheck(x - y);
-    case OPEQUAL: return x == y;
-    case OPLESS: return x < y;
-    case OPLESSEQ: return x <= y;
-    case OPGREATEREQ: return x >= y;
-    case OPGREATER: return x > y;
-    case OPAND: return x != 0 && y != 0;
-    case OPOR: return x != 0 || y != 0;
+    case TOKPOWER: return fppow(x, y);
+    case TOKTIMES:
+    case TOKCELLTIMES: return fpcheck(x * y);
+    case TOKDIVIDE:
+    case TOKCELLDIVIDE: return fpdiv(x, y);
+    case TOKPLUS: return fpcheck(x + y);
+    case TOKMINUS: return fpcheck(x - y);
+    case TOKEQUAL: return x == y;
+    case TOKLESS: return x < y;
+    case TOKLESSEQUAL: return x <= y;
+    case TOKGREATEREQUAL: return x >= y;
+    case TOKGREATER: return x > y;
+    case TOKAND: return x != 0 && y != 0;
+    case TOKOR: return x != 0 || y != 0;
     default: return 0;
     }
 }
@@ -152,7 +153,7 @@ void binop(int op, int a, int b) {
     if (isstringtype(a) || isstringtype(b)) return stringbinop(op, a, b);
     if (!(isscalar(a) || ismatrix(a)) || !(isscalar(b) || ismatrix(b)))
         tarnerror("only SCALAR or MATRIX types in binary operators");
-    if (op == OPSTACK || op == OPSTACKROW) return repeatop(op, a, b);
+    if (op == TOKREPEAT || op == TOKREPEATBY) return repeatop(op, a, b);
     if (ismatrix(a) || ismatrix(b)) return matrixop(op, a, b);
     const double x = scalaroperand(a), y = scalaroperand(b);
     polpush(symtabtempscalar(a, b, scalarop(x, y, op)));

@@ -5,29 +5,10 @@
 #pragma once
 
 #include "interp/base/fpfault.h"
+#include "interp/base/tokens.h"
 #include "values/harray.h"
 
 #include <cmath>
-
-// Operators are the parser's token numbers.
-enum operatortoken {
-    OPPOWER = 3,
-    OPTIMES = 4,
-    OPDIVIDE = 5,
-    OPPLUS = 6,
-    OPMINUS = 7,
-    OPEQUAL = 8,
-    OPLESS = 9,
-    OPLESSEQ = 10,
-    OPGREATEREQ = 11,
-    OPGREATER = 12,
-    OPAND = 14,
-    OPOR = 15,
-    OPCELLTIMES = 43,
-    OPCELLDIVIDE = 44,
-    OPSTACK = 50,   // ^^
-    OPSTACKROW = 51 // ^^'
-};
 
 [[gnu::cold]] double powfault(double x, double y, double result);
 
@@ -39,7 +20,7 @@ inline double fppow(double x, double y) {
     return fpfinite(r) && (x != 0 || y != 0) ? r : powfault(x, y, r);
 }
 
-double scalarop(double x, double y, int op); // 0 for an operator that has no meaning on numbers
+double scalarop(double x, double y, int op); // op: a token number; 0 for one that has no meaning on numbers
 
 // The operands are already popped; they are released, and the result is pushed on polstack.
 void binop(int op, int a, int b);

@@ -34,13 +34,13 @@ TEST_F(operatorstest, scalars) {
     const struct {
         int op;
         double x, y, value;
-    } rows[] = {{OPPOWER, 2, 10, 1024}, {OPPOWER, 2, -1, 0.5},   {OPPOWER, -8, 3, -512},
-                {OPTIMES, 3, 4, 12},    {OPDIVIDE, 1, 4, 0.25},  {OPPLUS, 1, 2, 3},
-                {OPMINUS, 1, 2, -1},    {OPEQUAL, 2, 2, 1},      {OPEQUAL, 2, 3, 0},
-                {OPLESS, 1, 2, 1},      {OPLESS, 2, 2, 0},       {OPLESSEQ, 2, 2, 1},
-                {OPGREATEREQ, 2, 2, 1}, {OPGREATEREQ, 1, 2, 0},  {OPGREATER, 3, 2, 1},
-                {OPAND, 2, -1, 1},      {OPAND, 0, 1, 0},        {OPOR, 0, 0, 0},
-                {OPOR, 0, 0.5, 1},      {OPCELLTIMES, 3, 4, 12}, {OPCELLDIVIDE, 1, 8, .125}};
+    } rows[] = {{TOKPOWER, 2, 10, 1024},    {TOKPOWER, 2, -1, 0.5},     {TOKPOWER, -8, 3, -512},
+                {TOKTIMES, 3, 4, 12},       {TOKDIVIDE, 1, 4, 0.25},    {TOKPLUS, 1, 2, 3},
+                {TOKMINUS, 1, 2, -1},       {TOKEQUAL, 2, 2, 1},        {TOKEQUAL, 2, 3, 0},
+                {TOKLESS, 1, 2, 1},         {TOKLESS, 2, 2, 0},         {TOKLESSEQUAL, 2, 2, 1},
+                {TOKGREATEREQUAL, 2, 2, 1}, {TOKGREATEREQUAL, 1, 2, 0}, {TOKGREATER, 3, 2, 1},
+                {TOKAND, 2, -1, 1},         {TOKAND, 0, 1, 0},          {TOKOR, 0, 0, 0},
+                {TOKOR, 0, 0.5, 1},         {TOKCELLTIMES, 3, 4, 12},   {TOKCELLDIVIDE, 1, 8, .125}};
     for (const auto& row : rows) {
         EXPECT_EQ(scalarop(row.x, row.y, row.op), row.value) << row.op;
         char text[32];
@@ -56,8 +56,9 @@ TEST_F(operatorstest, matricesFollowTheScalarRule) {
         uint32_t rows, cols;
     } shapes[] = {{1, 1},  {2, 3},  {3, 2},  {1, 3}, {3, 1}, {40, 30},
                   {1, 30}, {40, 1}, {7, 11}, {0, 0}, {0, 3}};
-    const int ops[] = {OPPOWER,     OPDIVIDE,  OPPLUS, OPMINUS, OPEQUAL,     OPLESS,      OPLESSEQ,
-                       OPGREATEREQ, OPGREATER, OPAND,  OPOR,    OPCELLTIMES, OPCELLDIVIDE};
+    const int ops[] = {TOKPOWER, TOKDIVIDE,    TOKPLUS,         TOKMINUS,   TOKEQUAL,
+                       TOKLESS,  TOKLESSEQUAL, TOKGREATEREQUAL, TOKGREATER, TOKAND,
+                       TOKOR,    TOKCELLTIMES, TOKCELLDIVIDE};
     std::mt19937 random(1);
     std::uniform_int_distribution<int> pick(0, 6);
     fp.limit = 0;
@@ -83,22 +84,22 @@ TEST_F(operatorstest, matricesFollowTheScalarRule) {
 }
 
 TEST_F(operatorstest, shapesOfResults) {
-    EXPECT_EQ(result(OPPLUS, matrix(2, 2, {1, 2, 3, 4}), matrix(1, 3, {10, 20, 30})),
+    EXPECT_EQ(result(TOKPLUS, matrix(2, 2, {1, 2, 3, 4}), matrix(1, 3, {10, 20, 30})),
               "2x3: 11 22 31 13 24 33");
-    EXPECT_EQ(result(OPTIMES, scalar(2), matrix(2, 2, {1, 2, 3, 4})), "2x2: 2 4 6 8");
-    EXPECT_EQ(result(OPTIMES, matrix(2, 2, {1, 2, 3, 4}), scalar(2)), "2x2: 2 4 6 8");
-    EXPECT_EQ(result(OPTIMES, matrix(2, 2, {1, 2, 3, 4}), matrix(2, 1, {5, 6})), "2x1: 17 39");
-    EXPECT_EQ(result(OPTIMES, matrix(1, 1, {3}), matrix(1, 2, {5, 6})), "1x2: 15 18");
-    EXPECT_EQ(result(OPCELLTIMES, matrix(2, 2, {1, 2, 3, 4}), matrix(2, 1, {5, 6})), "2x2: 5 10 18 24");
-    EXPECT_EQ(result(OPDIVIDE, matrix(2, 1, {1, 2}), matrix(2, 1, {4, 5})), "2x1: 0.25 0.4");
-    EXPECT_EQ(result(OPPOWER, scalar(2), matrix(3, 1, {1, 2, 3})), "3x1: 2 4 8");
-    EXPECT_EQ(result(OPPOWER, matrix(2, 1, {2, 3}), matrix(2, 1, {3, 2})), "2x1: 8 9");
-    EXPECT_EQ(result(OPSTACK, scalar(2), scalar(3)), "3x1: 2 2 2");
-    EXPECT_EQ(result(OPSTACKROW, scalar(2), scalar(3)), "1x3: 2 2 2");
-    EXPECT_EQ(result(OPSTACK, scalar(2), scalar(0)), "0x1:");
-    EXPECT_EQ(result(OPSTACK, matrix(1, 2, {1, 2}), scalar(2.9)), "2x2: 1 2 1 2");
-    EXPECT_EQ(result(OPSTACKROW, matrix(2, 2, {1, 2, 3, 4}), scalar(2)), "2x4: 1 2 1 2 3 4 3 4");
-    EXPECT_EQ(result(OPSTACK, matrix(0, 2, {0}), scalar(1e9)), "0x2:");
+    EXPECT_EQ(result(TOKTIMES, scalar(2), matrix(2, 2, {1, 2, 3, 4})), "2x2: 2 4 6 8");
+    EXPECT_EQ(result(TOKTIMES, matrix(2, 2, {1, 2, 3, 4}), scalar(2)), "2x2: 2 4 6 8");
+    EXPECT_EQ(result(TOKTIMES, matrix(2, 2, {1, 2, 3, 4}), matrix(2, 1, {5, 6})), "2x1: 17 39");
+    EXPECT_EQ(result(TOKTIMES, matrix(1, 1, {3}), matrix(1, 2, {5, 6})), "1x2: 15 18");
+    EXPECT_EQ(result(TOKCELLTIMES, matrix(2, 2, {1, 2, 3, 4}), matrix(2, 1, {5, 6})), "2x2: 5 10 18 24");
+    EXPECT_EQ(result(TOKDIVIDE, matrix(2, 1, {1, 2}), matrix(2, 1, {4, 5})), "2x1: 0.25 0.4");
+    EXPECT_EQ(result(TOKPOWER, scalar(2), matrix(3, 1, {1, 2, 3})), "3x1: 2 4 8");
+    EXPECT_EQ(result(TOKPOWER, matrix(2, 1, {2, 3}), matrix(2, 1, {3, 2})), "2x1: 8 9");
+    EXPECT_EQ(result(TOKREPEAT, scalar(2), scalar(3)), "3x1: 2 2 2");
+    EXPECT_EQ(result(TOKREPEATBY, scalar(2), scalar(3)), "1x3: 2 2 2");
+    EXPECT_EQ(result(TOKREPEAT, scalar(2), scalar(0)), "0x1:");
+    EXPECT_EQ(result(TOKREPEAT, matrix(1, 2, {1, 2}), scalar(2.9)), "2x2: 1 2 1 2");
+    EXPECT_EQ(result(TOKREPEATBY, matrix(2, 2, {1, 2, 3, 4}), scalar(2)), "2x4: 1 2 1 2 3 4 3 4");
+    EXPECT_EQ(result(TOKREPEAT, matrix(0, 2, {0}), scalar(1e9)), "0x2:");
     EXPECT_EQ(freetemporaries(), 0);
 }
 
@@ -121,13 +122,13 @@ TEST_F(operatorstest, crossProducts) {
 
 TEST_F(operatorstest, matrixPowers) {
     const std::vector<double> fibonacci = {1, 1, 1, 0};
-    EXPECT_EQ(result(OPPOWER, matrix(2, 2, fibonacci), scalar(10)), "2x2: 89 55 55 34");
-    EXPECT_EQ(result(OPPOWER, matrix(2, 2, fibonacci), scalar(1)), "2x2: 1 1 1 0");
-    EXPECT_EQ(result(OPPOWER, matrix(2, 3, {1, 2, 3, 4, 5, 6}), scalar(0)), "3x3: 1 0 0 0 1 0 0 0 1");
-    EXPECT_EQ(result(OPPOWER, matrix(2, 3, {1, 2, 3, 4, 5, 6}), scalar(2)), "3x3: 9 12 15 24 33 42 0 0 0");
-    EXPECT_EQ(result(OPPOWER, matrix(2, 2, fibonacci), scalar(0.5)),
+    EXPECT_EQ(result(TOKPOWER, matrix(2, 2, fibonacci), scalar(10)), "2x2: 89 55 55 34");
+    EXPECT_EQ(result(TOKPOWER, matrix(2, 2, fibonacci), scalar(1)), "2x2: 1 1 1 0");
+    EXPECT_EQ(result(TOKPOWER, matrix(2, 3, {1, 2, 3, 4, 5, 6}), scalar(0)), "3x3: 1 0 0 0 1 0 0 0 1");
+    EXPECT_EQ(result(TOKPOWER, matrix(2, 3, {1, 2, 3, 4, 5, 6}), scalar(2)), "3x3: 9 12 15 24 33 42 0 0 0");
+    EXPECT_EQ(result(TOKPOWER, matrix(2, 2, fibonacci), scalar(0.5)),
               "##Error: non-integer matrix powers not available yet\n");
-    EXPECT_EQ(result(OPPOWER, matrix(0, 0, {0}), scalar(3)), "0x0:");
+    EXPECT_EQ(result(TOKPOWER, matrix(0, 0, {0}), scalar(3)), "0x0:");
 }
 
 // A negative power of a padded matrix takes the pseudo-inverse of the padded copy, -1 that of the matrix as
@@ -140,8 +141,8 @@ TEST_F(operatorstest, negativeMatrixPowers) {
         return r;
     };
     const std::vector<double> diagonal = {2, 0, 0, 0, 4, 0};
-    EXPECT_EQ(result(OPPOWER, matrix(2, 3, diagonal), scalar(-1)), "3x2: 0.5 0 0 0.25 0 0");
-    EXPECT_EQ(result(OPPOWER, matrix(2, 3, diagonal), scalar(-2)), "3x3: 0.25 0 0 0 0.0625 0 0 0 0");
+    EXPECT_EQ(result(TOKPOWER, matrix(2, 3, diagonal), scalar(-1)), "3x2: 0.5 0 0 0.25 0 0");
+    EXPECT_EQ(result(TOKPOWER, matrix(2, 3, diagonal), scalar(-2)), "3x3: 0.25 0 0 0 0.0625 0 0 0 0");
 }
 
 TEST_F(operatorstest, refusals) {
@@ -149,16 +150,16 @@ TEST_F(operatorstest, refusals) {
         int op, a, b;
         const char* text;
     } rows[] = {
-        {OPTIMES, matrix(2, 2, {1}), matrix(3, 2, {1}), "matrices to be multiplied must be conformable"},
-        {OPPLUS, symtabenter("NEW"), scalar(1), "only SCALAR or MATRIX types in binary operators"},
-        {OPPLUS, scalar(1), symtabenter("SIN"), "only SCALAR or MATRIX types in binary operators"},
-        {OPPLUS, named("F", USERFUNCTION, UNDEFINEDMARK), scalar(1), "scalar F has not yet been defined"},
-        {OPSTACK, scalar(1), scalar(-1), "in A^^B or A^^'B, B must be a non-negative integer"},
-        {OPSTACKROW, matrix(1, 1, {1}), scalar(-1), "in A^^B or A^^'B, B must be a non-negative integer"},
-        {OPSTACK, scalar(1), matrix(2, 1, {1}),
+        {TOKTIMES, matrix(2, 2, {1}), matrix(3, 2, {1}), "matrices to be multiplied must be conformable"},
+        {TOKPLUS, symtabenter("NEW"), scalar(1), "only SCALAR or MATRIX types in binary operators"},
+        {TOKPLUS, scalar(1), symtabenter("SIN"), "only SCALAR or MATRIX types in binary operators"},
+        {TOKPLUS, named("F", USERFUNCTION, UNDEFINEDMARK), scalar(1), "scalar F has not yet been defined"},
+        {TOKREPEAT, scalar(1), scalar(-1), "in A^^B or A^^'B, B must be a non-negative integer"},
+        {TOKREPEATBY, matrix(1, 1, {1}), scalar(-1), "in A^^B or A^^'B, B must be a non-negative integer"},
+        {TOKREPEAT, scalar(1), matrix(2, 1, {1}),
          "in A^^B or A^^'B, A must be a scalar or a matrix and B must be a scalar"},
-        {OPSTACK, scalar(1), scalar(1e300), "Too many elements requested in 'xalloc()'"},
-        {OPSTACKROW, matrix(1, 3, {1}), scalar(1e9), "Too many elements requested in 'xalloc()'"},
+        {TOKREPEAT, scalar(1), scalar(1e300), "Too many elements requested in 'xalloc()'"},
+        {TOKREPEATBY, matrix(1, 3, {1}), scalar(1e9), "Too many elements requested in 'xalloc()'"},
     };
     for (const auto& row : rows)
         EXPECT_EQ(result(row.op, row.a, row.b), std::string("##Error: ") + row.text + "\n");
@@ -171,13 +172,13 @@ TEST_F(operatorstest, temporariesAreReusedAndNamesKept) {
     const harray* kept = matrixof(name);
     const int temp = matrix(50, 50, {5});
     const harray* block = matrixof(temp);
-    binop(OPDIVIDE, name, temp);
+    binop(TOKDIVIDE, name, temp);
     const int r = polpop();
     EXPECT_EQ(matrixof(r), block);
     EXPECT_EQ(cells(matrixof(r))[2], 0.4);
     EXPECT_EQ(matrixof(name), kept);
     EXPECT_EQ(cells(kept)[2], 2);
-    binop(OPPLUS, name, name);
+    binop(TOKPLUS, name, name);
     EXPECT_EQ(cells(matrixof(polpop()))[3], 6);
     EXPECT_EQ(cells(kept)[3], 3);
 }
@@ -187,19 +188,19 @@ TEST_F(operatorstest, faultsOfScalars) {
         int op;
         double x, y, value;
         const char* text;
-    } rows[] = {{OPDIVIDE, 1, 0, MAXPOS, "\nFloating Point Error: Divide by Zero\n"},
-                {OPDIVIDE, -1, 0, MAXNEG, "\nFloating Point Error: Divide by Zero\n"},
-                {OPDIVIDE, 0, 0, MAXPOS, "\nFloating Point Error: Zero Divide by Zero\n"},
-                {OPDIVIDE, 1e300, -1e-300, MAXNEG, "\nFloating Point Error: Overflow\n"},
-                {OPTIMES, 1e200, 1e200, MAXPOS, "\nFloating Point Error: Overflow\n"},
-                {OPPLUS, MAXNEG, MAXNEG, MAXNEG, "\nFloating Point Error: Overflow\n"},
-                {OPPOWER, 1e200, 2, MAXPOS, "\nFloating Point Error: Overflow\n"},
-                {OPPOWER, -10, 309, MAXNEG, "\nFloating Point Error: Overflow\n"},
-                {OPPOWER, 0, 0, 1, "matherr: domain error in pow\n"},
-                {OPPOWER, 0, -1, MAXPOS, "matherr: singularity error in pow\n"},
-                {OPPOWER, -2, 0.5, 0, "matherr: domain error in pow\n"},
-                {OPPOWER, 1e-200, 2, 0, ""},
-                {OPTIMES, 1e-200, 1e-200, 0, ""}};
+    } rows[] = {{TOKDIVIDE, 1, 0, MAXPOS, "\nFloating Point Error: Divide by Zero\n"},
+                {TOKDIVIDE, -1, 0, MAXNEG, "\nFloating Point Error: Divide by Zero\n"},
+                {TOKDIVIDE, 0, 0, MAXPOS, "\nFloating Point Error: Zero Divide by Zero\n"},
+                {TOKDIVIDE, 1e300, -1e-300, MAXNEG, "\nFloating Point Error: Overflow\n"},
+                {TOKTIMES, 1e200, 1e200, MAXPOS, "\nFloating Point Error: Overflow\n"},
+                {TOKPLUS, MAXNEG, MAXNEG, MAXNEG, "\nFloating Point Error: Overflow\n"},
+                {TOKPOWER, 1e200, 2, MAXPOS, "\nFloating Point Error: Overflow\n"},
+                {TOKPOWER, -10, 309, MAXNEG, "\nFloating Point Error: Overflow\n"},
+                {TOKPOWER, 0, 0, 1, "matherr: domain error in pow\n"},
+                {TOKPOWER, 0, -1, MAXPOS, "matherr: singularity error in pow\n"},
+                {TOKPOWER, -2, 0.5, 0, "matherr: domain error in pow\n"},
+                {TOKPOWER, 1e-200, 2, 0, ""},
+                {TOKTIMES, 1e-200, 1e-200, 0, ""}};
     for (const auto& row : rows) {
         fpclear();
         double value = -1;
@@ -219,7 +220,7 @@ TEST_F(operatorstest, faultsInsideALargeMatrix) {
     fp.limit = 3;
     int r = 0;
     const std::string text = textof([&] {
-        binop(OPCELLDIVIDE, a, b);
+        binop(TOKCELLDIVIDE, a, b);
         r = polpop();
     });
     EXPECT_EQ(text, "\nFloating Point Error: Divide by Zero\n\nFloating Point Error: Zero Divide by Zero\n"
@@ -317,7 +318,7 @@ TEST_F(operatorstest, faultsOfAProduct) {
     fp.limit = 2;
     int r = 0;
     EXPECT_EQ(textof([&] {
-                  binop(OPTIMES, a, b);
+                  binop(TOKTIMES, a, b);
                   r = polpop();
               }),
               "\nFloating Point Error: Overflow\n\nFloating Point Error: Overflow\n");
