@@ -31,17 +31,26 @@ public:
     }
 
 private:
+    // Runs that neither leave a line of the matrix nor a row of the result.
     void recycle(size_t n) {
-        const double* start = cells(matrix) + 1;
-        const double* line = start + size_t(row) * matrix->cols;
-        for (size_t k = 0; k < n; k++) {
-            buffer[k] = line[wrapped];
-            if (++wrapped == matrix->cols) wrapped = 0;
-            if (++col < resultcols) continue;
-            col = wrapped = 0;
-            if (++row == matrix->rows) row = 0;
-            line = start + size_t(row) * matrix->cols;
+        for (size_t k = 0; k < n;) {
+            const double* line = cells(matrix) + 1 + size_t(row) * matrix->cols;
+            const size_t left = std::min<size_t>(n - k, resultcols - col);
+            const size_t run = matrix->cols == 1 ? left : std::min<size_t>(left, matrix->cols - wrapped);
+            if (matrix->cols == 1)
+                std::fill_n(buffer + k, run, *line);
+            else
+                std::copy_n(line + wrapped, run, buffer + k);
+            k += run;
+            advance(uint32_t(run));
         }
+    }
+    void advance(uint32_t run) {
+        col += run;
+        wrapped = matrix->cols == 1 ? 0 : (wrapped + run) % matrix->cols;
+        if (col < resultcols) return;
+        col = wrapped = 0;
+        if (++row == matrix->rows) row = 0;
     }
 
     const harray* matrix;
