@@ -7,4 +7,5 @@
 void elementaryrows();  // elementary.cpp: exponential, circular, hyperbolic functions, rounding, extremes
 void matrixbasicrows(); // matrixbasic.cpp: numbers from a matrix, reshaping
 void callrows();        // onop.cpp: POINTS and APPLY
+void specialrows();     // specialrows.cpp: the functions of special/
 void ranrows();         // ran.cpp: the uniform generator

@@ -5,6 +5,7 @@
 void funcsstart() {
     builtinreset();
     elementaryrows();
+    specialrows();
     matrixbasicrows();
     callrows();
     ranrows();

@@ -48,6 +48,7 @@ struct vocabularytest : funcstest {
     void SetUp() override {
         funcstest::SetUp();
         elementaryrows();
+        specialrows();
         matrixbasicrows();
         ranrows();
         stringopsstart();
