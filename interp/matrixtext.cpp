@@ -28,6 +28,31 @@ struct group {
     size_t from, to;
 };
 
+// The texts of the first cells as they were measured, each behind its length, to be printed in the same
+// order.
+struct textstore {
+    static constexpr size_t ROOM = size_t(64) << 20; // cells that do not fit are made text once more
+    std::string bytes;
+    size_t next = 0;
+    bool full = false;
+
+    void keep(std::string_view text) {
+        const uint16_t length = uint16_t(text.size());
+        full = full || bytes.size() > ROOM || text.size() > UINT16_MAX;
+        if (full) return;
+        bytes.append(reinterpret_cast<const char*>(&length), sizeof length);
+        bytes += text;
+    }
+    bool recall(std::string_view& text) {
+        if (next >= bytes.size()) return false;
+        uint16_t length;
+        memcpy(&length, bytes.data() + next, sizeof length);
+        text = {bytes.data() + next + sizeof length, length};
+        next += sizeof length + length;
+        return true;
+    }
+};
+
 struct printing {
     const harray* m;
     const matrixlook& look;
@@ -37,6 +62,7 @@ struct printing {
     std::vector<column> columns;
     std::vector<group> groups;
     int rowdigits = 0; // of a row number; 0: rows are not numbered
+    textstore kept;
 };
 
 std::string_view trimmed(std::string_view text) {
@@ -68,7 +94,9 @@ std::vector<fieldextent> measurecolumns(printing& p) {
     const double* x = cells(p.m) + 1;
     for (size_t i = 0; i < p.m->rows; i++)
         for (fieldextent& column : widest) {
-            const fieldextent e = fieldmeasure(celltext(p, *x++), justify);
+            const std::string_view text = celltext(p, *x++);
+            p.kept.keep(text);
+            const fieldextent e = fieldmeasure(text, justify);
             column.before = std::max(column.before, e.before);
             column.behind = std::max(column.behind, e.behind);
         }
@@ -134,7 +162,9 @@ void appendrow(printing& p, size_t row, std::string& out) {
         }
         for (size_t j = g.from; j < g.to; j++) {
             if (j > g.from) out.append(size_t(f.intercol), ' ');
-            fieldset(out, celltext(p, x[j]), p.columns[j].width, p.columns[j].pointcol, f);
+            std::string_view text;
+            if (!p.kept.recall(text)) text = celltext(p, x[j]);
+            fieldset(out, text, p.columns[j].width, p.columns[j].pointcol, f);
         }
         out.append(size_t(f.endcol), ' ');
         out += '\n';
@@ -191,7 +221,7 @@ matrixlook matrixlooknow() {
 }
 
 void matrixprint(const char* name, const harray* m, const matrixlook& look) {
-    printing p{m, look, numusable(look.numbers), {}, cutoffthreshold(m, look.cutoff), {}, {}, 0};
+    printing p{m, look, numusable(look.numbers), {}, cutoffthreshold(m, look.cutoff), {}, {}, 0, {}};
     p.cell.resize(numroom(p.numbers));
     setrownumbers(p);
     setcolumns(p);

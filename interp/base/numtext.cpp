@@ -24,7 +24,19 @@ struct decimal {
     int count, exponent;
 };
 
+// Whole numbers, the most frequent of all, need no conversion of floating point.
+bool wholedigits(double x, int digits, decimal& s) {
+    constexpr double MANY = 1e15;
+    if (!(x < MANY) || x != double(int64_t(x))) return false;
+    s.count = int(std::to_chars(s.digit, s.digit + MAXDIGITS, int64_t(x)).ptr - s.digit);
+    s.exponent = s.count - 1;
+    if (s.count > digits) return false;
+    while (s.count > 1 && s.digit[s.count - 1] == '0') s.count--;
+    return true;
+}
+
 void significant(double x, int digits, decimal& s) {
+    if (wholedigits(x, digits, s)) return;
     char text[MAXDIGITS + 10];
     digits = std::clamp(digits, 1, MAXDIGITS);
     const char* end =
