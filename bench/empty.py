@@ -1,0 +1,2 @@
+import numpy
+import scipy
