@@ -281,6 +281,11 @@ int treediff(int ref, int x, int f) {
     return diff(ref, x);
 }
 
+bool functiondepends(int f, int x) {
+    std::vector<int> seen;
+    return occursinfunction(f, x, seen);
+}
+
 int makederiv(int f, int x) {
     if (f <= 0 || sym(f).type != USERFUNCTION)
         tarnerror("%s is not a user function. its derivative is not computable\n", f > 0 ? sym(f).name : "");

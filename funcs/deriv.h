@@ -18,6 +18,9 @@ bool derivfind(int symidx, bool quiet);
 // funcs/trinode.h).
 int treediff(int ref, int x, int f);
 
+// Does function f depend on the global symbol x, in its body or through the functions that it calls?
+bool functiondepends(int f, int x);
+
 // Does every rule of the table parse, and does each name in it exist? The name that fails, or null. For
 // tests.
 const char* derivrulescheck();

@@ -1,0 +1,250 @@
+#include "solvers/fitbind.h"
+
+#include "funcs/deriv.h"
+#include "funcs/trinode.h"
+#include "funcs/value.h"
+#include "interp/base/machine.h"
+#include "interp/base/operand.h"
+#include "interp/base/parser.h"
+#include "interp/base/report.h"
+#include "interp/base/symtab.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+harray* matrixof(int idx) { return static_cast<harray*>(sym(idx).val.ptr); }
+
+// ---- parameters
+
+void expandparameters(fitbinding& b) {
+    for (size_t k = 0; k < b.parms.size(); k++) {
+        if (!ismatrix(b.parms[k])) {
+            b.slots.push_back({b.parms[k], 0, int(k)});
+            continue;
+        }
+        b.hasmatrix = true;
+        const size_t count = harraycount(matrixof(b.parms[k]));
+        for (size_t e = 1; e <= count; e++) b.slots.push_back({b.parms[k], int(e), int(k)});
+    }
+}
+
+// ---- observations
+
+const harray* weightmatrix(const fitpair& pair) {
+    if (!pair.weight || !ismatrix(pair.weight)) return nullptr;
+    const harray* w = matrixof(pair.weight);
+    if (w->rows != matrixof(pair.data)->rows) tarnerror("FIT: bad weight matrix size");
+    return w;
+}
+
+// Equal times keep the order of the pairs and of their rows.
+void mergepair(fitbinding& b, size_t k) {
+    const harray* data = matrixof(b.pairs[k].data);
+    const harray* w = weightmatrix(b.pairs[k]);
+    for (size_t i = 1; i <= data->rows; i++)
+        b.merged.push_back({at(data, i, 1), at(data, i, 2), w ? at(w, i, 1) : 1.0, int(k), int(i)});
+}
+
+void mergesolutions(fitbinding& b) {
+    for (size_t k = 0; k < b.pairs.size(); k++)
+        if (odepair(b, k)) mergepair(b, k);
+    std::stable_sort(b.merged.begin(), b.merged.end(),
+                     [](const mergedrow& a, const mergedrow& c) { return a.time < c.time; });
+    for (const mergedrow& row : b.merged) {
+        b.times.push_back(row.time);
+        b.y.push_back(row.y);
+        b.w0.push_back(row.w);
+    }
+    if (b.merged.empty()) return;
+    odeinit(b.ode);
+    b.odeout.reset(harraynew(uint32_t(b.times.size()), uint32_t(odecolumns(b.ode.system))));
+}
+
+void plainpair(fitbinding& b, size_t k) {
+    const harray* data = matrixof(b.pairs[k].data);
+    const harray* w = weightmatrix(b.pairs[k]);
+    b.offset[k] = b.y.size();
+    for (size_t i = 1; i <= data->rows; i++) {
+        b.y.push_back(at(data, i, data->cols));
+        b.w0.push_back(w ? at(w, i, 1) : 1.0);
+    }
+}
+
+// ---- compiled programs
+
+flatptr compilepair(const fitbinding& b, size_t k, const std::vector<int>& functions) {
+    flatrequest request;
+    request.functions = functions;
+    request.nargs = int(matrixof(b.pairs[k].data)->cols) - 1;
+    if (!b.hasmatrix) request.symbols = b.parms;
+    return flatcompile(request);
+}
+
+void compilepairs(fitbinding& b) {
+    b.values.resize(b.pairs.size());
+    b.derivs.resize(b.pairs.size());
+    for (size_t k = 0; k < b.pairs.size(); k++) {
+        if (odepair(b, k)) continue;
+        if (b.symbolic) {
+            std::vector<int> functions;
+            for (int parm : b.parms) functions.push_back(makederiv(b.pairs[k].func, parm));
+            b.derivs[k] = compilepair(b, k, functions);
+        }
+        b.values[k] = compilepair(b, k, {b.pairs[k].func});
+    }
+}
+
+// Inputs of a pair's program: its columns row by row, the parameters the same for all rows.
+struct blockinputs {
+    std::vector<const double*> in;
+    std::vector<size_t> stride;
+};
+
+blockinputs inputsof(const fitbinding& b, size_t k, const double* p) {
+    blockinputs inputs;
+    const harray* data = matrixof(b.pairs[k].data);
+    for (size_t j = 1; j < data->cols; j++) {
+        inputs.in.push_back(cells(data) + j);
+        inputs.stride.push_back(data->cols);
+    }
+    if (b.hasmatrix) return inputs;
+    for (size_t j = 0; j < b.slots.size(); j++) {
+        inputs.in.push_back(p + j);
+        inputs.stride.push_back(0);
+    }
+    return inputs;
+}
+
+void pairvalues(fitbinding& b, size_t k, const double* p, double* f) {
+    const size_t rows = matrixof(b.pairs[k].data)->rows;
+    const blockinputs inputs = inputsof(b, k, p);
+    double* const out[] = {f};
+    const size_t stride[] = {1};
+    flatrunblock(*b.values[k], rows, inputs.in.data(), inputs.stride.data(), out, stride);
+}
+
+bool solutionvalues(fitbinding& b, double* f) {
+    if (b.merged.empty()) return true;
+    if (!oderunover(b.ode, b.times.data(), long(b.times.size()), b.odeout.get())) return false;
+    for (size_t i = 0; i < b.merged.size(); i++)
+        f[i] = at(b.odeout.get(), i + 1, size_t(odecolumn(b.ode.system, size_t(b.merged[i].pair))) + 1);
+    return true;
+}
+
+bool modelvalues(void* context, const double* p, double* f) {
+    fitbinding& b = *static_cast<fitbinding*>(context);
+    fitstore(b, p);
+    b.lastp.assign(p, p + b.slots.size());
+    if (!solutionvalues(b, f)) return false;
+    for (size_t k = 0; k < b.pairs.size(); k++)
+        if (!odepair(b, k)) pairvalues(b, k, p, f + b.offset[k]);
+    return true;
+}
+
+// Where the symbols stand: at the last point that was evaluated.
+void modeljacobian(void* context, double* jac) {
+    fitbinding& b = *static_cast<fitbinding*>(context);
+    const size_t n = b.slots.size();
+    std::vector<double*> out(n);
+    const std::vector<size_t> stride(n, n);
+    for (size_t k = 0; k < b.pairs.size(); k++) {
+        const size_t rows = matrixof(b.pairs[k].data)->rows;
+        const blockinputs inputs = inputsof(b, k, b.lastp.data());
+        for (size_t j = 0; j < n; j++) out[j] = jac + b.offset[k] * n + j;
+        flatrunblock(*b.derivs[k], rows, inputs.in.data(), inputs.stride.data(), out.data(), stride.data());
+    }
+}
+
+// ---- weight functions: W(M, i)
+
+double weightvalue(const fitpair& pair, size_t row) {
+    const int p = parser.poltop + 1, mark = parser.scalartop;
+    polpush(pair.weight);
+    polpush(pair.data);
+    polpush(scalarpush(double(row)));
+    const double w = value(p);
+    parser.scalartop = mark;
+    parser.poltop = p - 1;
+    return w;
+}
+
+bool isweightfunction(const fitpair& pair) { return pair.weight && !ismatrix(pair.weight); }
+
+/* The rows of plain pairs are counted by the first pair's data, and their weights fill on from the merged
+ * rows over the pairs that have a weight function. */
+void modelweights(void* context, const double* p, double* w0) {
+    fitbinding& b = *static_cast<fitbinding*>(context);
+    fitstore(b, p);
+    for (size_t i = 0; i < b.merged.size(); i++) {
+        const fitpair& pair = b.pairs[size_t(b.merged[i].pair)];
+        if (isweightfunction(pair)) w0[i] = weightvalue(pair, size_t(b.merged[i].row));
+    }
+    size_t place = b.merged.size();
+    const size_t rows = matrixof(b.pairs[0].data)->rows;
+    for (size_t k = 0; k < b.pairs.size(); k++) {
+        if (odepair(b, k) || !isweightfunction(b.pairs[k])) continue;
+        for (size_t i = 1; i <= rows && place < b.y.size(); i++) w0[place++] = weightvalue(b.pairs[k], i);
+    }
+}
+
+void printparameters(void* context, const double* p) {
+    const fitbinding& b = *static_cast<fitbinding*>(context);
+    for (size_t j = 0; j < b.slots.size(); j++) {
+        const fitslot& slot = b.slots[j];
+        if (slot.element)
+            tarnprint("%le   %s[%hd]\n", p[j], sym(slot.symbol).name, short(slot.element));
+        else
+            tarnprint("%le   %s\n", p[j], sym(slot.symbol).name);
+    }
+}
+
+} // namespace
+
+bool odepair(const fitbinding& b, size_t k) {
+    if (!b.ode.system.active()) return false;
+    const int code = b.ode.system.code[k];
+    return code != 0 && code <= b.ode.system.ndependent;
+}
+
+void fitbind(fitbinding& b) {
+    std::vector<int> names;
+    for (const fitpair& pair : b.pairs) names.push_back(pair.func);
+    b.ode.system = odededuce(names, 0);
+    expandparameters(b);
+    if (b.ode.system.active() || b.hasmatrix) b.symbolic = false;
+    b.offset.assign(b.pairs.size(), 0);
+    if (b.ode.system.active()) mergesolutions(b);
+    for (size_t k = 0; k < b.pairs.size(); k++)
+        if (!odepair(b, k)) plainpair(b, k);
+    compilepairs(b);
+    b.lastp = fitparameters(b);
+}
+
+fitmodel fitmodelof(fitbinding& b) {
+    fitmodel model;
+    model.context = &b;
+    model.values = modelvalues;
+    if (b.symbolic) model.jacobian = modeljacobian;
+    if (std::any_of(b.pairs.begin(), b.pairs.end(), isweightfunction)) model.weights = modelweights;
+    model.printparms = printparameters;
+    return model;
+}
+
+std::vector<double> fitparameters(const fitbinding& b) {
+    std::vector<double> p;
+    for (const fitslot& slot : b.slots)
+        p.push_back(slot.element ? cells(matrixof(slot.symbol))[slot.element] : sym(slot.symbol).val.rval);
+    return p;
+}
+
+void fitstore(const fitbinding& b, const double* p) {
+    for (size_t j = 0; j < b.slots.size(); j++) {
+        const fitslot& slot = b.slots[j];
+        if (slot.element)
+            cells(matrixof(slot.symbol))[slot.element] = p[j];
+        else
+            sym(slot.symbol).val.rval = p[j];
+    }
+}

@@ -1,0 +1,11 @@
+#include "solvers/start.h"
+
+#include "solvers/conset.h"
+#include "solvers/fit.h"
+#include "solvers/odesetup.h"
+
+void solversstart() {
+    consetstart();
+    odestart();
+    fitstart();
+}
