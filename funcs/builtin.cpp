@@ -29,15 +29,12 @@ template <class Row, int size> const Row* find(const Row* const (&slots)[size], 
     return code < 0 && -code < size ? slots[-code] : nullptr;
 }
 
-// What an argument that was not given is worth, by its place.
-constexpr double ABSENT[7] = {0, 0, 1, 0, 0, 1, 0};
-
 double callrow(const scalarrow& row, const double* given, int n) {
     if (row.arity < 0) return row.fn(given, n);
     double x[8];
     int m = 0;
     if (row.flags & COUNTED) x[m++] = n;
-    for (int k = 0; k < 7; k++) x[m++] = k < n ? given[k] : ABSENT[k];
+    for (int k = 0; k < 7; k++) x[m++] = k < n ? given[k] : SCALARABSENT[k];
     switch (row.arity) {
     case 0: return row.f0();
     case 1: return row.f1(x[0]);

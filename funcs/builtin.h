@@ -14,6 +14,7 @@
 // is 0, 3 is 1, 4 and 5 are 0, 6 is 1, 7 is 0); the signature in TOKEN.FIL says which may be missing. PURE:
 // same arguments, same result, no effect (may be evaluated in blocks, in any order, or once). COUNTED: the
 // routine wants the number of arguments given: it gets it as `double n` in front.
+inline constexpr double SCALARABSENT[7] = {0, 0, 1, 0, 0, 1, 0}; // the defaults, by place
 enum scalarflags { PURE = 0, IMPURE = 1, COUNTED = 2 };
 struct scalarrow {
     int16_t code;
