@@ -30,7 +30,8 @@ struct slotrow {
     const char* expected;
 };
 const slotrow slots[] = {
-    {SCALAR, isscalartype, "scalar"},
+    {SCALAR, isscalartype, "scalar"}, // the most frequent first
+    {SLOTNUMERIC, [](int t) { return isscalartype(t) || t == MATRIX; }, "scalar or matrix"},
     {USERFUNCTION, isfunctiontype, "function"},
     {MATRIX, [](int t) { return t == MATRIX; }, "matrix"},
     {STRINGTYPE, isstring, "string"},
@@ -40,7 +41,6 @@ const slotrow slots[] = {
     {CONSETTYPE, [](int t) { return t == CONSETTYPE; }, "constraints"},
     {STRINGMATRIX, [](int t) { return t == STRINGMATRIX; }, "string matrix"},
     {SLOTANY, [](int) { return true; }, ""},
-    {SLOTNUMERIC, [](int t) { return isscalartype(t) || t == MATRIX; }, "scalar or matrix"},
     {SLOTDUMMY, [](int t) { return t == CONSTANT || t == SCALAR || t == UNKNOWN || t == FORMALTYPE; },
      "scalar, unknown or formal"},
     {SLOTFUNCTIONORMATRIX, [](int t) { return isfunctiontype(t) || t == MATRIX; }, "function or matrix"},

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <iterator>
 
 namespace {
@@ -87,6 +88,15 @@ double equal(const callargs& a) {
     const matrixoperand x(a[1]), y(a[2]);
     if (x.rows() != y.rows() || x.cols() != y.cols()) return 0;
     return std::equal(x.cell() + 1, x.cell() + 1 + x.count(), y.cell() + 1);
+}
+
+// STRLEN(S, i, j): of a string, or of cell (i, j) of a string matrix, (1, 1) when not given.
+double strlenof(const callargs& a) {
+    if (sym(a[1]).type != STRINGMATRIX) return double(strlen(stringval(a[1])));
+    const double i = a.scalar(2, 1), j = a.scalar(3, 1);
+    const auto* s = static_cast<const StringArray*>(sym(a[1]).val.ptr);
+    if (!(i >= 1 && i < s->rows + 1.0 && j >= 1 && j < s->cols + 1.0)) argrange(a.name());
+    return double(StringArrayStrLen(s, long(i), long(j)));
 }
 
 double typeofsymbol(const callargs& a) { return a[1] < 0 ? int(SCALAR) : sym(a[1]).type; }
@@ -222,9 +232,10 @@ int maxofall(const callargs& a) { return extremeofall(a, 1); }
 int minofall(const callargs& a) { return extremeofall(a, -1); }
 
 constexpr numberrow numbers[] = {
-    {-401, nrows},  {-402, ncols},  {-428, nelems},      {-406, maxv},         {-405, minv},  {-407, maxrow},
-    {-408, maxcol}, {-409, minrow}, {-410, mincol},      {-444, sumv},         {-445, prodv}, {-426, trace},
-    {-404, equal},  {-400, lookup}, {-427, lookupslope}, {-505, typeofsymbol},
+    {-401, nrows},        {-402, ncols},    {-428, nelems}, {-406, maxv},   {-405, minv},
+    {-407, maxrow},       {-408, maxcol},   {-409, minrow}, {-410, mincol}, {-444, sumv},
+    {-445, prodv},        {-426, trace},    {-404, equal},  {-400, lookup}, {-427, lookupslope},
+    {-505, typeofsymbol}, {-434, strlenof},
 };
 constexpr valuerow values[] = {{-606, reshape}, {-626, diag},     {-628, cumsum},
                                {-611, cross},   {-205, maxofall}, {-206, minofall}};

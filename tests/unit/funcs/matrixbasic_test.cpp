@@ -63,6 +63,18 @@ TEST_F(matrixbasictest, stringMatricesHaveAShape) {
     EXPECT_EQ(result("NELEMS", {s}), "6");
 }
 
+TEST_F(matrixbasictest, lengthsOfStrings) {
+    StringArray* a = StringArrayAlloc(2, 2);
+    StringArrayStrPut(a, 2, 1, "four");
+    const int s = symtabtemp(0, 0, a, STRINGMATRIX, 0);
+    EXPECT_EQ(result("STRLEN", {symtabtemp(0, 0, xstrdup("abc"), TEMPSTRING, 0)}), "3");
+    EXPECT_EQ(result("STRLEN", {s, scalar(2), scalar(1)}), "4");
+    EXPECT_EQ(result("STRLEN", {s, scalar(2)}), "4");
+    EXPECT_EQ(result("STRLEN", {s}), "0");
+    EXPECT_EQ(result("STRLEN", {s, scalar(3)}), "##Error: STRLEN: argument out of range\n");
+    EXPECT_EQ(result("STRLEN", {s, scalar(1), scalar(-1e30)}), "##Error: STRLEN: argument out of range\n");
+}
+
 TEST_F(matrixbasictest, traceAndEquality) {
     EXPECT_EQ(result("TRACE", {matrix(2, 2, {1, 2, 3, 4})}), "5");
     EXPECT_EQ(result("TRACE", {matrix(2, 3, {1})}),
