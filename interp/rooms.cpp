@@ -22,5 +22,5 @@ void roomsstart() {
     trinodestart();
     dofilesreset();
     editing = editstate{};
-    interprows();
+    processstart();
 }

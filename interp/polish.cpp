@@ -1,0 +1,316 @@
+#include "interp/polish.h"
+
+#include "funcs/trinode.h"
+#include "interp/base/fpfault.h"
+#include "interp/base/operand.h"
+#include "interp/base/parser.h"
+#include "interp/base/report.h"
+#include "interp/base/symtab.h"
+#include "interp/pairing.h"
+#include "interp/process.h"
+#include "interp/scanner.h"
+#include "interp/submatrix.h"
+#include "interp/tokenfil.h"
+
+#include <cmath>
+
+namespace {
+
+constexpr int MATRIXIFLEVELS = 4;
+
+struct polishstate {
+    bool isvalue; // the last thing seen is a complete operand
+    int index;    // symbol of the current token
+};
+
+// Statements and clauses that may end where an operand could stand.
+bool mayendbare(int token) {
+    switch (token) {
+    case TOKTYPE:
+    case TOKDRAW:
+    case TOKEXIT:
+    case TOKVIEW:
+    case TOKTITLE:
+    case TOKXAXIS:
+    case TOKYAXIS:
+    case TOKAXIS:
+    case TOKFIT:
+    case TOKFRAME:
+    case TOKIMAGE:
+    case TOKFRAMEBOX:
+    case TOKIMAGEBOX:
+    case TOKRETURN:
+    case TOKPLOT:
+    case TOKHELP:
+    case TOKSTOP:
+    case TOKEDIT:
+    case TOKWAIT:
+    case TOKCLOSEVIEW:
+    case TOKDELETEALL: return true;
+    default: return false;
+    }
+}
+
+int optop() { return parser.opstack[parser.oplevel]; }
+
+[[gnu::cold]] void debugtoken(int token, int index) {
+    tarnprint("[newtoken: toknum=%hd,    tokindex=%hd", short(token), short(index));
+    if (token == TOKNUMBER)
+        tarnprint(" constant value = %lg]\n", sym(index).val.rval);
+    else if (token == TOKNAME)
+        tarnprint(" token name = %s]\n", sym(index).name);
+    else
+        tarnprint("]\n");
+}
+
+[[gnu::cold]] void debugstacks() {
+    tarnprint("opstack: ");
+    for (int k = 0; k <= parser.oplevel; k++) tarnprint("%hd|", parser.opstack[k]);
+    tarnprint(": %hd (current token)\n", short(parser.token));
+    tarnprint("polstack: ");
+    for (int k = 0; k <= parser.poltop; k++) tarnprint("%hd|", parser.polstack[k]);
+    tarnprint("\n");
+}
+
+// Behind the { that opens the body, the head of a FOR ends as if the statement did.
+bool endsforhead(const polishstate& p) {
+    return p.isvalue && scanner.bracket == '{' && opcommand() == TOKFOR && parser.argptr == 0;
+}
+
+void openbracket() {
+    if (parser.argptr + 1 >= ARGSTACKSIZE)
+        tarnerror("brackets are nested too deeply: %d is the limit", ARGSTACKSIZE - 1);
+    parser.argcount[++parser.argptr] = 1;
+}
+
+// A prime behind a symbol that is no matrix means differentiation, when something follows to differentiate
+// by.
+int primetoken() {
+    if (parser.poltop < 0) return TOKPRIME;
+    const int top = parser.polstack[parser.poltop];
+    if (top <= 0 || sym(top).type == MATRIX) return TOKPRIME;
+    int next, index;
+    newtoken(next, index);
+    pushtoken(next, index);
+    if (next == TOKNUMBER) tarnsyntax(12, "can't differentiate wrt a constant");
+    return next == TOKNAME || next == TOKPRIME || next == TOKOPEN ? TOKDERIVATIVE : TOKPRIME;
+}
+
+// The tokens whose meaning depends on what stands before them. Gives 0 for one to be dropped.
+int intake(polishstate& p) {
+    int token;
+    newtoken(token, p.index);
+    line.prompt = "> ";
+    switch (token) {
+    case TOKMINUS: return p.isvalue ? TOKMINUS : TOKUNARYMINUS;
+    case TOKPLUS: return p.isvalue ? TOKPLUS : 0;
+    case TOKPRIME: return primetoken();
+    case TOKOPEN:
+        if (endsforhead(p)) {
+            pushtoken(TOKOPEN, 0);
+            return TOKEND;
+        }
+        openbracket();
+        return p.isvalue ? TOKCALL : TOKOPEN;
+    default: return token;
+    }
+}
+
+void reduce() {
+    if (parser.oplevel == 0) tarnsyntax(4, "illegal token pairing");
+    process(parser.opstack[parser.oplevel--]);
+    parser.closed = 0;
+}
+
+void shift(int token) {
+    oppush(token);
+    if (token == TOKROW || token == TOKCOL) oppush(TOKMARKER);
+}
+
+void closebracket(int token) {
+    parser.oplevel--;
+    if (token != TOKCLOSE) tarnsyntax(19, "unbalanced parentheses");
+    parser.argptr--;
+    parser.closed = 1;
+}
+
+// The bottom met the end of the statement: one operand left over is shown.
+void endexpression(int token) {
+    if (token != TOKEND || parser.poltop < 0) return;
+    if (parser.poltop > 0) tarnsyntax(13, "illegal statement");
+    process(TOKTYPE);
+}
+
+// THEN behind the condition, ELSE behind the then-value.
+void advanceif(int token) {
+    const int waiting = optop();
+    if (waiting != (token == TOKTHEN ? TOKIF : TOKTHEN)) tarnsyntax(4, "illegal token pairing");
+    if (parser.funcmode == 0 && token == TOKTHEN) {
+        const int top = parser.poltop >= 0 ? parser.polstack[parser.poltop] : 0;
+        if (top <= 0 || sym(top).type != MATRIX) { // the text of one branch is taken, as statements
+            parser.oplevel--;
+            return process(TOKIF);
+        }
+        if (parser.matrixiflevel >= MATRIXIFLEVELS)
+            tarnerror("matrix IFs are nested too deeply: %d is the limit", MATRIXIFLEVELS);
+        parser.matrixiflevel++;
+    }
+    parser.opstack[parser.oplevel] = int16_t(token);
+    process(waiting);
+}
+
+void secondcolon(int token) {
+    if (optop() != TOKCOLON) tarnerror("Too many colons in expression");
+    parser.opstack[parser.oplevel] = token == TOKCOUNT ? TOKCOUNT : TOKSECONDCOLON;
+}
+
+// A logical operator behind the sign of an assignment stays on its right side.
+bool staysright(int token) {
+    return (token == TOKAND || token == TOKOR) && parser.oplevel == 1 && parser.opstack[1] == TOKEQUAL;
+}
+
+int stackaction(int token) {
+    const int r = tokentables.row[optop()];
+    if (parser.debugsw) debugstacks();
+    if (r < 1) tarnsyntax(18, "illegal token pairing");
+    const int a = staysright(token) ? int(PAIRSHIFT) : pairing[r][tokentables.col[token]];
+    if (parser.debugsw)
+        tarnprint("polish: opstackftoken = %hd, current token = %hd,stack action num=%hd\n", short(optop()),
+                  short(token), short(a));
+    if (a < 1) tarnsyntax(4, "illegal token pairing");
+    return a;
+}
+
+// Reduces as far as the table says, then does the action that the token itself meets. True when the token
+// closed a bracket, and so completed an operand.
+bool pairtoken(int token) {
+    int a;
+    while ((a = stackaction(token)) == PAIRREDUCE) reduce();
+    parser.closed = 0;
+    switch (a) {
+    case PAIRSHIFT: shift(token); break;
+    case PAIRNOW: process(token); break;
+    case PAIRCALL: process(optop()); [[fallthrough]];
+    case PAIRCLOSE: closebracket(token); return true;
+    case PAIREND: endexpression(token); break;
+    case PAIRIF: advanceif(token); break;
+    case PAIRCOLON: secondcolon(token); break;
+    case PAIRREPLACE: parser.opstack[parser.oplevel] = int16_t(token); break;
+    case PAIRONCE: reduce(); break;
+    }
+    return false;
+}
+
+enum step { NEXTTOKEN, FINISHED, PAIR, EMPTYCALL };
+
+// An operator where an operand was due.
+step prefix(int token) {
+    if (token == TOKEND) {
+        if (parser.oplevel == 0) return FINISHED;
+        if (!mayendbare(opcommand()) && optop() != TOKPRIME) tarnsyntax(3, "illegal command type");
+        return PAIR;
+    }
+    if (token == TOKCLOSE && optop() == TOKCALL) return EMPTYCALL;
+    oppush(token);
+    parser.closed = 0;
+    return NEXTTOKEN;
+}
+
+void operand(polishstate& p) {
+    if (p.isvalue) tarnerror("syntax error: two values not separated by an operator");
+    polpush(p.index);
+    p.isvalue = true;
+    parser.closed = 0;
+}
+
+bool isoperand(int token) { return token <= TOKNUMBER || token == TOKSTRING; }
+
+// Empty statements and strings in front of a statement leave no trace.
+void statementhead() {
+    int token, index;
+    for (;;) {
+        newtoken(token, index);
+        if (token != TOKSTRING && token != TOKEND) break;
+        if (token == TOKSTRING) tempfree(index);
+        line.prompt = "* ";
+    }
+    if (token == TOKTHEN || token == TOKELSE) tarnsyntax(7, "statement starting with illegal token");
+    pushtoken(token, index);
+}
+
+void emptycall() {
+    parser.argcount[parser.argptr] = 0;
+    parser.closed = 0;
+    process(TOKCALL);
+    closebracket(TOKCLOSE);
+}
+
+// The operands that clauses kept for their statement.
+void releaseclauses() {
+    for (const int idx : {clause.insym, clause.labelmatrix, clause.conset})
+        if (idx > 0 && istemporary(idx)) tempfree(idx);
+}
+
+// The end of a statement that did something: in a do-file or a loop the user may stop it here.
+void statementend() {
+    if (parser.poltop > 0) tarnsyntax(15, "illegal statement");
+    releaseclauses();
+    if (line.depth == 0) return;
+    if (!parser.interrupted) keypoll();
+    if (parser.interrupted) throw recoveryjump{-1};
+}
+
+// One pass of the token loop; false when the statement is done.
+bool taketoken(polishstate& p) {
+    const int token = intake(p);
+    if (token == 0) return true;
+    parser.token = token;
+    if (parser.debugsw) debugtoken(token, p.index);
+    if (isoperand(token)) {
+        operand(p);
+        return true;
+    }
+    if (tokentables.col[token] == 0) {
+        process(token);
+        return token != TOKHELP;
+    }
+    if (!p.isvalue) {
+        switch (prefix(token)) {
+        case NEXTTOKEN: return true;
+        case FINISHED: return false;
+        case EMPTYCALL: emptycall(); return p.isvalue = true;
+        case PAIR: break;
+        }
+    }
+    if (pairtoken(token)) return p.isvalue = true;
+    if (token == TOKEND) {
+        statementend();
+        return false;
+    }
+    if (token != TOKPRIME) p.isvalue = false;
+    return true;
+}
+
+} // namespace
+
+void statementbegin() {
+    scannerreset();
+    parserreset();
+    submtxrelease();
+    if (parser.treegarbage) {
+        trireclaim();
+        parser.treegarbage = false;
+    }
+    clausereset();
+    fpclear();
+    static const char *const mathex = "MATHEX", *const casesw = "CASESW";
+    fp.limit = int(std::lround(symtabscalar(mathex, 0)));
+    parser.casesw = int16_t(std::lround(symtabscalar(casesw, 0)));
+    line.prompt = "* ";
+}
+
+void polish() {
+    statementhead();
+    polishstate p{false, 0};
+    while (taketoken(p)) {}
+}

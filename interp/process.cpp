@@ -1,0 +1,101 @@
+#include "interp/process.h"
+
+#include "funcs/define.h"
+#include "interp/assign.h"
+#include "interp/base/report.h"
+#include "interp/base/symtab.h"
+#include "interp/tokenfil.h"
+
+#include <iterator>
+
+namespace {
+
+constexpr int PROCESSCASES = int(std::size(processtable));
+
+// Statements and units that may be performed with nothing on polstack.
+bool mayrunempty(int token) {
+    switch (token) {
+    case TOKTYPE:
+    case TOKDRAW:
+    case TOKSAVE:
+    case TOKEXIT:
+    case TOKVIEW:
+    case TOKTITLE:
+    case TOKXAXIS:
+    case TOKYAXIS:
+    case TOKAXIS:
+    case TOKFIT:
+    case TOKCONSTRAINTS:
+    case TOKWINDOW:
+    case TOKFRAME:
+    case TOKIMAGE:
+    case TOKFRACT:
+    case TOKINCHES:
+    case TOKFFRACT:
+    case TOKFINCHES:
+    case TOKWORLD:
+    case TOKFRAMEBOX:
+    case TOKIMAGEBOX:
+    case TOKRETURN:
+    case TOKPLOT:
+    case TOKHELP:
+    case TOKSTOP:
+    case TOKEDIT:
+    case TOKWAIT:
+    case TOKSAVEOVER:
+    case TOKSAVEALL:
+    case TOKSAVEALLOVER:
+    case TOKCLOSEVIEW:
+    case TOKDELETEALL: return true;
+    default: return false;
+    }
+}
+
+[[gnu::cold]] void debugprocess(int pcase, const processop& op) {
+    tarnprint("process case: %hd, p2nd: %hd, ptop: %hd, opsym: %hd,", short(pcase), short(op.p2nd),
+              short(op.ptop), short(op.token));
+    tarnprint(" *nargs: %hd, nargs: %lx\n", parser.argcount[parser.argptr],
+              static_cast<unsigned long>(parser.argptr));
+}
+
+} // namespace
+
+void notavailable(int token) { tarnerror("%s is not available in this build", tokenword(token)); }
+
+void process(int token) {
+    const int top = parser.poltop;
+    if (top < 0 && tokentables.col[parser.token] != 0 && !mayrunempty(token))
+        tarnsyntax(7, "illegal statement");
+    if (parser.funcmode != 0) return funcprocess(token);
+    const processop op{token, top >= 0 ? parser.polstack[top] : 0, top >= 1 ? parser.polstack[top - 1] : 0};
+    const int pcase = tokentables.pcase[token];
+    if (parser.debugsw) debugprocess(pcase, op);
+    if (pcase < 0 || pcase >= PROCESSCASES) tarnerror("PROCESS: bad case number");
+    const auto handler = processtable[pcase].handler;
+    if (!handler) notavailable(token);
+    handler(op);
+}
+
+void needoperands(int count) {
+    if (parser.poltop + 1 < count) tarnerror("polstack[] empty, cannot be popped");
+}
+
+void dropoperands(int count) { parser.poltop -= count; }
+
+void freeoperands(int count) {
+    for (; count > 0; count--) tempfree(polpop());
+}
+
+void replaceoperands(int count, int idx) {
+    parser.poltop -= count - 1;
+    parser.polstack[parser.poltop] = int16_t(idx);
+}
+
+void processstart() {
+    operatorrows();
+    clauserows();
+    ifrows();
+    submatrixrows();
+    objectrows();
+    assignstart();
+}

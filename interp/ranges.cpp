@@ -1,0 +1,93 @@
+#include "interp/ranges.h"
+
+#include "interp/base/fpfault.h"
+#include "interp/base/operand.h"
+#include "interp/base/report.h"
+#include "interp/base/symtab.h"
+#include "values/harray.h"
+
+#include <cmath>
+#include <cstring>
+
+namespace {
+
+// The last element is made exact when the additions came this near to it.
+constexpr double NEAREND = 1e-9;
+
+// a, a + d, a + 2 d, ... towards b, with |d| the step.
+harrayptr stepped(double a, double b, double step) {
+    const double d = b < a ? -std::fabs(step) : std::fabs(step);
+    const double n = d == 0 ? 1 : 1 + std::floor(std::fabs((b + 1e-6 * d - a) / std::fabs(d)));
+    if (!(n <= 0x3FFFFFFF)) tarnerror("Too many elements requested in 'xalloc()'");
+    harrayptr m(harrayraw(uint32_t(n), 1));
+    double x = a;
+    for (size_t k = 1; k <= size_t(n); k++, x += d) cells(m.get())[k] = x;
+    return m;
+}
+
+double& last(const harrayptr& m) { return cells(m.get())[m->rows]; }
+
+void exactend(const harrayptr& m, double b) {
+    if (std::fabs(b) >= 1 && std::fabs(b - last(m)) <= NEAREND) last(m) = b;
+}
+
+double increment(int idx) {
+    const double c = scalarval(idx);
+    if (c == 0) tarnerror("COLON (:) zero increment not allowed");
+    return c;
+}
+
+} // namespace
+
+int rangeof(int a, int b) {
+    const double from = scalarval(a), to = scalarval(b);
+    harrayptr m = stepped(from, to, from == to ? 0 : 1);
+    exactend(m, to);
+    return symtabmatrix(a, b, std::move(m));
+}
+
+int rangebystep(int a, int b, int step) {
+    const double from = scalarval(a), to = scalarval(b), c = increment(step);
+    harrayptr m = stepped(from, to, c);
+    exactend(m, to);
+    tempfree(step);
+    return symtabmatrix(a, b, std::move(m));
+}
+
+int rangebycount(int a, int b, int n) {
+    const double from = scalarval(a), to = scalarval(b), c = increment(n);
+    double k = std::floor(c);
+    if (k != c) tarnwarn(":! count is not an integer");
+    if (k < 0) k = 1 - k;
+    harrayptr m = stepped(from, to, k == 1 ? to - from : (to - from) / (k - 1));
+    last(m) = to;
+    tempfree(n);
+    return symtabmatrix(a, b, std::move(m));
+}
+
+int listof(const int16_t* operands, int count) {
+    size_t total = 0;
+    for (int k = 0; k < count; k++) {
+        const symbol& s = sym(operands[k]);
+        if (s.type == MATRIX)
+            total += harraycount(static_cast<const harray*>(s.val.ptr));
+        else if (s.type == CONSTANT || s.type == SCALAR)
+            total++;
+        else
+            tarnerror("bad type in LIST expression");
+    }
+    if (total > 0x3FFFFFFF) tarnerror("Too many elements requested in 'xalloc()'");
+    harrayptr m(harrayraw(uint32_t(total), 1));
+    double* to = cells(m.get()) + 1;
+    for (int k = 0; k < count; k++) {
+        const symbol& s = sym(operands[k]);
+        if (s.type != MATRIX) {
+            *to++ = s.val.rval;
+            continue;
+        }
+        const harray* from = static_cast<const harray*>(s.val.ptr);
+        memcpy(to, cells(from) + 1, harraycount(from) * sizeof(double));
+        to += harraycount(from);
+    }
+    return symtabmatrix(0, 0, std::move(m));
+}

@@ -1,0 +1,259 @@
+#include "interp/submatrix.h"
+
+#include "funcs/trinode.h"
+#include "interp/base/hooks.h"
+#include "interp/base/operand.h"
+#include "interp/base/report.h"
+#include "interp/base/tokens.h"
+#include "interp/process.h"
+#include "interp/scanner.h"
+#include "values/harray.h"
+#include "values/stringarray.h"
+
+#include <cstring>
+#include <iterator>
+#include <vector>
+
+namespace {
+
+const harray* matrixof(int idx) { return static_cast<const harray*>(sym(idx).val.ptr); }
+
+int newsubmtx(int matrix, int rows, int cols) {
+    const int node = trialloc(-matrix, -rows, -cols);
+    return symtabtemp(0, 0, nullptr, SUBMTX, node);
+}
+
+// A subscript as a matrix: a named or temporary one as it stands, a scalar as a 1 by 1 temporary in its
+// place.
+int subscriptmatrix(int idx) {
+    if (ismatrix(idx)) return idx;
+    const int temp = scalartemp(idx);
+    tempfree(idx);
+    return temp;
+}
+
+// Has the subscripted name become the target of an assignment? The next token tells.
+bool istarget() {
+    int token, index;
+    newtoken(token, index);
+    pushtoken(token, index);
+    return token == TOKUNDERSCORE || (token == TOKEQUAL && !parser.assigned && parser.oplevel == 1);
+}
+
+void checksubscripts(int count) {
+    if (count != 1 && count != 2) tarnerror("matrices may have 1 or 2 subscripts only");
+}
+
+int targetpart(int matrix, const int16_t* subscripts, int count) {
+    const int rows = subscriptmatrix(subscripts[0]);
+    const int cols = count == 2 ? subscriptmatrix(subscripts[1]) : scalartemp(symtab.one);
+    return newsubmtx(matrix, rows, cols);
+}
+
+uint32_t subscript(int idx, uint32_t limit) {
+    const double x = scalarval(idx);
+    if (!(x >= 1 && x < double(limit) + 1)) tarnerror("matrix subscript out of valid range");
+    return uint32_t(x);
+}
+
+int textelement(const StringArray* a, uint32_t i, uint32_t j) {
+    char* text = nullptr;
+    if (!StringArrayStrGet(a, long(i), long(j), &text))
+        tarnerror("StringArrayStrGet failed in matrixhandler()");
+    return symtabtemp(0, 0, text, TEMPSTRING, 0);
+}
+
+int element(int matrix, const int16_t* subscripts, int count) {
+    const symbol& s = sym(matrix);
+    if (s.type == UNKNOWN) tarnerror("%s is undefined, a matrix or function was expected here", s.name);
+    checksubscripts(count);
+    for (int k = 0; k < count; k++)
+        if (!isscalar(subscripts[k])) tarnerror("subscripts must be scalars");
+    const int column = count == 2 ? subscripts[1] : symtab.one;
+    int result;
+    if (s.type == STRINGMATRIX) {
+        const StringArray* a = static_cast<const StringArray*>(s.val.ptr);
+        const uint32_t i = subscript(subscripts[0], a->rows);
+        result = textelement(a, i, subscript(column, a->cols));
+    } else {
+        const harray* a = matrixof(matrix);
+        const uint32_t i = subscript(subscripts[0], a->rows);
+        result = symtabtempscalar(0, 0, at(a, i, subscript(column, a->cols)));
+    }
+    tempfree(matrix);
+    tempfree(subscripts[0]);
+    tempfree(column);
+    return result;
+}
+
+} // namespace
+
+submtxparts submtxof(int idx) {
+    const trinode& node = tri(sym(idx).index);
+    return {-node.op, -node.left, -node.right};
+}
+
+void matrixhandler(int base, int symidx) {
+    const int16_t* subscripts = parser.polstack + base + 1;
+    const int count = parser.poltop - base;
+    int result;
+    if (istarget()) {
+        checksubscripts(count);
+        result = targetpart(symidx, subscripts, count);
+    } else {
+        result = element(symidx, subscripts, count);
+    }
+    parser.poltop = base;
+    parser.polstack[base] = int16_t(result);
+}
+
+void submtxrelease() {
+    for (int k = 0; k < symtab.nsubmtx; k++) {
+        const int idx = symtab.submtx[k];
+        symbol& s = sym(idx);
+        if (s.type != SUBMTX) continue;
+        trifree(s.index);
+        symtabmarkdeleted(idx);
+        s.type = EMPTY;
+    }
+    symtab.nsubmtx = 0;
+}
+
+namespace {
+
+// Refusals of a subscript, by what is selected and how.
+using refusal = void (*)(const char* name, long k);
+void badrow(const char*, long) { tarnerror("illegal row index in submatrix"); }
+void badcolumn(const char*, long) { tarnerror("illegal column index in submatrix"); }
+void norow(const char* name, long k) { tarnerror("matrix %s does not have row %ld", name, k); }
+void nocol(const char* name, long k) { tarnerror("matrix %s does not have col %ld", name, k); }
+void nocolumn(const char* name, long k) { tarnerror("matrix %s does not have column %ld", name, k); }
+
+// The rows or columns that a subscript selects, from 0; all of them when there is none.
+std::vector<uint32_t> chosen(int subscripts, uint32_t limit, refusal refuse, const char* name) {
+    std::vector<uint32_t> list(subscripts ? harraycount(matrixof(subscripts)) : limit);
+    for (size_t k = 0; k < list.size(); k++) {
+        const double x = subscripts ? cells(matrixof(subscripts))[k + 1] : double(k + 1);
+        if (!(x >= 1 && x < double(limit) + 1)) refuse(name, long(x));
+        list[k] = uint32_t(x) - 1;
+    }
+    return list;
+}
+
+// A new matrix of the selected rows and columns; the parts, as far as they are temporaries, are released.
+int selected(const submtxparts& part, refusal rowrefusal, refusal colrefusal) {
+    const harray* m = matrixof(part.matrix);
+    const char* name = sym(part.matrix).name;
+    const auto rows = chosen(part.rows, m->rows, rowrefusal, name);
+    const auto cols = chosen(part.cols, m->cols, colrefusal, name);
+    harrayptr result(harrayraw(uint32_t(rows.size()), uint32_t(cols.size())));
+    double* out = cells(result.get()) + 1;
+    for (const uint32_t i : rows) {
+        const double* in = cells(m) + 1 + size_t(i) * m->cols;
+        if (part.cols)
+            for (const uint32_t j : cols) *out++ = in[j];
+        else if (m->cols > 0)
+            out = static_cast<double*>(memcpy(out, in, m->cols * sizeof(double))) + m->cols;
+    }
+    tempfree(part.matrix);
+    tempfree(part.rows);
+    return symtabmatrix(part.cols, 0, std::move(result));
+}
+
+// Is the selection just read a target, or a part of a longer selection?
+bool selectiontarget() {
+    const int token = parser.token;
+    return token == TOKUNDERSCORE || token == TOKROW || token == TOKCOL || opcommand() == TOKDELETE ||
+           (token == TOKEQUAL && !parser.assigned && parser.oplevel == 0);
+}
+
+// The second part of a selection, such as the columns behind A ROW 1:2.
+int completed(int submtx, int subscripts, bool byrow, bool target) {
+    submtxparts part = submtxof(submtx);
+    int& missing = byrow ? part.rows : part.cols;
+    if (missing) tarnerror("a too complicated ROW/COL expression");
+    missing = subscripts;
+    trinode& node = trimutable(sym(submtx).index);
+    (byrow ? node.left : node.right) = int16_t(-subscripts);
+    if (target) return submtx;
+    if (sym(part.matrix).type != MATRIX) {
+        if (byrow) tarnerror("submatrix references non-existent matrix");
+        tarnerror("%s is not a matrix", sym(part.matrix).name);
+    }
+    return byrow ? selected(part, badrow, badcolumn) : selected(part, norow, nocol);
+}
+
+int selection(int token, int operand, int index) {
+    const bool byrow = token == TOKROW, target = selectiontarget();
+    const int type = sym(operand).type;
+    if (type != UNKNOWN && type != MATRIX && type != SUBMTX)
+        tarnerror("can't apply %s to this type", byrow ? "ROW" : "COL");
+    const int subscripts = subscriptmatrix(index);
+    if (type == SUBMTX) return completed(operand, subscripts, byrow, target);
+    if (target) return byrow ? newsubmtx(operand, subscripts, 0) : newsubmtx(operand, 0, subscripts);
+    if (type == UNKNOWN) {
+        if (byrow) tarnerror("submatrix references non-existent matrix");
+        tarnerror("%s is not a matrix", sym(operand).name);
+    }
+    return byrow ? selected({operand, subscripts, 0}, badrow, badcolumn)
+                 : selected({operand, 0, subscripts}, norow, nocolumn);
+}
+
+void rowcolop(const processop& op) {
+    if (!op.p2nd) tarnsyntax(27, "missing arg for binary operator");
+    replaceoperands(2, selection(op.token, op.p2nd, op.ptop));
+}
+
+// Which of `limit` rows or columns stay when those of the subscripts go; false when a subscript is none.
+bool survivors(int subscripts, uint32_t limit, std::vector<uint32_t>& stay) {
+    std::vector<bool> keep(limit, true);
+    if (subscripts) {
+        const harray* m = matrixof(subscripts);
+        for (size_t k = 1; k <= harraycount(m); k++) {
+            const double x = cells(m)[k];
+            if (!(x >= 1 && x < double(limit) + 1)) return false;
+            keep[size_t(x) - 1] = false;
+        }
+    }
+    for (uint32_t k = 0; k < limit; k++)
+        if (keep[k]) stay.push_back(k);
+    return true;
+}
+
+void removeparts(const submtxparts& part) {
+    symbol& s = sym(part.matrix);
+    if (istemporary(part.matrix)) return tarnwarn("DELETE: deletion does not apply to expressions");
+    if (s.type != MATRIX) return tarnwarn("DELETE: %s does not exist", s.name);
+    harray* m = static_cast<harray*>(s.val.ptr);
+    std::vector<uint32_t> rows, cols;
+    if (!survivors(part.rows, m->rows, rows) || !survivors(part.cols, m->cols, cols))
+        tarnerror("DELETE: invalid submatrix index");
+    if (symtabprotected(part.matrix)) return;
+    if (cols.empty()) return symtabdelete(part.matrix);
+    harrayptr rest(harrayraw(uint32_t(rows.size()), uint32_t(cols.size())));
+    double* out = cells(rest.get()) + 1;
+    for (const uint32_t i : rows)
+        for (const uint32_t j : cols) *out++ = at(m, i + 1, j + 1);
+    harrayfree(m);
+    s.val.ptr = rest.release();
+}
+
+constexpr processrow rows[] = {{18, rowcolop}};
+
+} // namespace
+
+void submtxdelete(int idx) {
+    const submtxparts part = submtxof(idx);
+    removeparts(part);
+    tempfree(part.matrix);
+    tempfree(part.rows);
+    tempfree(part.cols);
+}
+
+void submatrixrows() {
+    processadd(rows, int(std::size(rows)));
+    symtab.kind[SUBMTX].remove = submtxdelete;
+    upper.subscript = matrixhandler;
+    upper.newtoken = newtoken;
+    upper.pushtoken = pushtoken;
+}

@@ -1,0 +1,18 @@
+/* interp/submatrix.h - parts of a matrix: subscripts, ROW and COL.
+ * Owns:    the SUBMTX temporaries, which stand for a part that will be assigned to or deleted.
+ * Callers: the call path for A(i,j), the rows of ROW and COL, DELETE, assignment, the statement loop.
+ * Never:   assigns. */
+#pragma once
+
+#include "interp/base/symtab.h"
+
+// What a SUBMTX entry stands for: symbols of the matrix and of the subscript matrices, 0 for all rows or
+// columns.
+struct submtxparts {
+    int matrix, rows, cols;
+};
+submtxparts submtxof(int idx);
+
+void matrixhandler(int base, int symidx); // A(...) with A at polstack[base]: a target or a value
+void submtxrelease();                     // before a statement: lets go of those of the statement before
+void submtxdelete(int idx);               // DELETE of rows and columns
