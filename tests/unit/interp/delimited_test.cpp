@@ -123,7 +123,7 @@ TEST(delimited, numbers) {
     for (const auto& row : rows) {
         double x = -77;
         ASSERT_EQ(delimitednumber(row.field, x), row.kind) << row.field;
-        if (row.kind != FIELDTEXT) EXPECT_EQ(x, row.x) << row.field;
+        if (row.kind != FIELDTEXT) { EXPECT_EQ(x, row.x) << row.field; }
     }
     EXPECT_EQ(fp.total, 0u);
     for (const char* field : {"1e400", "-123456e305", "1e99999999999999999999"}) {
