@@ -2,10 +2,12 @@
 
 #include "solvers/conset.h"
 #include "solvers/fit.h"
+#include "solvers/linprog.h"
 #include "solvers/odesetup.h"
 
 void solversstart() {
     consetstart();
     odestart();
     fitstart();
+    simplexstart();
 }

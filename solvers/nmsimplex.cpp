@@ -1,0 +1,160 @@
+#include "solvers/nmsimplex.h"
+
+#include "interp/base/parser.h"
+#include "interp/base/report.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+struct polytope {
+    double (*f)(void*, const double*);
+    void* context;
+    int n;
+    std::vector<double>& points; // simplexpts
+    simplexswitches sw;
+    std::vector<double> values, sums, trialpoint; // simplexvals, simplexcent
+    int ilo = 0, ihi = 0, inhi = 0;
+    long count = 0;
+
+    double* vertex(int i) { return &points[size_t(i) * n]; }
+};
+
+void sumvertices(polytope& s) {
+    std::fill(s.sums.begin(), s.sums.end(), 0.0);
+    for (int i = 0; i <= s.n; i++)
+        for (int j = 0; j < s.n; j++) s.sums[size_t(j)] += s.vertex(i)[j];
+}
+
+void printpoint(const double* x, int n, double value) {
+    for (int j = 0; j < n; j++) tarnprint("%lf, ", x[j]);
+    tarnprint("= %lf\n", value);
+}
+
+// Ties keep the later index.
+void rank(polytope& s) {
+    s.ilo = 0;
+    s.ihi = s.values[0] > s.values[1] ? 0 : 1;
+    s.inhi = 1 - s.ihi;
+    for (int i = 0; i <= s.n; i++) {
+        if (s.values[i] <= s.values[s.ilo]) s.ilo = i;
+        if (s.values[i] > s.values[s.ihi]) {
+            s.inhi = s.ihi;
+            s.ihi = i;
+        } else if (i != s.ihi && s.values[s.inhi] <= s.values[i]) {
+            s.inhi = i;
+        }
+    }
+}
+
+/* A point on the line through the worst vertex and the centre of the others, at `factor` of their distance;
+ * it takes the place of the worst vertex when it is better. */
+double trial(polytope& s, double factor) {
+    const double b = (1 - factor) / s.n;
+    double* worst = s.vertex(s.ihi);
+    for (int j = 0; j < s.n; j++) s.trialpoint[j] = s.sums[j] * b - worst[j] * (b - factor);
+    const double value = s.f(s.context, s.trialpoint.data());
+    if (s.sw.report & 4)
+        for (int j = 0; j < s.n; j++) tarnprint("%lf, ", s.trialpoint[j]);
+    if (s.sw.report & 6) tarnprint("= %lf\n", value);
+    if (value < s.values[s.ihi]) {
+        s.values[s.ihi] = value;
+        for (int j = 0; j < s.n; j++) {
+            s.sums[j] += s.trialpoint[j] - worst[j];
+            worst[j] = s.trialpoint[j];
+        }
+    }
+    return value;
+}
+
+void shrink(polytope& s) {
+    for (int i = 0; i <= s.n; i++) {
+        if (i == s.ilo) continue;
+        double* x = s.vertex(i);
+        const double* lowest = s.vertex(s.ilo);
+        for (int j = 0; j < s.n; j++) x[j] = 0.5 * (x[j] + lowest[j]);
+        s.values[i] = s.f(s.context, x);
+    }
+    s.count += s.n + 2;
+    sumvertices(s);
+}
+
+void say(const polytope& s, const char* move) {
+    if (s.sw.report & 16) tarnprint("%s\n", move);
+}
+
+void moveworst(polytope& s) {
+    say(s, "reflection");
+    const double reflected = trial(s, -1);
+    s.count++;
+    if (reflected <= s.values[s.ilo]) {
+        say(s, "extension");
+        trial(s, 2);
+        s.count++;
+    } else if (reflected >= s.values[s.inhi]) {
+        const double worst = s.values[s.ihi];
+        say(s, "contraction");
+        s.count++;
+        if (trial(s, 0.5) >= worst) shrink(s);
+    }
+}
+
+// Q stops at the best vertex; R, or report bit 8, shows it.
+bool interrupted(polytope& s, long round) {
+    bool show = (s.sw.report & 8) != 0;
+    if (!show) {
+        const bool toggled = parser.reporttoggle;
+        keypoll();
+        show = parser.reporttoggle != toggled;
+    }
+    if (show) {
+        tarnprint("%hd:  ", short(round));
+        for (int j = 0; j < s.n; j++) tarnprint("%lf, ", s.vertex(s.ilo)[j]);
+        tarnprint(" = %lf\n", s.values[s.ilo]);
+    }
+    if (!parser.interrupted) return false;
+    tarnprint("SIMPLEX interrupted by Q\n");
+    return true;
+}
+
+bool settled(const polytope& s) {
+    if (s.count >= s.sw.maxiter) {
+        tarnwarn("MAXITER exceeded in SIMPLEX");
+        return true;
+    }
+    const double lo = s.values[s.ilo], hi = s.values[s.ihi];
+    if (hi == lo) return true;
+    const double measure =
+        std::fabs(lo) > s.sw.tolerance ? 2 * std::fabs(hi - lo) / (std::fabs(hi) + std::fabs(lo)) : 0;
+    return measure < s.sw.tolerance;
+}
+
+void bestfirst(polytope& s) {
+    std::swap(s.values[0], s.values[s.ilo]);
+    for (int j = 0; j < s.n; j++) std::swap(s.vertex(0)[j], s.vertex(s.ilo)[j]);
+}
+
+} // namespace
+
+long nmsimplex(double (*f)(void* context, const double* x), void* context, int n, std::vector<double>& points,
+               const simplexswitches& sw, double& best) {
+    polytope s{f, context, n, points, sw, {}, {}, {}};
+    s.values.resize(size_t(n) + 1);
+    s.sums.resize(size_t(n));
+    s.trialpoint.resize(size_t(n));
+    for (int i = 0; i <= n; i++) {
+        s.values[i] = f(context, s.vertex(i));
+        if (sw.report & 1) printpoint(s.vertex(i), n, s.values[i]);
+    }
+    s.count = n + 1;
+    sumvertices(s);
+    for (long round = 1;; round++) {
+        rank(s);
+        if (interrupted(s, round) || settled(s)) break;
+        moveworst(s);
+    }
+    bestfirst(s);
+    best = s.values[0];
+    return s.count;
+}
