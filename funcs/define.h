@@ -11,6 +11,7 @@ struct definestate {
     bool headerseen = false;    // a header has been reduced; a second one is an error
     int oldtype = 1;            // what the name was before this definition; 1 when new
     int headernode = 0;         // reference of the header that is being filled
+    int function = 0;           // symbol that is being defined, once the header is reduced
 };
 extern definestate definition;
 

@@ -49,7 +49,7 @@ void submatrixrelease(symbol& s) {
 void trinodestart() {
     trinodes.at.assign(TRINODEFIRST, trinode{0, 0, 0});
     chainfree(1, TRINODEFIRST);
-    trinodes.sweeps++;
+    trinodes.made++;
     symtab.kind[USERFUNCTION].uses = symtab.kind[INITIALVALUE].uses = functionuses;
     symtab.kind[SUBMTX].release = submatrixrelease;
 }
@@ -60,6 +60,7 @@ int trialloc(int op, int left, int right) {
     trinode& node = trinodes.at[size_t(n)];
     trinodes.freelist = node.right;
     node = {int16_t(op), int16_t(left), int16_t(right)};
+    if (op == TREEHEADER) trinodes.made++;
     return -n;
 }
 
@@ -82,7 +83,7 @@ void trireclaim() {
             trinodes.freelist = n;
         }
     }
-    trinodes.sweeps++;
+    trinodes.made++;
 }
 
 int trifreecount() {
@@ -116,20 +117,8 @@ int formalref(int f, int k) {
     return ref < 0 ? tri(ref).right : 0;
 }
 
-// Derivatives share subtrees, so nodes already seen are passed over.
 bool treeuses(int ref, int target) {
-    if (ref >= 0) return ref == target;
-    std::vector<bool> seen(trinodes.at.size());
-    std::vector<int16_t> pending{int16_t(ref)};
-    while (!pending.empty()) {
-        const int at = pending.back();
-        pending.pop_back();
-        if (seen[size_t(-at)]) continue;
-        seen[size_t(-at)] = true;
-        const trinode n = tri(at);
-        if (n.left == target || n.right == target) return true;
-        if (n.left < 0) pending.push_back(n.left);
-        if (n.right < 0) pending.push_back(n.right);
-    }
-    return false;
+    bool used = ref == target;
+    treewalk(ref, [&](int at) { return !(used = tri(at).left == target || tri(at).right == target); });
+    return used;
 }

@@ -56,7 +56,9 @@ inline constexpr int TRINODEFIRST = 16381, TRINODEMOST = 32767; // records, the 
 struct trinodestate {
     std::vector<trinode> at; // [0] is never a node
     int freelist = 0;
-    uint32_t sweeps = 0; // node numbers may come back with another meaning only after this has changed
+    // Changes with each new definition and each sweep: what was found out about trees holds while it stands,
+    // for symbols whose type and index still are what they were.
+    uint32_t made = 1;
 };
 extern trinodestate trinodes;
 
@@ -78,5 +80,22 @@ inline int funcheader(int f) { return sym(f).index; }
 inline int funcbody(int f) { return tri(sym(f).index).right; }
 inline int funcformals(int f) { return tri(sym(f).index).left; } // first TREEFORMAL node or 0
 int formalcount(int f);
-int formalref(int f, int k);        // the k-th formal from 1, 0 beyond the last
+int formalref(int f, int k); // the k-th formal from 1, 0 beyond the last
+
+// Visits each node under ref once (results of differentiation share subtrees), without recursion. visit(ref)
+// returns false to end the walk.
+template <class Visit> void treewalk(int ref, Visit&& visit) {
+    if (ref >= 0) return;
+    std::vector<bool> seen(trinodes.at.size());
+    std::vector<int16_t> pending{int16_t(ref)};
+    while (!pending.empty()) {
+        const int at = pending.back();
+        pending.pop_back();
+        if (seen[size_t(-at)]) continue;
+        seen[size_t(-at)] = true;
+        if (!visit(at)) return;
+        if (tri(at).right < 0) pending.push_back(tri(at).right);
+        if (tri(at).left < 0) pending.push_back(tri(at).left);
+    }
+}
 bool treeuses(int ref, int target); // does the tree refer to symbol target?

@@ -6,6 +6,7 @@
 
 #include "interp/base/parser.h"
 
+#include <cstddef>
 #include <cstdint>
 
 struct harray;
@@ -21,7 +22,8 @@ struct evalstate {
 };
 extern evalstate eval;
 
-void evalstart(); // defaults; measures the machine stack
+// Defaults. stackbytes: the machine stack that may be used below the caller's frame.
+void evalstart(size_t stackbytes = size_t(1) << 20);
 
 /* The value of the call laid out on polstack at position p: the callee's symbol there, its arguments above it
  * up to the top (symbols; or minus cells of the scalar stack). The entry of a user function keeps the result.
@@ -37,6 +39,9 @@ double scalararg(int entry);        // a polstack entry that must be a defined s
 harray* matrixarg(int entry);       // a polstack entry that must be a matrix, "%s is not a matrix"
 void* matrixorstringarg(int entry); // a matrix or a string matrix
 double& elemref(harray* m, double row, double col); // truncated subscripts, checked against the shape
+
+bool formaliscalled(int f, int k); // is formal k of f called in its body, or passed on to be called?
+bool calledassolution(int idx);    // does a call of idx now mean the solution of a differential equation?
 
 // Error "stack space too low; ..." when less than a safe rest of the machine stack is left.
 [[noreturn]] void stackexhausted();

@@ -1,0 +1,640 @@
+#include "funcs/value.h"
+
+#include "funcs/builtin.h"
+#include "funcs/calls.h"
+#include "funcs/define.h"
+#include "funcs/deriv.h"
+#include "funcs/flatimpl.h"
+#include "funcs/operators.h"
+#include "funcs/rootint.h"
+#include "funcs/trinode.h"
+#include "interp/base/fpfault.h"
+#include "interp/base/hooks.h"
+#include "interp/base/operand.h"
+#include "interp/base/report.h"
+#include "interp/base/symtab.h"
+#include "values/harray.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+evalstate eval;
+
+namespace {
+
+// Codes of builtins that the evaluator serves itself.
+constexpr int CODEABS = -23, CODEKREAD = -78, FIRSTNUMBERCODE = -400, CODEINTEGRAL = -500, CODEEVAL = -501,
+              CODESUM = -502, CODEROOT = -503, CODEPRODUCT = -504, CODETYPEOF = -505, FIRSTVALUECODE = -600;
+
+constexpr size_t STACKRESERVE =
+    192 * 1024;                // left for printing the error and for routines that call no deeper
+constexpr int LOGDEPTH = 1000; // nesting at which the log is put on disk
+constexpr const char* MATRIXMISUSE = "illegal use of matrix in user function";
+
+double evalnode(int ref, int p);
+
+// The cells of a frame; a recursion that fills them ends as one that fills the machine stack.
+int pushcell(double x) {
+    if (parser.scalartop > SCALARSTACKSIZE) stackexhausted();
+    parser.scalar[parser.scalartop] = x;
+    return -parser.scalartop++;
+}
+void pushentry(int entry) {
+    if (parser.poltop + 1 >= POLSTACKSIZE) stackexhausted();
+    parser.polstack[++parser.poltop] = int16_t(entry);
+}
+
+// The stacks' tops as they were, restored on leaving.
+struct stackmark {
+    int poltop = parser.poltop, scalartop = parser.scalartop;
+    ~stackmark() {
+        parser.poltop = poltop;
+        parser.scalartop = scalartop;
+    }
+};
+
+// Counts nesting; deep recursion may end in a fault of the machine, and the log is to be on disk by then.
+struct depthcount {
+    depthcount() {
+        if (++eval.evaldepth <= LOGDEPTH) return;
+        if (report.log) fflush(report.log);
+        eval.evaldepth = 0;
+    }
+    ~depthcount() { eval.evaldepth--; }
+};
+
+double evalscalar(int ref, int p) {
+    const double x = evalref(ref, p);
+    if (eval.matrixflag) tarnerror(MATRIXMISUSE);
+    return x;
+}
+
+// The entry behind a reference: a formal's is in the frame, everything else stands for itself.
+int resolved(int ref, int p) { return isformalref(ref) ? parser.polstack[p + ref - FORMALBASE] : ref; }
+
+int argumentcount(int call) {
+    int count = 0;
+    for (int cell = tri(call).left; cell < 0; cell = tri(cell).left) count++;
+    return count;
+}
+
+// ---- solutions of differential equations
+
+double solution(int idx, double t) {
+    const stackmark mark;
+    const int at = symtabtempscalar(0, 0, t);
+    pushentry(idx);
+    pushentry(at);
+    onop(2, 3);
+    const double result = parser.scalar[parser.scalartop - 1];
+    tempfree(at);
+    return result;
+}
+
+bool isderivname(int idx) { return sym(idx).name[0] == '.'; }
+
+// Is idx a derivative whose function part is an initial value: the derivative of a solution?
+bool solutionderivative(int idx) {
+    const char* name = sym(idx).name;
+    const char* base = name + strspn(name, ".");
+    const char* dot = strstr(base, "..");
+    if (!dot) dot = strrchr(base, '.');
+    if (!dot) return false;
+    char part[MAXNAME + 1];
+    const size_t length = size_t(dot - name) - 1;
+    memcpy(part, name + 1, length);
+    part[length] = 0;
+    const int function = symtablookup(part);
+    return function > 0 && sym(function).type == INITIALVALUE;
+}
+
+bool isrunningstate(int idx) {
+    double none;
+    return eval.odeactive && (sym(idx).type == INITIALVALUE || isderivname(idx)) &&
+           upper.odecall(idx, nullptr, 0, none);
+}
+
+// ---- builtins
+
+// Mandatory and possible arguments of a signature; false when arguments are not checked.
+bool argumentrange(int callee, int& least, int& most) {
+    const signed char* slots = sym(callee).val.argd;
+    if (slots[0] < 0) return false;
+    most = slots[0];
+    least = int(std::count_if(slots + 1, slots + 1 + most, [](signed char s) { return s > 0; }));
+    return true;
+}
+
+void checkcount(int callee, int n) {
+    int least, most;
+    if (argumentrange(callee, least, most) && (n < least || n > most))
+        tarnerror("function %s takes %hd arguments; %hd are mandatory", sym(callee).name, short(most),
+                  short(least));
+}
+
+double complexmodulus(int entry) {
+    const harray* m = matrixarg(entry);
+    if (harraycount(m) != 2) argshape("ABS");
+    return fpcheck(std::hypot(cells(m)[1], cells(m)[2]));
+}
+
+double scalarcall(int p, int code, int n) {
+    const int first = n > 0 ? parser.polstack[p + 1] : 0;
+    if (code == CODEABS && first > 0 && ismatrix(first)) return complexmodulus(first);
+    if (code == CODEKREAD && first > 0 && !isscalar(first)) {
+        const numberrow* reader = numberbuiltinrow(code);
+        if (reader) return reader->call({p, n, code});
+    }
+    const stackmark mark;
+    const int base = parser.scalartop;
+    for (int k = 1; k <= n; k++) pushcell(scalararg(parser.polstack[p + k]));
+    return scalarbuiltin(code, parser.scalar + base, n);
+}
+
+double builtinvalue(int p, int code, int n) {
+    parser.argcount[++parser.argptr] = int16_t(n);
+    checkargs(p);
+    parser.argptr--;
+    if (code > FIRSTNUMBERCODE) return scalarcall(p, code, n);
+    if (code == CODETYPEOF) {
+        const int top = parser.polstack[parser.poltop];
+        return top < 0 ? int(SCALAR) : int(sym(top).type);
+    }
+    if (code <= CODEINTEGRAL)
+        tarnerror("SUM, PRODUCT, ROOT, INTEGRAL, and EVAL can only appear in function bodies");
+    const numberrow* row = numberbuiltinrow(code);
+    if (!row) tarnerror("not a function");
+    return fpcheck(spchecked(row->call({p, n, code})));
+}
+
+// ---- user functions
+
+double walkfunction(int p, int f, int n) {
+    const int nformals = formalcount(f);
+    if (nformals != n) {
+        const char* name = sym(f).name;
+        conout("##Error: incorrect # of args(%d) supplied for %s\n", 2 * n - nformals, name);
+        logout("##Error: incorrect # of args(%d) supplied for %s\n", 2 * n - nformals, name);
+        tarnerror("Bad user-defined function call");
+    }
+    const double result = evalscalar(funcbody(f), p);
+    return sym(f).val.rval = result;
+}
+
+// Compiled code met something to be told of: the walk does it all again, with every call in it.
+double repeatedwalk(int p, int f, int n) {
+    struct walking {
+        walking() { eval.flat = false; }
+        ~walking() { eval.flat = true; }
+    } const guard;
+    return walkfunction(p, f, n);
+}
+
+double userfunction(int p, int f, int n) {
+    if (eval.flat) {
+        double result;
+        const flatoutcome outcome = flatvalue(p, f, n, result);
+        if (outcome == FLATVALUE) return sym(f).val.rval = result;
+        if (outcome == FLATREPEAT) return repeatedwalk(p, f, n);
+    }
+    return walkfunction(p, f, n);
+}
+
+/* Which of a function's formals (the first 32) are called in its body, or passed on to be called. Kept until
+ * another definition is made; `open` are the functions whose answer is being sought. */
+struct calledformals {
+    uint32_t mask[SYMTABSIZE];
+    uint32_t made[SYMTABSIZE]; // value of trinodes.made for which the mask stands
+};
+calledformals called;
+
+uint32_t findcalled(int f, std::vector<int>& open) {
+    if (std::find(open.begin(), open.end(), f) != open.end() || funcheader(f) >= 0) return 0;
+    if (called.made[f] == trinodes.made) return called.mask[f];
+    open.push_back(f);
+    uint32_t mask = 0;
+    const auto add = [&](int ref) {
+        if (isformalref(ref) && ref <= FORMALBASE + 32) mask |= 1u << (ref - FORMALBASE - 1);
+    };
+    treewalk(funcbody(f), [&](int at) {
+        const trinode n = tri(at);
+        if (n.op != TREECALL) return true;
+        add(n.right);
+        const bool user =
+            issymbolref(n.right) && (sym(n.right).type == USERFUNCTION || sym(n.right).type == INITIALVALUE);
+        const uint32_t passed = user ? findcalled(n.right, open) : 0;
+        int k = 0;
+        for (int cell = n.left; cell < 0 && k < 32; cell = tri(cell).left, k++)
+            if (passed >> k & 1) add(tri(cell).right);
+        return true;
+    });
+    open.pop_back();
+    if (open.empty()) { // else the answer may lack what an open function would add
+        called.mask[f] = mask;
+        called.made[f] = trinodes.made;
+    }
+    return mask;
+}
+
+/* A function's name as an argument yields its last value, unless the callee needs the function itself: then
+ * it is passed by name, as are things that have no number. */
+bool passedbyname(int callee, int k, int idx) {
+    const int type = sym(idx).type;
+    const int calleetype = sym(callee).type;
+    if (type == SCALAR || type == CONSTANT || type == MATRIX) return false;
+    if (calleetype < 0) {
+        const signed char* slots = sym(callee).val.argd;
+        const int slot = slots[0] >= k ? std::abs(slots[k]) : 0;
+        const bool scalarclass = isscalartype(type);
+        return !scalarclass || slot == 5 || slot == 20 || slot == 25;
+    }
+    if (type == UNKNOWN) return false;
+    return !isscalartype(type) || formaliscalled(callee, k);
+}
+
+void pushargument(int callee, int k, int ref, int p) {
+    const int entry = resolved(ref, p);
+    if (entry > 0 && passedbyname(callee, k, entry)) return pushentry(entry);
+    const int cell = pushcell(0);
+    const double x = evalref(ref, p);
+    if (eval.matrixflag) {
+        parser.scalartop--;
+        return pushentry(eval.matrixflag);
+    }
+    parser.scalar[-cell] = x;
+    pushentry(cell);
+}
+
+double generalcall(int callee, int call, int p) {
+    const stackmark mark;
+    pushentry(callee);
+    const int frame = parser.poltop;
+    int k = 1;
+    for (int cell = tri(call).left; cell < 0; cell = tri(cell).left)
+        pushargument(callee, k++, tri(cell).right, p);
+    return value(frame);
+}
+
+// ---- calls inside a body
+
+double scalarbuiltincall(int callee, int call, int p) {
+    const stackmark mark;
+    const int base = parser.scalartop;
+    int n = 0;
+    for (int cell = tri(call).left; cell < 0; cell = tri(cell).left, n++) {
+        const int to = pushcell(0);
+        const int arg = tri(cell).right;
+        const double x = evalref(arg, p);
+        if (eval.matrixflag) tarnerror("illegal matrix argument for a builtin function");
+        parser.scalar[-to] = x;
+    }
+    checkcount(callee, n);
+    eval.evalargs = n;
+    return scalarbuiltin(sym(callee).type, parser.scalar + base, n);
+}
+
+// Row and column of M(i) or M(i,j), each in a cell while the other is computed.
+struct subscripts {
+    double row, col;
+};
+subscripts evalsubscripts(int call, int p, const char* toomany) {
+    const stackmark mark;
+    const int n = argumentcount(call);
+    if (n < 1 || n > 2) tarnerror("%s", toomany);
+    const int rowcell = tri(call).left, colcell = tri(rowcell).left;
+    const int row = pushcell(0);
+    parser.scalar[-row] = evalscalar(tri(rowcell).right, p);
+    const int col = pushcell(1);
+    if (colcell < 0) parser.scalar[-col] = evalscalar(tri(colcell).right, p);
+    return {parser.scalar[-row], parser.scalar[-col]};
+}
+
+double matrixelement(int m, int call, int p) {
+    const subscripts at = evalsubscripts(call, p, "matrices may have only 1 or 2 subscripts");
+    return elemref(matrixarg(m), at.row, at.col);
+}
+
+double solutioncall(int callee, int call, int p) {
+    const int first = tri(call).left;
+    return solution(callee, first < 0 ? evalscalar(tri(first).right, p) : 0);
+}
+
+double runningstatecall(int callee, int call, int p) {
+    const int first = tri(call).left;
+    const double t = first < 0 ? evalscalar(tri(first).right, p) : 0;
+    double result = 0;
+    upper.odecall(callee, &t, 1, result);
+    return result;
+}
+
+double operatorcall(int code, int call, int p);
+
+double callnode(int call, int p) {
+    const int calleeref = tri(call).right;
+    const int callee = resolved(calleeref, p);
+    if (callee <= 0)
+        tarnerror("%s is not a function", sym(formalref(parser.polstack[p], calleeref - FORMALBASE)).name);
+    int type = sym(callee).type;
+    if (type > FIRSTNUMBERCODE && type < 0) return scalarbuiltincall(callee, call, p);
+    if (type <= FIRSTVALUECODE) tarnerror("matrix-valued function calls are illegal in user functions");
+    if (type <= CODEINTEGRAL && type >= CODEPRODUCT) return operatorcall(type, call, p);
+    if (type == MATRIX) return matrixelement(callee, call, p);
+    if ((type == INITIALVALUE || type == USERFUNCTION) && calledassolution(callee))
+        return eval.odeactive ? runningstatecall(callee, call, p) : solutioncall(callee, call, p);
+    if (type == UNKNOWN && isderivname(callee)) {
+        derivfind(callee, false);
+        type = sym(callee).type;
+    }
+    if (type >= 0 && type != USERFUNCTION && type != INITIALVALUE)
+        tarnerror("%s is not a function", sym(callee).name);
+    return generalcall(callee, call, p);
+}
+
+// ---- assignment
+
+void assignsymbol(int idx, double x) {
+    symbol& s = sym(idx);
+    if (s.type == UNKNOWN) s.type = SCALAR;
+    if (s.type != SCALAR) tarnerror("can't assign a scalar to this LHS-type within a function");
+    s.val.rval = x;
+}
+
+[[noreturn]] void badsubscript(double x, const char* which) {
+    tarnerror("matrix %s subscript: %d out of range", which, int(std::clamp(x, -2147483648.0, 2147483647.0)));
+}
+
+// A subscript of an assignment; the matrix grows up to it.
+uint32_t targetsubscript(double x, const char* which) {
+    const double whole = std::trunc(x);
+    if (!(whole >= 1 && whole <= 0x7FFFFFFF)) badsubscript(whole, which);
+    return uint32_t(whole);
+}
+
+void assignelement(int call, double x, int p) {
+    const int target = resolved(tri(call).right, p);
+    if (target <= 0) tarnerror("bad function structure");
+    if (sym(target).type != UNKNOWN && sym(target).type != MATRIX)
+        tarnerror("can't assign matrix to this type in function body");
+    const subscripts at2 = evalsubscripts(call, p, "too many subscripts");
+    const uint32_t row = targetsubscript(at2.row, "row"), col = targetsubscript(at2.col, "column");
+    symbol& s = sym(target);
+    if (s.type == UNKNOWN) {
+        s.val.ptr = harraynew(1, 1);
+        s.type = MATRIX;
+    }
+    harray* m = static_cast<harray*>(s.val.ptr);
+    if (row > m->rows || col > m->cols)
+        s.val.ptr = m = harraygrow(m, std::max(row, m->rows), std::max(col, m->cols));
+    at(m, row, col) = x;
+}
+
+double assignnode(int target, int right, int p) {
+    const double x = evalscalar(right, p);
+    if (isformalref(target)) tarnerror("can't assign value to a formal argument");
+    if (issymbolref(target))
+        assignsymbol(target, x);
+    else if (target < 0 && tri(target).op == TREECALL)
+        assignelement(target, x, p);
+    else
+        tarnerror("bad function structure");
+    return x;
+}
+
+// ---- SUM, PRODUCT, ROOT, INTEGRAL, EVAL
+
+/* The dummy is a global symbol that is a scalar while the operator runs. An error leaves a scalar or a new
+ * name as it stands at that moment; anything else that the name stood for comes back. */
+struct dummyscope {
+    symbol& s;
+    const int16_t type;
+    const double rval; // the bytes of the value, whatever it is
+    explicit dummyscope(int idx) : s(sym(idx)), type(s.type), rval(s.val.rval) {
+        pushcell(type);
+        pushcell(rval);
+        s.type = SCALAR;
+        if (!isscalartype(type)) s.val.rval = UNDEFINEDMARK;
+    }
+    dummyscope(const dummyscope&) = delete;
+    void restore() {
+        s.val.rval = rval;
+        s.type = type;
+    }
+    ~dummyscope() {
+        if (type != UNKNOWN && type != SCALAR) restore();
+    }
+};
+
+double sumloop(int code, double* x, double low, double high, int body, int p) {
+    double r = code == CODESUM ? 0 : 1;
+    uint32_t rounds = 0;
+    for (*x = low; *x <= high; *x += 1.0) {
+        const double term = evalscalar(body, p);
+        r = fpcheck(code == CODESUM ? r + term : r * term);
+        if ((++rounds & 0xFFFF) == 0 && console.breakpending()) throw recoveryjump{6};
+    }
+    return r;
+}
+
+double rootloop(double* x, double low, double high, int body, int p) {
+    double root;
+    const auto f = [=](double at) {
+        *x = at;
+        return evalscalar(body, p);
+    };
+    if (rootfind(
+            f, [] { tarnprint("calling value() to evalute f(MAXPOS)\n"); }, low, high, root))
+        return root;
+    tarnwarn("rootf: no root found");
+    return *x = MAXPOS;
+}
+
+double integralloop(double* x, double low, double high, int body, int p) {
+    uint32_t rounds = 0;
+    return fpcheck(integralof(
+        [=](double at) mutable {
+            *x = at;
+            if ((++rounds & 0xFFFF) == 0 && console.breakpending()) throw recoveryjump{6};
+            return evalscalar(body, p);
+        },
+        low, high));
+}
+
+double boundedoperator(int code, double* x, const int* arg, int n, int p) {
+    const double low = evalref(arg[1], p);
+    const double high = evalref(arg[2], p);
+    if (low == UNDEFINEDMARK || high == UNDEFINEDMARK)
+        tarnerror("undefined bound argument for ROOT, SUM, PRODUCT, INTEGRAL");
+    const bool counts = code == CODESUM || code == CODEPRODUCT;
+    if (counts && (low + 1 == low || high - 1 == high))
+        tarnerror("magnitude of lower or upper bound for SUM, PRODUCT too large");
+    if (n > 4) tarnerror("too many arguments for ROOT, SUM, PRODUCT, or INTEGRAL");
+    if (counts) return sumloop(code, x, low, high, arg[3], p);
+    return code == CODEROOT ? rootloop(x, low, high, arg[3], p) : integralloop(x, low, high, arg[3], p);
+}
+
+double operatorcall(int code, int call, int p) {
+    int arg[5] = {}, n = 0;
+    for (int cell = tri(call).left; cell < 0; cell = tri(cell).left, n++)
+        if (n < 5) arg[n] = tri(cell).right;
+    if (!issymbolref(arg[0])) tarnerror("1st operator argument must not be an expression");
+    if (n < (code == CODEEVAL ? 3 : 4)) checkcount(tri(call).right, n);
+    const stackmark mark;
+    dummyscope dummy(arg[0]);
+    double* x = &sym(arg[0]).val.rval;
+    double result;
+    if (code == CODEEVAL) {
+        const double at = evalscalar(arg[1], p);
+        *x = at;
+        result = evalscalar(arg[2], p);
+    } else {
+        result = boundedoperator(code, x, arg, n, p);
+    }
+    dummy.restore();
+    return result;
+}
+
+double arithmetic(int op, double a, double b) {
+    switch (op) {
+    case TREEPOWER: return fppow(a, b);
+    case TREETIMES: return fpcheck(a * b);
+    case TREEDIVIDE: return fpdiv(a, b);
+    case TREEPLUS: return fpcheck(a + b);
+    case TREEMINUS: return fpcheck(a - b);
+    case TREEEQUAL: return a == b;
+    case TREELESS: return a < b;
+    case TREELESSEQ: return a <= b;
+    case TREEGREATEREQ: return a >= b;
+    case TREEGREATER: return a > b;
+    case TREEAND: return a != 0 && b != 0;
+    case TREEOR: return a != 0 || b != 0;
+    case TREENOT: return a == 0;
+    case TREENEGATE: return -a;
+    default: return a; // TREEIDENTITY
+    }
+}
+
+double operatornode(const trinode n, int p) {
+    const double a = evalref(n.left, p);
+    const int leftflag = eval.matrixflag;
+    const double b = n.op < TREENOT ? evalref(n.right, p) : 0;
+    if (leftflag || eval.matrixflag) tarnerror(MATRIXMISUSE);
+    return arithmetic(n.op, a, b);
+}
+
+double evalnode(int ref, int p) {
+    const depthcount depth;
+    stackcheck();
+    const trinode n = tri(ref); // a copy: making a derivative may move the store
+    double result;
+    switch (n.op) {
+    case TREEIF: {
+        const trinode branches = tri(n.right);
+        return evalref(evalscalar(n.left, p) != 0 ? branches.left : branches.right, p); // may yield a matrix
+    }
+    case TREEASSIGN: result = assignnode(n.left, n.right, p); break;
+    case TREECALL: result = callnode(ref, p); break;
+    default: result = operatornode(n, p); break;
+    }
+    eval.matrixflag = 0;
+    return result;
+}
+
+} // namespace
+
+void stackexhausted() { tarnerror("stack space too low; check infinite recursion, termination necessary."); }
+
+double value(int p) {
+    stackcheck();
+    const int f = parser.polstack[p];
+    const int n = eval.evalargs = parser.poltop - p;
+    const int type = eval.evaltype = sym(f).type;
+    if (type < 0) return builtinvalue(p, type, n);
+    if (type == USERFUNCTION || (type == INITIALVALUE && eval.odeactive)) return userfunction(p, f, n);
+    if (type != INITIALVALUE) tarnerror("%s is not a function", sym(f).name);
+    const int last = n > 0 ? parser.polstack[parser.poltop] : 0;
+    return solution(f, last == 0 ? 0 : scalararg(last));
+}
+
+double callvalue(int f, const double* args, int nargs) {
+    const stackmark mark;
+    pushentry(f);
+    const int p = parser.poltop;
+    for (int k = 0; k < nargs; k++) pushentry(pushcell(args[k]));
+    return value(p);
+}
+
+double evalsymbol(int idx) {
+    const symbol& s = sym(idx);
+    eval.matrixflag = 0;
+    if (isscalartype(s.type)) {
+        if (s.val.rval == UNDEFINEDMARK) tarnerror("scalar %s has not yet been defined", s.name);
+        return s.val.rval;
+    }
+    if (s.type != MATRIX) tarnerror("%s is not a matrix, function, initial, constant or scalar", s.name);
+    eval.matrixflag = idx;
+    return UNDEFINEDMARK;
+}
+
+double evalref(int ref, int p) {
+    if (ref <= 0) return evalnode(ref, p);
+    if (!isformalref(ref)) return evalsymbol(ref);
+    const int entry = parser.polstack[p + ref - FORMALBASE];
+    if (entry > 0) return evalsymbol(entry);
+    eval.matrixflag = 0;
+    return parser.scalar[-entry];
+}
+
+bool formaliscalled(int f, int k) {
+    std::vector<int> open;
+    if (called.made[f] == trinodes.made) return k <= 32 && (called.mask[f] >> (k - 1) & 1);
+    return k <= 32 && (findcalled(f, open) >> (k - 1) & 1);
+}
+
+bool calledassolution(int idx) {
+    if (eval.odeactive) return isrunningstate(idx);
+    return sym(idx).type == INITIALVALUE || (isderivname(idx) && solutionderivative(idx));
+}
+
+namespace {
+const char* entryname(int entry) { return entry > 0 ? sym(entry).name : "expression"; }
+} // namespace
+
+harray* matrixarg(int entry) {
+    if (entry <= 0 || !ismatrix(entry)) tarnerror("%s is not a matrix", entryname(entry));
+    return static_cast<harray*>(sym(entry).val.ptr);
+}
+
+void* matrixorstringarg(int entry) {
+    if (entry <= 0 || (!ismatrix(entry) && sym(entry).type != STRINGMATRIX))
+        tarnerror("%s is not a matrix", entryname(entry));
+    return sym(entry).val.ptr;
+}
+
+double& elemref(harray* m, double row, double col) {
+    const auto check = [](double x, uint32_t extent, const char* which) {
+        const double whole = std::trunc(x);
+        if (!(whole >= 1 && whole <= extent)) badsubscript(whole, which);
+        return uint32_t(whole);
+    };
+    const uint32_t i = check(row, m->rows, "row"), j = check(col, m->cols, "column");
+    return at(m, i, j);
+}
+
+void evalstart(size_t stackbytes) {
+    const char here = 0;
+    eval = evalstate{};
+    const size_t kept = std::min(STACKRESERVE, stackbytes / 2);
+    eval.stacklimit = &here - (stackbytes - kept);
+}
+
+double scalararg(int entry) {
+    if (entry < 0) return parser.scalar[-entry];
+    if (!isscalar(entry))
+        tarnerror("%s is not a matrix, function, initial, constant or scalar", sym(entry).name);
+    const symbol& s = sym(entry);
+    if (s.val.rval == UNDEFINEDMARK) tarnerror("scalar %s has not yet been defined", s.name);
+    return s.val.rval;
+}
