@@ -69,7 +69,11 @@ struct funcstest : testing::Test {
         entervocabulary();
         builtinreset();
     }
-    void TearDown() override { report = reportstate{}; }
+    void TearDown() override {
+        report = reportstate{};
+        for (symbol& s : symtab.at)
+            if (s.type > 0 && symtab.kind[s.type].release) symtab.kind[s.type].release(s);
+    }
 
     // What f prints; the error it ends in is printed too.
     std::string textof(const std::function<void()>& f) {
