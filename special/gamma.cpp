@@ -391,10 +391,10 @@ double rgamma(double x) {
 
 /* Difference of two Stirling formulas: with u = 1/b, v = 1/(a+b) each term c (u^n - v^n) is taken as
  * c (u-v) (u^(n-1) + .. + v^(n-1)), so that nothing cancels for small a either. */
-double loggammaratio(double a, double b) {
+double gammaratiorest(double a, double b) {
     constexpr double c[] = {1 / 12.,   -1 / 360.,      1 / 1260., -1 / 1680.,
                             1 / 1188., -691 / 360360., 1 / 156.,  -3617 / 122400.};
-    const double t = a / b, sum = a + b, u = 1 / b, v = 1 / sum;
+    const double t = a / b, u = 1 / b, v = 1 / (a + b);
     double rest = 0, q = 1, vn = v; // q = (u^n - v^n)/(u - v), vn = v^n
     for (double ck : c) {
         rest += ck * q;
@@ -403,5 +403,11 @@ double loggammaratio(double a, double b) {
             vn *= v;
         }
     }
-    return rest * t * v - a * std::log(sum) - b * log1pmx(t) + 0.5 * std::log1p(t);
+    return rest * t * v - b * log1pmx(t) + 0.5 * std::log1p(t);
+}
+
+double loggammaratio(double a, double b) {
+    double shift = 0;
+    for (; std::fmin(b, a + b) < 10; b++) shift += std::log1p(a / b);
+    return gammaratiorest(a, b) - a * std::log(a + b) + shift;
 }

@@ -23,8 +23,10 @@ double loggamma1p(double x);
 double loggammasign(double x, int* sign);
 // The rest of Stirling's formula: log(Gamma(x)) - (x-0.5) log(x) + x - log(sqrt(2 pi)), x >= 10.
 double r9lgmc(double x);
-// log(Gamma(b)/Gamma(a+b)) for b >= 10, a + b >= 10 without the cancellation of the two.
+// log(Gamma(b)/Gamma(a+b)), b > 0, a + b > 0, without the cancellation of the two; relative to a for small a.
 double loggammaratio(double a, double b);
+// The same plus a log(a+b): what Stirling's formula leaves; b >= 10, a + b >= 10.
+double gammaratiorest(double a, double b);
 
 // The arguments between which Gamma neither underflows nor overflows.
 struct gammalimits {

@@ -78,6 +78,108 @@ def zetarows():
     return out
 
 
+def ierfc(n, x):
+    """By the forward recurrence, with digits enough for its cancellation."""
+    with mp.workdps(60 if x < 0 else 60 + int(x * x + 3 * x * m.sqrt(n + 1) + n)):
+        before, now = 2 / m.sqrt(m.pi) * m.exp(-x * x), m.erfc(x)
+        if n == -1:
+            return before
+        for k in range(1, int(n) + 1):
+            before, now = now, (before / 2 - x * now) / k
+        return now
+
+
+def erfcinv(q):
+    """Newton's method on log(erfc), from the asymptotic form or the inverse of erf."""
+    y = m.sqrt(-m.log(q)) if q < 0.01 else m.erfinv(1 - q)
+    for _ in range(60):
+        c = m.erfc(y)
+        y += (m.log(c) - m.log(q)) * c * m.sqrt(m.pi) / 2 * m.exp(y * y)
+    return y
+
+
+@table("errorfn")
+def errorrows():
+    x = [0, 1e-300, 1e-5, 0.3, 0.46, 0.47, 0.5, 1, 1.7, 3.9, 4.1, 5.5, -0.2, -1.3, -4.5, 8]
+    out = rows("ERF", m.erf, x)
+    out += rows("ERFC", m.erfc, x + [12.3, 20, 26.5, -7])
+    p = [0, 1e-300, 1e-10, 0.1, -0.3, 0.5, 0.84, 0.86, -0.95, 0.999, 1 - 1e-9, 1 - 2.0**-53, -1 + 2.0**-52]
+    out += rows("ERFI", m.erfinv, p)
+    out += rows("ERFCI", erfcinv, [1e-307, 1e-200, 1e-50, 1e-10, 0.01, 0.149, 0.151, 0.5, 1.3, 1.84, 1.86, 1.9999, 1])
+    out += rows("IERFC", ierfc, grid([-1, 0, 1, 2, 5, 20], [-3, -0.1, 0, 0.02, 0.5, 1.1, 3.3, 10.5]))
+    out += rows("IERFC", ierfc, [(100, 0.05), (100, 0.3), (200, 0.01), (200, 1.5), (230, 0.2), (50, -30), (3, -1e5), (1, 25)])
+    return out
+
+
+@table("expint")
+def expintrows():
+    x = [1e-300, 1e-10, 0.1, 0.25, 0.37, 0.372507410781, 0.38, 0.49, 0.5, 1, 2.5, 5.9, 6.1, 11, 13, 23, 25, 59, 61, 200, 716]
+    out = rows("EXPINT", m.ei, x + [-t for t in x if t < 700] + [-0.99, -1.01, -2.1, -4.9, -5.1, -19.9, -20.1, -700])
+    order = [1, 2, 3, 10, 50, 0, -1, -4, 0.4, 0.6, 1.5, 1 + 1e-9, 2 - 1e-13, 2.999, 7.3, 12.5, -2.5]
+    out += rows("EXPINTN", m.expint, grid(order, [1e-8, 0.3, 1, 1.1, 4, 30, 600]))
+    out += rows("EXPINTN", m.expint, [(2, 0), (3.5, 0), (0, -1.5), (-3, -0.7), (1000, 0.5), (1e6, 2)])
+    out += rows("LOGINT", m.li, [1.45136923], 1e-8)  # 5e-9 from its zero
+    out += rows("LOGINT", m.li, [0, 1e-300, 0.01, 0.5, 0.999, 1.001, 1.3, 1.45, 1.6, 2, 10, 1e6, 1e100, 1e300])
+    t = [0, 1e-300, 1e-6, 0.3, 1, 2.7, 3.9, 4, 4.1, 6.2, 7.9, 8, 8.1, 12.5, 50, 1000.3, 1e8, 1e15]
+    out += rows("SININT", m.si, t + [-0.4, -5, -60])
+    out += rows("COSINT", m.ci, t[1:] + [0.52, 0.61650548, 0.6165054856, 0.71])
+    out += rows("COSINT", m.ci, [3.38418, 22.0], 1e-8)  # 4e-9 and further from a zero
+    h = [1e-300, 1e-6, 0.3, 0.5238225, 1, 1.9, 2.1, 5, 20.5, 60, 300, 715]
+    out += rows("SINHINT", m.shi, h + [0, -0.3, -8])
+    out += rows("COSHINT", m.chi, h)
+    out += rows("LOGREL", m.log1p, [0, 1e-300, -1e-10, 1e-5, 0.1, -0.3, 0.374, 0.376, -0.374, -0.376, -0.9, -0.9999, 3, 1e10])
+    return out
+
+
+def bya(f, digits=40):
+    """The derivative of f(a, ..) by a, as a difference quotient at twice the digits and more."""
+
+    def quotient(a, *rest):
+        with mp.workdps(3 * digits):
+            h = a * mpf(10) ** -digits
+            return (f(a + h, *rest) - f(a - h, *rest)) / (2 * h)
+
+    return quotient
+
+
+@table("incgamma")
+def incgammarows():
+    lower = lambda a, x: m.gammainc(a, 0, x, regularized=True)
+    upper = lambda a, x: m.gammainc(a, x, m.inf, regularized=True)
+    near = [(1e-8, 0.5), (0.01, 1e-5), (0.3, 0.2), (0.5, 2), (1, 1), (2.5, 2), (3, 0.01), (9.9, 12), (10.1, 5), (50, 60)]
+    large = [(100, 70), (199, 200), (201, 200), (200, 121), (200, 279), (500, 502.5), (1000, 1200), (1e4, 9.9e3), (1e4, 1.02e4)]
+    out = rows("IGAMMA", lower, near + large + [(5, 100), (20, 1e-3), (150, 1), (0.5, 1e-300)])
+    out += rows("IGAMMAC", upper, near + large + [(1e-8, 30), (5, 100), (0.2, 600), (120, 500), (1e-12, 1e-3)])
+    slope = lambda a, x: -bya(upper)(a, x) if x > a else bya(lower)(a, x)
+    out += rows("JGAMMA", slope, near + large[:-2] + [(2000, 1990), (1500, 1499.7), (0.5, 20), (3, 50), (150, 1)])
+    return out
+
+
+@table("beta")
+def betarows():
+    pairs = [(1, 1), (2, 3), (0.5, 0.5), (1e-8, 3), (0.3, 9.7), (9, 12), (30.5, 40.2), (100, 0.01), (300, 200.5), (1e5, 3.3)]
+    out = rows("BETA", m.beta, pairs + [(-0.5, 2.2), (-3.7, -1.2), (5.3, -2.8), (200.5, -3.3), (1e10, 0.5), (-3, 2)])
+    ln = lambda a, b: m.loggamma(a) + m.loggamma(b) - m.loggamma(a + b)
+    out += rows("LOGBETA", ln, pairs + [(1e6, 2e6), (1e10, 1e-3), (1e300, 1e300), (1e-300, 5), (1.2, 0.8)])
+    part = lambda a, b, x: m.betainc(a, b, 0, x, regularized=True)
+    shapes = grid([0.01, 0.5, 1, 3.2, 25], [0.01, 0.7, 2, 11], [1e-6, 0.1, 0.5, 0.9, 1 - 1e-6])
+    hard = [(1e-6, 0.5, 0.3), (10, 1e-8, 0.95), (0.5, 1e-6, 1 - 1e-9), (200, 300, 0.41), (1e3, 1e3, 0.5), (5e3, 40, 0.99)]
+    out += rows("IBETA", part, shapes + hard + [(1e-3, 1e-3, 0.5), (150, 1e-3, 0.999), (8, 500, 0.03), (60, 70, 0.1)])
+    jhard = [(0.08, 0.008, 1e-6), (0.1, 0.07, 1 - 1e-9), (50, 60, 0.45), (300, 200, 0.61), (0.01, 20, 0.5), (30, 0.1, 0.2)]
+    jrows = grid([0.02, 0.6, 4], [0.05, 1, 7.5], [1e-4, 0.3, 0.97]) + jhard
+    bye = lambda a, b, x, which: bya(part)(a, b, x) if which == 1 else bya(lambda b, a, x: part(a, b, x))(b, a, x)
+    out += rows("JBETA", bye, [r + (w,) for r in jrows for w in (1, 2)])
+    poch = lambda a, x: m.gammaprod([a + x], [a])
+    args = [(0.5, 3), (2.5, -4), (3.3, 0.7), (-2.5, 6), (-7.3, -2.2), (1e5, 3.3), (-1e4 - 0.5, 2.25), (12, 0.001), (-3, 5), (-8, 3)]
+    out += rows("POCH", poch, args + [(-8, -60), (160, 20.5), (1, 170), (0.1, -0.05), (250.5, -100.25), (-3.5, 60)])
+    poch1 = lambda a, x: (poch(a, x) - 1) / x
+    small = [(0.5, 1e-10), (3.3, -1e-7), (-2.7, 1e-12), (1e6, 1e-3), (-50.25, -1e-5), (0.01, 0.3), (1.5, 1e-9), (20, 0.5)]
+    with mp.workdps(80):
+        out += rows("POCH1", poch1, args + small)
+    out += rows("POCH1", lambda a, x: m.psi(0, a), [(0.5, 0), (-3.3, 0)])
+    return out
+
+
 if __name__ == "__main__":
     for name in sys.argv[1:] or TABLES:
         with open(os.path.join(OUT, name + ".txt"), "w") as out:
