@@ -156,9 +156,10 @@ double ibetaxy(double a, double b, double x, double y) {
     if (term == 0) return x * (a + b) > a;
     const double lambda = a * y - b * x;
     const bool lower = x * (a + b + 2) < a + 1;
-    const double tail =
-        term * (lower ? betafraction(lastbeta, 0, x, y, lambda) : betafraction(lastbeta, 1, y, x, -lambda));
-    if (lower || tail == 0) return tail;
+    const double fraction =
+        lower ? betafraction(lastbeta, 0, x, y, lambda) : betafraction(lastbeta, 1, y, x, -lambda);
+    const double tail = term * fraction;
+    if (lower || fraction == 0) return tail;
     return tail > 0.75 && b < 1 ? uppersmallb(a, b, y) : 1 - tail;
 }
 
