@@ -136,9 +136,10 @@ void showunknown(int idx) {
 }
 
 void showstring(int idx) {
-    const std::string name =
-        sym(idx).type == STRINGTYPE && shownames() ? std::string(sym(idx).name) + " = " : "";
-    tarnprint("     %s%s\n", name.c_str(), stringval(idx));
+    std::string line = "     ";
+    if (sym(idx).type == STRINGTYPE) line = shownames() ? line + sym(idx).name + " = " : "";
+    line += std::string(stringval(idx)) + "\n";
+    tarnprinttext(line.data(), line.size());
 }
 
 void showstringmatrix(int idx) {
@@ -208,6 +209,8 @@ void typeop(int idx) {
 }
 
 void listingstart() {
+    nformat = {};
+    mformat = {};
     listingadd(rows, int(std::size(rows)));
     processadd(formatrow, 1);
 }
