@@ -198,7 +198,6 @@ int consolecolour(double colour) {
 
 void assignstart() {
     memset(assigns.effect, 0, sizeof assigns.effect);
-    static_assert(std::size(assigns.effect) == SYMTABSIZE);
     for (const auto& v : variables) assigns.effect[symtabenter(v.name)] = v.effect;
 }
 

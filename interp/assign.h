@@ -4,10 +4,12 @@
  * Never:   copies the value of a temporary: it moves. */
 #pragma once
 
+#include "interp/base/symtab.h"
+
 #include <cstdint>
 
 struct assignstate {
-    uint8_t effect[2693]; // by symbol index: what changes with the variable (see assign.cpp); 0 nothing
+    uint8_t effect[SYMTABSIZE]; // by symbol index: what changes with the variable (see assign.cpp); 0 nothing
 };
 extern assignstate assigns;
 

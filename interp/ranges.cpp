@@ -59,7 +59,7 @@ int rangebycount(int a, int b, int n) {
     double k = std::floor(c);
     if (k != c) tarnwarn(":! count is not an integer");
     if (k < 0) k = 1 - k;
-    harrayptr m = stepped(from, to, k == 1 ? to - from : (to - from) / (k - 1));
+    harrayptr m = k == 1 ? stepped(to, to, 0) : stepped(from, to, (to - from) / (k - 1));
     last(m) = to;
     tempfree(n);
     return symtabmatrix(a, b, std::move(m));

@@ -14,10 +14,9 @@
 // Tokens recorded once and delivered again at each pass of a FOR loop, in place of its text.
 struct tokenrecord {
     int16_t number;
-    int16_t index; // name, keyword: the symbol; bracket: its character
-    int32_t text; // string: its place in texts; name: the same, to find it anew should the symbol be deleted;
-                  // else -1
-    double value; // of a number
+    int16_t index; // name, keyword: the symbol; bracket, semicolon: its character
+    int32_t text;  // place in texts of a string, or of a name, to find it anew if it was deleted; else -1
+    double value;  // of a number
 };
 struct tokenstream {
     std::vector<tokenrecord> tokens;
@@ -33,11 +32,10 @@ struct tokenstream {
 struct scannerstate {
     int pushnumber = -1; // one token of pushback; -1: none
     int pushindex = 0;
-    char bracket = 0; // the character of the last bracket token
-    size_t start = 0; // where the last token began: in line.text, or in the stream
-    tokenstream* stream =
-        nullptr; // when set, tokens come from here until it is used up; then getline is called
-    tokenstream* record = nullptr; // when set, every token scanned is also appended here
+    char bracket = 0;              // the character of the last bracket token
+    size_t start = 0;              // where the last token began: in line.text, or in the stream
+    tokenstream* stream = nullptr; // tokens come from here until it is used up; then getline is called
+    tokenstream* record = nullptr; // every token scanned is also appended here
 };
 extern scannerstate scanner;
 

@@ -1,7 +1,7 @@
 /* interp/source.h - the text that statements are read from.
- * Owns:    the line buffer with its read position, the two lines before it, the prompt, the depth of the
- * do-stack. Callers: the scanner reads; IF, FOR and RETURN move the position or cut text; polish sets the
- * prompt. Never:   knows a token. */
+ * Owns:    the line buffer and its read position, the two lines before it, the prompt.
+ * Callers: the scanner reads; IF, FOR and RETURN move the position or cut text; polish sets the prompt.
+ * Never:   knows a token. */
 #pragma once
 
 #include <cstddef>
@@ -13,11 +13,9 @@ struct linestate {
     std::string prevline; // the two lines completed before
     std::string lastline;
     const char* prompt = "* ";
-    bool keepline =
-        false;            // text must keep what it holds: getline appends behind it, and cursor goes on there
-    bool eofseen = false; // the current source has ended; it is popped at the next refill
-    size_t carry = 0;     // length of the text held in front of the line being read
-    int depth = 0;        // frames on the do-stack: 0 while the keyboard is the source
+    bool keepline = false; // text must keep what it holds: getline appends, and cursor goes on there
+    size_t carry = 0;      // length of the text held in front of the line being read
+    int depth = 0;         // frames on the do-stack: 0 while the keyboard is the source
 };
 extern linestate line;
 

@@ -6,8 +6,7 @@
 
 #include "interp/base/symtab.h"
 
-// What a SUBMTX entry stands for: symbols of the matrix and of the subscript matrices, 0 for all rows or
-// columns.
+// What a SUBMTX entry stands for: the matrix and the subscript matrices by symbol, 0 for all rows or columns.
 struct submtxparts {
     int matrix, rows, cols;
 };

@@ -11,8 +11,8 @@
 
 struct tokentablestate {
     int16_t
-        row[MAXTOKEN + 1]; // row of the pairing table with this token on top of opstack; below 1: never there
-    int16_t col[MAXTOKEN + 1];   // column with this token current; 0: acts at once
+        row[MAXTOKEN + 1]; // of the pairing table, with this token on top of opstack; below 1: never there
+    int16_t col[MAXTOKEN + 1];   // of the pairing table, with this token current; 0: acts at once
     int16_t pcase[MAXTOKEN + 1]; // process case
 };
 extern tokentablestate tokentables;

@@ -1,11 +1,18 @@
 #include "unit/interp/harness.h"
 
+#include "funcs/builtin.h"
+#include "funcs/define.h"
+#include "funcs/trinode.h"
 #include "interp/base/hooks.h"
 #include "interp/base/parser.h"
 #include "interp/base/report.h"
 #include "interp/base/symtab.h"
 #include "interp/dofiles.h"
+#include "interp/listing.h"
+#include "interp/polish.h"
+#include "interp/process.h"
 #include "interp/scanner.h"
+#include "interp/session.h"
 #include "interp/tokenfil.h"
 #include "values/harray.h"
 #include "values/stringarray.h"
@@ -16,12 +23,15 @@ harnessstate harness;
 
 static void keepoutput(const char* text, size_t length) { harness.output.append(text, length); }
 
-void harnessfeed(const std::string& text) {
+void harnessfeed(const std::string& text, feeding how) {
     tokenstream* const record = scanner.record; // a test may be recording
     dofilesreset();
     scanner.record = record;
     dofiles.closed = true;
-    pushfile("", text);
+    if (how == LINEBYLINE)
+        pushfile("", text);
+    else
+        pushtext(text);
     scannerreset();
 }
 
@@ -34,6 +44,9 @@ void harnessstart() {
     symtabstart();
     valuesstart();
     stringarraystart();
+    trinodestart();
+    definestart();
+    funcsstart();
     parserreset();
     parser.casesw = 0;
     parser.debugsw = false;
@@ -42,4 +55,29 @@ void harnessstart() {
     std::string failure;
     if (!symtabinit(TESTDATADIR "/../../data/TOKEN.FIL", failure)) throw std::runtime_error(failure);
     symtabconstants();
+    processstart();
+    listingstart();
+}
+
+std::string harnessrun(const std::string& text, feeding how) {
+    harnessfeed(text, how);
+    harness.output.clear();
+    try {
+        for (;;) {
+            statementbegin();
+            try {
+                polish();
+            } catch (const recoveryjump&) { harnessrecover(); }
+        }
+    } catch (const sessionend&) {}
+    return harness.output;
+}
+
+// What an error leaves behind goes; the lines behind the failed one are read on.
+void harnessrecover() {
+    symtabsweep();
+    line.text.clear();
+    line.cursor = 0;
+    line.keepline = false;
+    scanner.record = scanner.stream = nullptr;
 }

@@ -11,7 +11,12 @@ struct harnessstate {
 };
 extern harnessstate harness;
 
-void harnessstart();                       // an empty system with the vocabulary
-void harnessfeed(const std::string& text); // to be read next; what was left is dropped; sessionend follows it
-std::string
-harnessrun(const std::string& text); // runs all statements; errors return to the next line; the output
+// Text comes line by line as from a do-file, or all at once as from a string.
+enum feeding { LINEBYLINE, WHOLETEXT };
+
+void harnessstart(); // an empty system with the vocabulary
+// To be read next; what was left is dropped. Behind it sessionend is thrown.
+void harnessfeed(const std::string& text, feeding how = LINEBYLINE);
+void harnessrecover(); // after a recoveryjump
+// All statements of the text; errors return to the next line. What was printed.
+std::string harnessrun(const std::string& text, feeding how = LINEBYLINE);
