@@ -3,45 +3,41 @@
 #include "funcs/rows.h"
 #include "special/airy.h"
 #include "special/bessel.h"
+#include "special/beta.h"
+#include "special/errorfn.h"
+#include "special/expint.h"
 #include "special/gamma.h"
+#include "special/incgamma.h"
 #include "special/zeta.h"
-
-#include <iterator>
 
 namespace {
 
-constexpr scalarrow rows[] = {
-    // gamma and its relatives
-    {-70, gammafn},
-    {-17, loggamma},
-    {-69, digamma},
-    {-202, pgamma},
-    // zeta functions
-    {-255, zeta},
-    {-257, lambdafn},
-    {-256, betacat},
-    {-235, dilog},
-    {-251, clausen},
-    // Bessel functions
-    {-26, bessj},
-    {-27, bessy},
-    {-28, bessi},
-    {-29, bessk},
-    {-274, abessj},
-    {-275, abessy},
-    {-276, abessi},
-    {-277, abessk},
-    {-278, beskes},
-    {-279, besks},
-    {-270, spbj},
-    {-271, spby},
-    {-272, spbi},
-    {-273, spbk},
-    {-254, ibessi0},
-    {-280, ibessjoxi},
-    {-229, bairy},
+constexpr scalarrow gammarows[] = {
+    {-70, gammafn},  {-17, loggamma}, {-69, digamma}, {-202, pgamma}, {-52, betafn},
+    {-264, logbeta}, {-53, igamma},   {-203, jgamma}, {-42, ibeta},   {-204, jbeta},
+    {-137, poch},    {-265, poch1},   {-228, rfact},
 };
+constexpr scalarrow errorrows[] = {
+    {-21, erffn},    {-24, erfcfn},   {-239, erfinv}, {-266, erfcinv}, {-252, ierfc},
+    {-71, expint},   {-60, expintn},  {-72, logint},  {-61, sinint},   {-62, cosint},
+    {-268, sinhint}, {-267, coshint}, {-269, logrel},
+};
+constexpr scalarrow zetarows[] = {
+    {-255, zeta}, {-257, lambdafn}, {-256, betacat}, {-235, dilog}, {-251, clausen},
+};
+constexpr scalarrow besselrows[] = {
+    {-26, bessj},   {-27, bessy},   {-28, bessi},   {-29, bessk},    {-274, abessj},    {-275, abessy},
+    {-276, abessi}, {-277, abessk}, {-278, beskes}, {-279, besks},   {-270, spbj},      {-271, spby},
+    {-272, spbi},   {-273, spbk},   {-229, bairy},  {-254, ibessi0}, {-280, ibessjoxi},
+};
+
+template <int count> void add(const scalarrow (&rows)[count]) { builtinadd(rows, count); }
 
 } // namespace
 
-void specialrows() { builtinadd(rows, int(std::size(rows))); }
+void specialrows() {
+    add(gammarows);
+    add(errorrows);
+    add(zetarows);
+    add(besselrows);
+}
