@@ -80,6 +80,7 @@ void use(const processop& op) {
     clause.insym = int16_t(polpop());
     if (!diskuse(op.token, report.filedir.c_str(), false)) tarnwarn("diskuse: save file cannot be opened");
     tempfree(clause.insym);
+    clause.insym = 0;
 }
 
 constexpr processrow rows[] = {{8, save}, {59, use}};

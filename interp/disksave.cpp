@@ -97,4 +97,5 @@ void disksave(int op) {
     }
     dropoperands();
     tempfree(clause.insym);
+    clause.insym = 0;
 }

@@ -57,9 +57,8 @@ void tellname(usestate& u, const std::string& name) {
 bool overwrite(usestate& u) {
     if (u.over || u.asked) return u.over;
     u.asked = true;
-    static const char* const choices[] = {"overwrite", "rename"};
-    u.over = !report.batch &&
-             console.question("diskuse", "an object with an existing name is being used.", choices, 2) == 0;
+    static const char* const choices[] = {"rename", "overwrite"}; // the keeping answer first
+    u.over = console.question("diskuse", "an object with an existing name is being used.", choices, 2) == 1;
     return u.over;
 }
 
@@ -188,7 +187,7 @@ bool diskuse(int mode, const char* directory, bool quiet) {
         if (quiet) return false;
         tarnerror("diskuse: file cannot be opened.\n");
     }
-    usestate u{savereaderon(bytes), mode == TOKUSEOVER || quiet, false, quiet};
+    usestate u{savereaderon(bytes), mode == TOKUSEOVER, false, quiet};
     if (!quiet) tarnprint("Using: ");
     while (bytesleft(u.in) > 0)
         if (!useobject(u)) return false;

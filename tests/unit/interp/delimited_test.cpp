@@ -39,8 +39,7 @@ TEST(delimited, splits) {
         {"a,b\n1,2\n", "header |a|b|\n|1|2|\n"},
         {"1;2\n3;4\n", "|1|2|\n|3|4|\n"},
         {"1\t2\n3\t4\n", "|1|2|\n|3|4|\n"},
-        {"1,5;2\n3,5;4\n",
-         "|1,5|2|\n|3,5|4|\n"}, // a decimal comma is no number
+        {"1,5;2\n3,5;4\n", "header |1,5|2|\n|3,5|4|\n"}, // a decimal comma is no number
         {"a;b,c\n1;2\n", "header |a|b,c|\n|1|2|\n"},
         {"\"a,b\";c\n1;2\n", "header |a,b|c|\n|1|2|\n"},
         {" 1 ,\t2 \n 3,4\n", "|1|2|\n|3|4|\n"},
