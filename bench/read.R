@@ -1,0 +1,1 @@
+a <- scan("read.dat", quiet = TRUE)

@@ -1,0 +1,3 @@
+f = fopen("read.dat");
+a = fscanf(f, "%f");
+fclose(f);

@@ -1,0 +1,3 @@
+import numpy
+
+a = numpy.fromfile("read.dat", sep="\n")
