@@ -135,7 +135,7 @@ void assignscalar(int rhs, int lhs) {
     const int type = sym(rhs).type;
     if (isnumber(type)) {
         l.val.rval = sym(rhs).val.rval;
-        if (const int effect = assigns.effect[lhs]) scalareffect(l, effect);
+        variablechanged(lhs);
     } else if (type == MATRIX) {
         tarnwarn("? assigning a matrix to a scalar LHS may be wrong");
         l.val.rval = scalarval(rhs);
@@ -166,7 +166,7 @@ void assignstring(int rhs, int lhs) {
         xfree(sym(lhs).val.ptr);
         sym(lhs).val.ptr = text;
     }
-    if (const int effect = assigns.effect[lhs]) stringeffect(stringval(lhs), effect);
+    variablechanged(lhs);
 }
 
 void fillstrings(StringArray* a, const char* text) {
@@ -199,6 +199,13 @@ int consolecolour(double colour) {
 void assignstart() {
     memset(assigns.effect, 0, sizeof assigns.effect);
     for (const auto& v : variables) assigns.effect[symtabenter(v.name)] = v.effect;
+}
+
+void variablechanged(int idx) {
+    const int effect = assigns.effect[idx];
+    if (effect == NOEFFECT) return;
+    if (sym(idx).type == SCALAR) scalareffect(sym(idx), effect);
+    if (isstringtype(idx)) stringeffect(stringval(idx), effect);
 }
 
 void assignop(int rhs, int lhs) {

@@ -17,5 +17,7 @@ void assignstart();                // finds the variables that have an effect
 void assignop(int rhs, int lhs);   // releases rhs when it is a temporary
 void assignpart(int rhs, int lhs); // lhs of type SUBMTX; its matrix grows as needed
 
+void variablechanged(int idx);     // what follows when a variable of the system has got a new value; others: nothing
+
 // Console colour number of a colour of the language; 15 for what is none.
 int consolecolour(double colour);

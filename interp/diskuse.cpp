@@ -1,6 +1,7 @@
 // USE: the objects of a save file come back.
 #include "interp/diskuse.h"
 
+#include "interp/assign.h"
 #include "interp/base/hooks.h"
 #include "interp/base/operand.h"
 #include "interp/base/parser.h"
@@ -13,6 +14,7 @@
 
 #include <cstring>
 #include <filesystem>
+#include <vector>
 
 namespace {
 
@@ -22,8 +24,9 @@ struct usestate {
     bool over;          // names in use are overwritten
     bool asked = false; // whether to do so
     bool quiet;
-    bool plots = false; // a plot object came or went
-    size_t column = 7;  // where the list of names stands: behind "Using: "
+    bool plots = false;            // a plot object came or went
+    size_t column = 7;             // where the list of names stands: behind "Using: "
+    std::vector<int> changed = {}; // scalars and strings read
 };
 
 // An object read, until an entry has it.
@@ -108,6 +111,7 @@ void installvalue(usestate& u, heldvalue& held, int idx) {
     void* const value = held.value;
     held.value = nullptr;
     held.kind->install(idx, value);
+    if (sym(idx).type == SCALAR || sym(idx).type == STRINGTYPE) u.changed.push_back(idx);
 }
 
 // ---- definitions: the parser makes them anew from their text ----
@@ -192,6 +196,7 @@ bool diskuse(int mode, const char* directory, bool quiet) {
     while (bytesleft(u.in) > 0)
         if (!useobject(u)) return false;
     if (!quiet) tarnprint("\n");
+    for (const int idx : u.changed) variablechanged(idx);
     if (u.plots) upper.redraw();
     return true;
 }

@@ -311,16 +311,16 @@ TEST_F(Disk, cutsAndTurnedBits) {
 TEST_F(Disk, fullDisk) {
     run("M = SHAPE(1000,10,1)\nX = 1\nSAVE X IN F");
     const std::string old = contents("F.SAV");
-    rlimit before;
-    getrlimit(RLIMIT_FSIZE, &before);
+    rlimit limit;
+    getrlimit(RLIMIT_FSIZE, &limit);
     const auto oldhandler = signal(SIGXFSZ, SIG_IGN);
-    const rlimit small{8192, before.rlim_max};
+    const rlimit small{8192, limit.rlim_max};
     setrlimit(RLIMIT_FSIZE, &small);
     FILE* const log = report.log; // it would run into the limit too
     report.log = nullptr;
     const std::string out = run("SAVEOVER M,X IN F");
     report.log = log;
-    setrlimit(RLIMIT_FSIZE, &before);
+    setrlimit(RLIMIT_FSIZE, &limit);
     signal(SIGXFSZ, oldhandler);
     EXPECT_EQ(out, "creating save file: F.SAV\n##Error: save file F.SAV cannot be written\n");
     EXPECT_EQ(contents("F.SAV"), old) << "the older file is whole";

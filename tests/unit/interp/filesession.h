@@ -50,10 +50,10 @@ protected:
         filesession = filesessionstate{};
         hooksreset();
         console.write = [](const char* text, size_t length) { filesession.output.append(text, length); };
-        console.readline = [](const char* prompt, std::string& line) {
+        console.readline = [](const char* prompt, std::string& text) {
             filesession.prompts += prompt;
             if (filesession.typed.empty()) return false;
-            line = filesession.typed.front();
+            text = filesession.typed.front();
             filesession.typed.pop_front();
             return true;
         };
