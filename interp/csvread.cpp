@@ -18,9 +18,9 @@ namespace {
 
 std::string text(std::string_view view) { return std::string(view); }
 
-// The character that a delimiter argument means; 0 for none given.
+// The character that a delimiter argument means; 0 when it is not given (argument 0, or beyond the last).
 char delimiterof(const callargs& a, int argument) {
-    if (!a[argument]) return 0;
+    if (argument == 0 || argument > a.n) return 0;
     const std::string word = stringval(a[argument]);
     if (word == "tab" || word == "TAB") return '\t';
     if (word.size() != 1 || isalnum(static_cast<unsigned char>(word[0])) ||

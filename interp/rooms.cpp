@@ -1,13 +1,20 @@
 #include "interp/rooms.h"
 
+#include "funcs/builtin.h"
+#include "funcs/define.h"
+#include "funcs/ran.h"
 #include "funcs/trinode.h"
 #include "interp/base/fpfault.h"
 #include "interp/base/hooks.h"
 #include "interp/base/parser.h"
 #include "interp/base/symtab.h"
+#include "interp/datafiles.h"
+#include "interp/diskuse.h"
 #include "interp/dofiles.h"
 #include "interp/edit.h"
+#include "interp/listing.h"
 #include "interp/process.h"
+#include "interp/textcalls.h"
 #include "values/harray.h"
 
 void roomsstart() {
@@ -20,7 +27,14 @@ void roomsstart() {
     symtabstart();
     valuesstart();
     trinodestart();
+    funcsstart();
+    ranreset();
+    definestart();
     dofilesreset();
     editing = editstate{};
     processstart();
+    listingstart();
+    diskstart();
+    datafilesstart();
+    textcallsstart();
 }
