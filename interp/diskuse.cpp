@@ -196,7 +196,8 @@ bool diskuse(int mode, const char* directory, bool quiet) {
     while (bytesleft(u.in) > 0)
         if (!useobject(u)) return false;
     if (!quiet) tarnprint("\n");
-    for (const int idx : u.changed) variablechanged(idx);
+    for (const int idx : u.changed)
+        if (!quiet) variablechanged(idx); // the start sees to it when all is read
     if (u.plots) upper.redraw();
     return true;
 }
