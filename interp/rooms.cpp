@@ -2,8 +2,10 @@
 
 #include "funcs/builtin.h"
 #include "funcs/define.h"
+#include "funcs/flatcode.h"
 #include "funcs/ran.h"
 #include "funcs/trinode.h"
+#include "funcs/value.h"
 #include "interp/base/fpfault.h"
 #include "interp/base/hooks.h"
 #include "interp/base/parser.h"
@@ -15,6 +17,7 @@
 #include "interp/listing.h"
 #include "interp/process.h"
 #include "interp/textcalls.h"
+#include "solvers/start.h"
 #include "values/harray.h"
 
 void roomsstart() {
@@ -30,6 +33,8 @@ void roomsstart() {
     funcsstart();
     ranreset();
     definestart();
+    evalstart();
+    flatstart();
     dofilesreset();
     editing = editstate{};
     processstart();
@@ -37,4 +42,6 @@ void roomsstart() {
     diskstart();
     datafilesstart();
     textcallsstart();
+    solversstart();
+    toclausestart();
 }

@@ -4,4 +4,5 @@
  * Never:   prints or reads a file. */
 #pragma once
 
-void roomsstart(); // state anew, tables and hooks filled
+void roomsstart();    // state anew, tables and hooks filled
+void toclausestart(); // toclause.cpp: TO, which several rooms share
