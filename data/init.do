@@ -3,7 +3,7 @@
 
 /* Fitting */
 MAXITER = 1000
-TOLSOS = 1E-10
+TOLSOS = 1E-14
 FITNORM = 2
 SYMDSW = 1
 DGRADSW = 0
@@ -14,7 +14,7 @@ LSQRPT = 8
 /* Differential equations */
 METHOD = 0
 ERRFAC = 1E-6
-JACSW = 0
+JACSW = 1
 MANDSW = 0
 DISASTERSW = 0
 ODERPT = 0

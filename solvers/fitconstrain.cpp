@@ -18,7 +18,7 @@ struct dualstate {
     std::vector<double> g, diag;   // the dual matrix (see symsweep.h) and its diagonal
     std::vector<double> u, prev, multipliers;
     std::vector<char> active;
-    symsweepwork work;
+    symsweepwork<double> work;
 };
 
 // Violations at r.p, positive where a row is broken; false when none is.

@@ -30,13 +30,35 @@ double rsquared(const fitrun& r) {
     return total == 0 ? 1 : 1 - error / total;
 }
 
+/* The inverse of J'WJ at the best point. Parameters that nearly depend on each other cost as many digits of
+ * their errors as the matrix has lost to rounding, so it is built anew where the fit has ended, and inverted,
+ * in the longer format. */
+void invertnormal(fitrun& r) {
+    if (r.model.jacobian && r.lowered && r.model.values(r.model.context, r.pbest.data(), r.ftrial.data()))
+        r.model.jacobian(r.model.context, r.jac.data());
+    const size_t n = size_t(r.n);
+    std::vector<long double> normal(n * n, 0), diagonal(n, 0);
+    for (size_t i = 0; i < size_t(r.m); i++) {
+        const double* row = &r.jac[i * n];
+        for (size_t j = 0; j < n; j++) {
+            const long double a = (long double)r.w[i] * row[j];
+            diagonal[j] += a * row[j];
+            for (size_t k = j + 1; k < n; k++) normal[j * n + k] += a * row[k];
+        }
+    }
+    symsweepwork<long double> work;
+    symsweepall<long double>(r.n, normal.data(), diagonal.data(), PIVOTTOL, r.pivots, work);
+    for (size_t k = 0; k < n * n; k++) r.normal[k] = double(normal[k]);
+    for (size_t j = 0; j < n; j++) r.ptpdia[j] = double(diagonal[j]);
+}
+
 } // namespace
 
 void fitstatistics(fitrun& r, fitresult& result) {
     const size_t n = size_t(r.n);
     const double var = r.bestsosq / std::max(1, r.m - r.n);
     result.rms = std::sqrt(var);
-    symsweepall(r.n, r.normal.data(), r.ptpdia.data(), PIVOTTOL, r.pivots, r.work);
+    invertnormal(r);
     result.stderrors.assign(n, 0);
     result.dependency.assign(n, 0);
     result.covariance.assign(n * n, 0);

@@ -262,14 +262,14 @@ TEST_F(fittest, sweptInverseIsTheInverse) {
         for (int j = i + 1; j < n; j++) a[i * n + j] = full[i * n + j];
     }
     std::vector<char> active(n, 1);
-    symsweepwork work;
+    symsweepwork<double> work;
     symsweepall(n, a.data(), diagonal.data(), 1e-9, active, work);
     symsweepremove(n, a.data(), 2, active);
     symsweepadd(n, a.data(), diagonal.data(), 1e-9, 2, active, work);
     for (int i = 0; i < n; i++)
         for (int j = 0; j < n; j++) {
             double sum = 0;
-            for (int k = 0; k < n; k++) sum += full[i * n + k] * symget(a.data(), n, k, j);
+            for (int k = 0; k < n; k++) sum += full[i * n + k] * symat(a.data(), n, k, j);
             EXPECT_NEAR(sum, i == j, 1e-13);
         }
 }
