@@ -251,6 +251,16 @@ void setloopvariable(forloop& f) {
     sym(f.var).val.rval = loopvalue(f);
 }
 
+void beginpass(forloop& f) {
+    if (f.text.empty()) {
+        streamrewind(f.body);
+        scanner.stream = &f.body;
+    } else {
+        line.text = f.text;
+        line.cursor = 0;
+    }
+}
+
 // Turns to the next element; false when there is none. The body may have changed the matrix.
 bool nextpass(inputsource& s) {
     forloop& f = *s.loop;
@@ -259,7 +269,7 @@ bool nextpass(inputsource& s) {
     if (!matrix) tarnerror("the matrix of a FOR loop was deleted by its body");
     if (++f.index > harraycount(static_cast<const harray*>(sym(f.values).val.ptr))) return false;
     setloopvariable(f);
-    streamrewind(f.body);
+    beginpass(f);
     return true;
 }
 
@@ -380,7 +390,13 @@ std::unique_ptr<forloop> forbody() {
     if (number != TOKOPEN) tarnerror("FOR-body does not begin with '{'");
     auto loop = std::make_unique<forloop>();
     scanner.record = &loop->body;
+    const size_t start = line.cursor;
     readbody(*loop);
+    // How a name is read depends on CASESW: where the body names it, each pass reads the text anew.
+    const int casesw = symtablookup("CASESW");
+    for (const tokenrecord& t : loop->body.tokens)
+        if (t.number == TOKNAME && t.index == casesw && !scanner.stream)
+            loop->text = line.text.substr(start, scanner.start - start) + '\r';
     return loop;
 }
 
@@ -409,6 +425,5 @@ void forop() {
     inputsource& s = pushsource(sourcekind::loop);
     s.loop = std::move(loop);
     setloopvariable(*s.loop);
-    streamrewind(s.loop->body);
-    scanner.stream = &s.loop->body;
+    beginpass(*s.loop);
 }

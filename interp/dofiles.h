@@ -40,6 +40,7 @@ struct forloop {
     size_t limit = 0;       // number of elements at the start
     tokenstream body;       // what is replayed at each pass
     std::vector<int> lines; // line of the do-file of each token
+    std::string text;       // replayed in place of the tokens, when they depend on CASESW; else empty
 };
 
 struct inputsource {

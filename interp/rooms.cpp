@@ -16,6 +16,7 @@
 #include "interp/edit.h"
 #include "interp/listing.h"
 #include "interp/process.h"
+#include "interp/session.h"
 #include "interp/textcalls.h"
 #include "solvers/start.h"
 #include "values/harray.h"
@@ -33,11 +34,13 @@ void roomsstart() {
     funcsstart();
     ranreset();
     definestart();
-    evalstart();
     flatstart();
+    solversstart();
+    evalstart();
     dofilesreset();
     editing = editstate{};
     processstart();
+    sessionrows();
     listingstart();
     diskstart();
     datafilesstart();

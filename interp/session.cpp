@@ -1,6 +1,7 @@
 #include "interp/session.h"
 
 #include "funcs/trinode.h"
+#include "funcs/value.h"
 #include "interp/base/fpfault.h"
 #include "interp/base/hooks.h"
 #include "interp/base/parser.h"
@@ -159,6 +160,7 @@ int sessionstart(const sessionoptions& options) {
     report.tarnpath = options.programpath;
     report.batch = options.batch;
     roomsstart();
+    evalstart(options.stackbytes);
     upper.runstatement = nestedstatement;
     try {
         if (const int status = startsteps(options)) return status;

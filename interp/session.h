@@ -5,19 +5,21 @@
  */
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
 struct sessionoptions {
     int startmode = 0;       // 0 no word, 1 `bwi`, 2 `bwii` (no INIT.SAV is read), 3 any other first word
     std::string programpath; // the directory of the start-up files, ending in a separator
-    std::vector<std::string> displays; // each becomes the value of DISPLAY
-    std::string dofile = "_";          // run at the start if readable
-    unsigned long freememory = 0;      // bytes, for the log; 0: not told
-    bool batch = false;                // ends at the first error; the keyboard is closed
-    bool quiet = false;                // no banner
-    bool vanilla = false;              // no startup.do, no tarninit.do
-    std::string batchname, batchtext;  // a batch: the statements to run, and what they are called
+    std::vector<std::string> displays;   // each becomes the value of DISPLAY
+    std::string dofile = "_";            // run at the start if readable
+    unsigned long freememory = 0;        // bytes, for the log; 0: not told
+    size_t stackbytes = size_t(1) << 20; // of the machine stack that an evaluation may use
+    bool batch = false;                  // ends at the first error; the keyboard is closed
+    bool quiet = false;                  // no banner
+    bool vanilla = false;                // no startup.do, no tarninit.do
+    std::string batchname, batchtext;    // a batch: the statements to run, and what they are called
 };
 
 // Leaves the session from any depth; caught by sessionrun alone.
@@ -31,6 +33,7 @@ int sessionstart(const sessionoptions& options);
 // Runs statements until the session ends and returns its exit status; log and graphics are closed then.
 int sessionrun();
 [[noreturn]] void tarnexit(int status);
+void sessionrows(); // at start: DO, FOR, RETURN, STOP, EDIT, WAIT, EXIT
 
 // Runs statements until none is left, as if typed (with no editor after an error). False if an error or a
 // break cut them short. For tests and for those who hold a session as a library, between sessionstart and

@@ -1,16 +1,21 @@
 #include "interp/startup.h"
 
+#include "interp/assign.h"
 #include "interp/base/hooks.h"
 #include "interp/base/machine.h"
 #include "interp/base/operand.h"
 #include "interp/base/parser.h"
 #include "interp/base/report.h"
 #include "interp/base/symtab.h"
+#include "interp/base/tokens.h"
+#include "interp/diskuse.h"
 #include "interp/dofiles.h"
+#include "interp/listing.h"
 #include "interp/logroll.h"
 #include "interp/session.h"
 #include "interp/tokenfil.h"
 #include "values/harray.h"
+#include "values/stringarray.h"
 
 #include <cmath>
 #include <cstring>
@@ -53,8 +58,6 @@ bool startvocabulary() {
 }
 
 void startentries() {
-    dofiles.echodo = shadow("ECHODO");
-    dofiles.dostep = shadow("DOSTEP");
     parser.funcmode = 1; // constants made now are shared and stay
     symtabconstants();
     parser.funcmode = 0;
@@ -80,28 +83,19 @@ void askdebugging() {
     parser.debugsw = console.question("tarnbegin", question, choices, 2) == 1;
 }
 
-bool startobjects(const char*) { return true; }
-
-// ---- what the system makes of its own variables ----
-
-namespace {
-
-int consolecolour(const char* variable) {
-    static const struct {
-        const char* name;
-        int number;
-    } colours[] = {{"GREY", 8},        {"RED", 4},     {"GREEN", 2},   {"BLUE", 1},   {"WHITE", 15},
-                   {"BLACK", 0},       {"YELLOW", 14}, {"ORANGE", 12}, {"VIOLET", 5}, {"PINK", 12},
-                   {"CHARTREUSE", 10}, {"AQUA", 9},    {"BROWN", 6},   {"ROSE", 12},  {"TURQUOISE", 11}};
-    const double value = symtabscalar(variable, MAXPOS);
-    for (const auto& c : colours)
-        if (symtabscalar(c.name, MAXNEG) == value) return c.number;
-    return 15;
+bool startobjects(const char* file) {
+    const int name = symtabtext(0, 0, file);
+    clause.insym = int16_t(name);
+    diskuse(TOKUSEOVER, report.tarnpath.c_str(), true);
+    clause.insym = 0;
+    tempfree(name);
+    const int directory = symtablookup("FILEDIR");
+    if (directory >= 0 && sym(directory).type == STRINGTYPE) return true;
+    logout("INIT.SAV missing!\n");
+    return false;
 }
 
-} // namespace
-
-void applycolours() { console.colour(consolecolour("INCOLOR"), consolecolour("OUTCOLOR")); }
+// ---- what the system makes of its own variables ----
 
 void startsystem() {
     const char* directory = symtabstring("FILEDIR", "");
@@ -111,8 +105,11 @@ void startsystem() {
     enterscalar("MAXNEG", MAXNEG);
     enterscalar("MACHEPS", MACHEPS);
     symtabprotect();
+    dofiles.echodo = shadow("ECHODO");
+    dofiles.dostep = shadow("DOSTEP");
+    listingformats();
     upper.displayselect(symtabstring("DISPLAY", ""));
-    applycolours();
+    console.colour(consolecolour(symtabscalar("INCOLOR", 1)), consolecolour(symtabscalar("OUTCOLOR", 1)));
 }
 
 void startbanner() {

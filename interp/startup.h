@@ -16,7 +16,6 @@ void askdebugging();            // start word `bwi`
 // Reads a save file of the program directory. False when FILEDIR is not defined then.
 bool startobjects(const char* file);
 void startsystem(); // what the system itself makes of the objects read: constants, directory, device, colours
-void applycolours(); // INCOLOR and OUTCOLOR to the console; also when one is assigned
 void startbanner();
 void setdisplay(const std::string& device);       // from the command line
 void startdofiles(const sessionoptions& options); // queues what is to run before the first prompt

@@ -194,6 +194,7 @@ bool screenline(const char* prompt, std::string& text) {
     p.width = con.columns;
     p.start = con.column % con.columns;
     size_t place = input.typed.size();
+    if (report.log) fflush(report.log); // whoever reads it meanwhile sees it whole
     conattr(input.in);
     linestep step = linestep::going;
     while (step == linestep::going) {

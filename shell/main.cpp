@@ -54,5 +54,6 @@ int main(int argc, char** argv) {
     }
     c.session.programpath = programdirectory(argv[0]);
     c.session.freememory = freememory();
+    c.session.stackbytes = stackbytes();
     return runsession(c.session);
 }

@@ -6,6 +6,7 @@
 #include <climits>
 #include <cstdlib>
 #include <cstring>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -54,6 +55,14 @@ std::string programdirectory(const char* word) {
     const std::string installed = beside + "../share/tarn/";
     return readable(installed + "TOKEN.FIL") && realpath(installed.c_str(), path) ? std::string(path) + "/"
                                                                                   : beside;
+}
+
+size_t stackbytes() {
+    constexpr size_t most = size_t(64) << 20, least = size_t(1) << 20;
+    rlimit limit{};
+    if (getrlimit(RLIMIT_STACK, &limit) != 0) return least;
+    const size_t all = limit.rlim_cur > most ? most : size_t(limit.rlim_cur);
+    return all > 2 * least ? all - least : least / 2;
 }
 
 unsigned long freememory() {
