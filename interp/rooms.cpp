@@ -45,6 +45,5 @@ void roomsstart() {
     diskstart();
     datafilesstart();
     textcallsstart();
-    solversstart();
     toclausestart();
 }
