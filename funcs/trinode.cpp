@@ -49,6 +49,7 @@ void submatrixrelease(symbol& s) {
 void trinodestart() {
     trinodes.at.assign(TRINODEFIRST, trinode{0, 0, 0});
     chainfree(1, TRINODEFIRST);
+    trinodes.sweeps++;
     trinodes.made++;
     symtab.kind[USERFUNCTION].uses = symtab.kind[INITIALVALUE].uses = functionuses;
     symtab.kind[SUBMTX].release = submatrixrelease;
@@ -83,6 +84,7 @@ void trireclaim() {
             trinodes.freelist = n;
         }
     }
+    trinodes.sweeps++;
     trinodes.made++;
 }
 

@@ -56,6 +56,7 @@ inline constexpr int TRINODEFIRST = 16381, TRINODEMOST = 32767; // records, the 
 struct trinodestate {
     std::vector<trinode> at; // [0] is never a node
     int freelist = 0;
+    uint32_t sweeps = 0; // a node's number may have another meaning once this has changed
     // Changes with each new definition and each sweep: what was found out about trees holds while it stands,
     // for symbols whose type and index still are what they were.
     uint32_t made = 1;

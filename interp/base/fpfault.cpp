@@ -9,6 +9,10 @@ fpstate fp;
 namespace {
 
 void countfault(fpkind kind) {
+    if (report.quiet) {
+        report.held = true;
+        return;
+    }
     fp.total++;
     switch (kind) {
     case FPDIVZERO: fp.divzero++; break;
@@ -23,7 +27,7 @@ void countfault(fpkind kind) {
 double fpfault(fpkind kind, bool negative) {
     static const char* const words[] = {"Divide by Zero", "Zero Divide by Zero", "Overflow", "Unknown"};
     countfault(kind);
-    if (fp.total <= unsigned(fp.limit > 0 ? fp.limit : 0))
+    if (!report.quiet && fp.total <= unsigned(fp.limit > 0 ? fp.limit : 0))
         tarnprint("\nFloating Point Error: %s\n", words[kind]);
     return negative ? MAXNEG : MAXPOS;
 }
@@ -42,7 +46,8 @@ double matherr(matherrkind kind, const char* name, double value) {
     static const char* const words[] = {"domain error ", "singularity error ", "overflow error ",
                                         "underflow error ", "loss of significance "};
     countfault(FPUNKNOWN);
-    if (fp.total <= unsigned(fp.limit > 0 ? fp.limit : 0)) tarnprint("matherr: %sin %s\n", words[kind], name);
+    if (!report.quiet && fp.total <= unsigned(fp.limit > 0 ? fp.limit : 0))
+        tarnprint("matherr: %sin %s\n", words[kind], name);
     return value;
 }
 

@@ -33,7 +33,11 @@ std::string formatted(const char* format, va_list args) {
     return text;
 }
 
+// Notes that something was to be printed or counted while a computation is being tried.
+bool heldback() { return report.quiet && (report.held = true); }
+
 void consoletext(const char* text, size_t length) {
+    if (heldback()) return;
     if (console.breakpending()) throw recoveryjump{6};
     console.write(text, length);
 }
@@ -42,6 +46,7 @@ void show(const std::string& text) { tarnprinttext(text.data(), text.size()); }
 
 // An error must reach the user even while output goes to a listing or into a string.
 [[noreturn]] void fail(const std::string& text) {
+    if (heldback()) throw recoveryjump{-1};
     if (!report.recoveryset) conout("%%%%error: setjmp not initialized: exiting...\n");
     report.errors++;
     show(text);
@@ -52,6 +57,7 @@ void show(const std::string& text) { tarnprinttext(text.data(), text.size()); }
 } // namespace
 
 void tarnprinttext(const char* text, size_t length) {
+    if (heldback()) return;
     if (report.capture) {
         report.capture->append(text, length);
         return;
@@ -127,7 +133,7 @@ void tarnsyntax(int n, const char* format, ...) {
 }
 
 void tarnwarn(const char* format, ...) {
-    if (symtabscalar("WARNSW", 1) == 0) return;
+    if (heldback() || symtabscalar("WARNSW", 1) == 0) return;
     va_list args;
     va_start(args, format);
     const std::string text = "Warning: " + formatted(format, args) + "\n";

@@ -17,6 +17,8 @@ struct reportstate {
     FILE* listing = nullptr;        // open while PRINT runs: all output goes there
     std::string* capture = nullptr; // open while a listing is collected as text: all output goes there
     bool recoveryset = false;       // the statement loop stands
+    bool quiet = false;             // a computation is being tried: nothing is printed or counted...
+    bool held = false;              // ...but something would have been
     bool batch = false;             // errors and warnings also go to standard error
     int errors = 0;                 // errors reported since the start
     std::string filedir;            // the default directory of files: FILEDIR behind its leading blanks
@@ -45,6 +47,6 @@ void argwarn(const char* name);
 // File name: dir/name.ext; dir is left out when empty or when name begins with a separator or a period; ext
 // is added when name holds no period (behind its last separator). Both separators are understood.
 std::string bindname(const char* name, const char* dir, const char* ext);
-// The file as its directory spells it: path itself if it exists, else the one that differs from it by case alone
-// (lower case first); path unchanged if there is none. Names in statements are folded to upper case.
+// The file as its directory spells it: path itself if it exists, else the one that differs from it by case
+// alone (lower case first); path unchanged if there is none. Names in statements are folded to upper case.
 std::string findfile(const std::string& path);

@@ -1,0 +1,247 @@
+// Flat code: the routines of a unit, and the finished form of each.
+#include "funcs/flatcompile.h"
+
+#include "funcs/value.h"
+#include "interp/base/operand.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+constexpr size_t MOSTROUTINES = 32, MOSTREGS = 30000, MOSTCODE = 60000;
+
+// What the virtual registers and labels of a routine are in the end.
+struct placement {
+    std::vector<int> reg, label;
+    int field(char kind, int x) const {
+        return kind == 'r' ? reg[size_t(x)] : kind == 'l' ? label[size_t(x)] : x;
+    }
+};
+
+bool holdsuser(const flatroutine& r, int from, int to) {
+    for (int pc = from; pc < to; pc++) {
+        const int op = r.code[size_t(pc)].op;
+        if (op == FLATUSER || op == FLATLOOP || op == FLATSEGMENT || op == FLATNUMBER) return true;
+    }
+    return false;
+}
+
+} // namespace
+
+// ---- a routine
+
+void flatcompiler::finish() {
+    for (size_t r = 0; r < regs.size(); r++)
+        if (!regs[r].used) needfinite(int(r)); // computed, then dropped: its fault counts all the same
+    placement to;
+    to.reg.assign(regs.size(), -1);
+    int next = 0;
+    for (int r : imageregs) to.reg[size_t(r)] = next++;
+    for (int r : argregs) to.reg[size_t(r)] = next++;
+    for (int& r : to.reg)
+        if (r < 0) r = next++;
+    out.nregs = next;
+    to.label.assign(size_t(labels), 0);
+    int pc = 0;
+    for (const flatproto& p : scopes[0].code) {
+        if (p.op == FLATLABEL)
+            to.label[size_t(p.field[0])] = pc;
+        else
+            pc++;
+    }
+    if (regs.size() > MOSTREGS || size_t(pc) > MOSTCODE) throw flatrefused{};
+    for (const flatproto& p : scopes[0].code) {
+        if (p.op == FLATLABEL) continue;
+        uint16_t field[3] = {};
+        for (size_t k = 0; p.kinds[k]; k++) field[k] = uint16_t(to.field(p.kinds[k], p.field[k]));
+        const bool checking = p.op >= FLATADD && p.op <= FLATDIV && regs[size_t(p.field[0])].checked;
+        out.code.push_back({uint16_t(p.op + checking), field[0], field[1], field[2]});
+    }
+    out.code.push_back({FLATEND, 0, 0, 0});
+    for (flatloop& l : out.loops) {
+        for (int* r : {&l.dummy, &l.high, &l.accumulator, &l.term}) *r = to.reg[size_t(*r)];
+        for (int* at : {&l.body, &l.next, &l.end}) *at = to.label[size_t(*at)];
+        l.blocks = !holdsuser(out, l.body, l.next);
+        if (!l.blocks) continue;
+        l.vary.assign(size_t(out.nregs), 0);
+        l.vary[size_t(l.dummy)] = 1;
+        flatvarying(out, l.body, l.next, l.vary);
+    }
+    for (flatsegment& s : out.segments) {
+        for (int* r : {&s.dummy, &s.high, &s.value}) *r = to.reg[size_t(*r)];
+        for (int* at : {&s.body, &s.end}) *at = to.label[size_t(*at)];
+    }
+    for (flatnumbercall& c : out.numbercalls)
+        for (int& a : c.arg)
+            if (a >= 0) a = to.reg[size_t(a)];
+    for (int& r : argregs) r = to.reg[size_t(r)];
+    for (flatreg& r : regs) r.level = 0;
+    if (number == 0)
+        for (int& r : unit.unit.outputs) r = to.reg[size_t(r)];
+}
+
+/* Marks what is computed from registers that vary. Values flow forwards, but for the choices of branches,
+ * which take their value from each branch before they are used. */
+void flatvarying(const flatroutine& routine, int from, int to, std::vector<uint8_t>& vary) {
+    for (int pc = from; pc < to; pc++) {
+        const flatop& op = routine.code[size_t(pc)];
+        uint8_t v = 0;
+        switch (op.op) {
+        case FLATMOVE: v = vary[op.dst] | vary[op.a]; break;
+        case FLATNEG:
+        case FLATNOT:
+        case FLATCALL1: v = vary[op.a]; break;
+        case FLATCALL2:
+        case FLATELEM:
+            v = vary[op.a] | vary[op.b];
+            pc++;
+            break;
+        case FLATCALLN:
+            for (int k = 0; k < op.b; k++) {
+                const flatop& data = routine.code[size_t(pc + 1 + k / 3)];
+                v |= vary[k % 3 == 0 ? data.dst : k % 3 == 1 ? data.a : data.b];
+            }
+            pc += (op.b + 2) / 3;
+            break;
+        case FLATADD:
+        case FLATADDCHECK:
+        case FLATSUB:
+        case FLATSUBCHECK:
+        case FLATMUL:
+        case FLATMULCHECK:
+        case FLATDIV:
+        case FLATDIVCHECK:
+        case FLATPOW:
+        case FLATEQ:
+        case FLATLT:
+        case FLATLE:
+        case FLATAND:
+        case FLATOR: v = vary[op.a] | vary[op.b]; break;
+        case FLATROWS:
+        case FLATCOLS: break;
+        default: continue; // no result
+        }
+        vary[op.dst] = v;
+    }
+}
+
+// ---- a unit
+
+void flatunitcompiler::guard(int idx) {
+    for (const flatguard& g : unit.guards)
+        if (g.symbol == idx) return;
+    unit.guards.push_back({int16_t(idx), sym(idx).type, sym(idx).index});
+}
+
+int flatunitcompiler::matrix(int symbolorarg) {
+    for (size_t k = 0; k < unit.matrices.size(); k++)
+        if (unit.matrices[k].symbol == symbolorarg) return int(k);
+    unit.matrices.push_back({symbolorarg, nullptr});
+    return int(unit.matrices.size()) - 1;
+}
+
+int flatunitcompiler::row(const scalarrow* r) {
+    const auto at = std::find(unit.rows.begin(), unit.rows.end(), r);
+    if (at != unit.rows.end()) return int(at - unit.rows.begin());
+    unit.rows.push_back(r);
+    return int(unit.rows.size()) - 1;
+}
+
+int flatunitcompiler::routine(const flatroutinekey& key) {
+    const auto at = std::find(keys.begin(), keys.end(), key);
+    if (at != keys.end()) return int(at - keys.begin());
+    if (keys.size() >= MOSTROUTINES) throw flatrefused{};
+    keys.push_back(key);
+    return int(keys.size()) - 1;
+}
+
+bool flatunitcompiler::callsfunctions(int ref) {
+    if (ref >= 0) return false;
+    if (calling.empty()) calling.assign(trinodes.at.size(), 0);
+    int8_t& answer = calling[size_t(-ref)];
+    if (answer == 0) {
+        stackcheck();
+        const trinode n = tri(ref);
+        const bool here = n.op == TREECALL && (isformalref(n.right) || sym(n.right).type >= 0) &&
+                          !(issymbolref(n.right) && sym(n.right).type == MATRIX);
+        answer = here || callsfunctions(n.left) || callsfunctions(n.right) ? 1 : -1;
+    }
+    return answer > 0;
+}
+
+// The entry evaluates the source's functions one after the other; a further routine is one function's body.
+void flatunitcompiler::compileroutine(int k) {
+    flatroutine made;
+    flatcompiler c(*this, made, k);
+    const auto number = [&] {
+        c.argregs.push_back(c.newreg(0, true));
+        return flatval{FLATNUMERIC, c.argregs.back()};
+    };
+    std::vector<flatval> formals;
+    if (k > 0) {
+        for (int b : keys[size_t(k)].binding)
+            formals.push_back(b == 0  ? number()
+                              : b > 0 ? flatval{FLATMATRIXVALUE, b - 1}
+                                      : flatval{FLATFUNCTIONVALUE, -b});
+        made.function = keys[size_t(k)].function;
+        c.envs.push_back({made.function, formals, ++c.serials});
+        const int r = c.finite(funcbody(made.function));
+        c.use(r, 0);
+        c.put(FLATRETURN, "nr", made.function, r);
+    } else {
+        for (int arg = 0; arg < source.nargs; arg++)
+            formals.push_back(source.matrixargs >> arg & 1 ? flatval{FLATMATRIXVALUE, matrix(-1 - arg)}
+                                                           : number());
+        for (int s : source.symbols) c.inputs[s] = number().ref;
+        for (int f : source.functions) {
+            if (formalcount(f) != source.nargs) throw flatrefused{};
+            guard(f);
+            c.envs.push_back({f, formals, ++c.serials});
+            const int r = c.finite(funcbody(f));
+            c.envs.pop_back();
+            c.use(r, 0);
+            c.put(FLATSTORE, "nr", f, r);
+            stored.insert(f);
+            unit.outputs.push_back(r);
+        }
+    }
+    made.nargs = int(c.argregs.size());
+    c.finish();
+    if (unit.routines.size() <= size_t(k)) unit.routines.resize(size_t(k) + 1);
+    unit.routines[size_t(k)] = std::move(made);
+}
+
+void flatunitcompiler::compile() {
+    keys.push_back({0, {}});
+    for (size_t k = 0; k < keys.size(); k++) compileroutine(int(k));
+    complete();
+}
+
+// What code in registers could not tell: values that the run itself changes.
+void flatunitcompiler::complete() {
+    for (int f : stored) {
+        if (read.count(f)) throw flatrefused{};
+        unit.stored.push_back(int16_t(f));
+    }
+    unit.saved.resize(stored.size());
+    for (int d : dummies)
+        if (calleeread.count(d) || stored.count(d)) throw flatrefused{};
+    for (int s : source.symbols)
+        if (calleeread.count(s) || stored.count(s) || dummies.count(s)) throw flatrefused{};
+    unit.blocks = !holdsuser(unit.routines[0], 0, int(unit.routines[0].code.size()));
+    unit.dummies.assign(dummies.begin(), dummies.end());
+    unit.sweeps = trinodes.sweeps;
+    unit.odeactive = eval.odeactive;
+}
+
+bool flatbuild(const flatsource& source, flatunit& unit) {
+    unit = flatunit{};
+    try {
+        flatunitcompiler{unit, source, {}, {}, {}, {}, {}, {}, 0}.compile();
+    } catch (const flatrefused&) {
+        unit = flatunit{};
+        return false;
+    }
+    return true;
+}

@@ -1,0 +1,199 @@
+// Flat code, many points at a time: each instruction is a loop over the rows of a block.
+#include "funcs/flatimpl.h"
+
+#include "interp/base/fpfault.h"
+#include "values/harray.h"
+
+#include <cmath>
+
+namespace {
+
+// An operand: a column of the block, or one number for all rows.
+struct column {
+    const double* x;
+    bool varies;
+};
+
+struct blockrun {
+    const flatunit& unit;
+    const flatroutine& routine;
+    const uint8_t* vary;
+    double* frame;
+    double* block;
+    int n;
+
+    column operand(int r) const {
+        return vary[r] ? column{block + size_t(r) * FLATBLOCK, true} : column{frame + r, false};
+    }
+    // Where a result goes, and how many rows it has.
+    double* result(int r) const { return vary[r] ? block + size_t(r) * FLATBLOCK : frame + r; }
+    int rows(int r) const { return vary[r] ? n : 1; }
+};
+
+template <class Op> void apply(const blockrun& run, const flatop& o, Op op) {
+    const column a = run.operand(o.a), b = run.operand(o.b);
+    double* __restrict d = run.result(o.dst);
+    const int n = run.rows(o.dst);
+    if (a.varies && b.varies) {
+        for (int i = 0; i < n; i++) d[i] = op(a.x[i], b.x[i]);
+    } else if (a.varies) {
+        const double y = *b.x;
+        for (int i = 0; i < n; i++) d[i] = op(a.x[i], y);
+    } else if (b.varies) {
+        const double x = *a.x;
+        for (int i = 0; i < n; i++) d[i] = op(x, b.x[i]);
+    } else {
+        const double z = op(*a.x, *b.x);
+        for (int i = 0; i < n; i++) d[i] = z;
+    }
+}
+
+template <class Op> void apply1(const blockrun& run, const flatop& o, Op op) {
+    const column a = run.operand(o.a);
+    double* d = run.result(o.dst);
+    const int n = run.rows(o.dst);
+    for (int i = 0; i < n; i++) d[i] = op(a.x[a.varies ? i : 0]);
+}
+
+bool finite(const double* x, int n) {
+    int64_t bad = 0;
+    for (int i = 0; i < n; i++) bad |= fpfinite(x[i]) ? 0 : 1;
+    return bad == 0;
+}
+bool finite(const blockrun& run, int r) { return finite(run.result(r), run.rows(r)); }
+
+bool power(const blockrun& run, const flatop& o) {
+    const column a = run.operand(o.a), b = run.operand(o.b);
+    double* d = run.result(o.dst);
+    const int n = run.rows(o.dst);
+    bool domain = false;
+    for (int i = 0; i < n; i++) {
+        const double x = a.x[a.varies ? i : 0], y = b.x[b.varies ? i : 0];
+        d[i] = y == 2 ? x * x : std::pow(x, y);
+        domain |= x == 0 && y == 0;
+    }
+    return !domain && finite(d, n);
+}
+
+bool call1(const blockrun& run, const flatop& o) {
+    double (*const f)(double) = run.unit.rows[o.b]->f1;
+    apply1(run, o, f);
+    return finite(run, o.dst);
+}
+
+bool call2(const blockrun& run, const flatop& o, const flatop& data) {
+    double (*const f)(double, double) = run.unit.rows[data.dst]->f2;
+    const column a = run.operand(o.a), b = run.operand(o.b);
+    double* d = run.result(o.dst);
+    const int n = run.rows(o.dst);
+    for (int i = 0; i < n; i++) d[i] = f(a.x[a.varies ? i : 0], b.x[b.varies ? i : 0]);
+    return finite(d, n);
+}
+
+bool calln(const blockrun& run, const flatop& o, const flatop* data) {
+    constexpr int most = 32;
+    if (o.b > most) return false;
+    column arg[most];
+    for (int k = 0; k < o.b; k++)
+        arg[k] = run.operand(k % 3 == 0 ? data[k / 3].dst : k % 3 == 1 ? data[k / 3].a : data[k / 3].b);
+    const scalarrow& row = *run.unit.rows[o.a];
+    double* d = run.result(o.dst);
+    const int n = run.rows(o.dst);
+    double x[most];
+    for (int i = 0; i < n; i++) {
+        for (int k = 0; k < o.b; k++) x[k] = arg[k].x[arg[k].varies ? i : 0];
+        d[i] = flatrowcall(row, x, o.b);
+    }
+    return finite(d, n);
+}
+
+bool element(const blockrun& run, const flatop& o, const flatop& data) {
+    const harray* m = run.unit.matrices[data.dst].m;
+    const column a = run.operand(o.a), b = run.operand(o.b);
+    const double rowend = m->rows + 1.0, colend = m->cols + 1.0;
+    double* d = run.result(o.dst);
+    const int n = run.rows(o.dst);
+    for (int i = 0; i < n; i++) {
+        const double row = a.x[a.varies ? i : 0], col = b.x[b.varies ? i : 0];
+        if (!(row >= 1 && row < rowend && col >= 1 && col < colend)) return false;
+        d[i] = at(m, size_t(row), size_t(col));
+    }
+    return true;
+}
+
+void move(const blockrun& run, const flatop& o) {
+    apply1(run, o, [](double x) { return x; });
+}
+
+// How many rows hold to the condition of a jump: all or none, or the block is mixed (-1).
+template <class Condition> int holds(const blockrun& run, const flatop& o, Condition condition) {
+    const column a = run.operand(o.a), b = run.operand(o.b);
+    if (!a.varies && !b.varies) return condition(*a.x, *b.x);
+    int count = 0;
+    for (int i = 0; i < run.n; i++) count += condition(a.x[a.varies ? i : 0], b.x[b.varies ? i : 0]);
+    return count == 0 ? 0 : count == run.n ? 1 : -1;
+}
+
+void store(const blockrun& run, const flatop& o) {
+    const column a = run.operand(o.a);
+    sym(o.dst).val.rval = a.x[a.varies ? run.n - 1 : 0];
+}
+
+} // namespace
+
+flatresult flatexecuteblock(const flatunit& unit, const flatroutine& routine, int from, int to,
+                            const uint8_t* vary, double* frame, double* block, int n) {
+    const blockrun run{unit, routine, vary, frame, block, n};
+    const flatop* const code = routine.code.data();
+    const auto add = [](double x, double y) { return x + y; };
+    const auto subtract = [](double x, double y) { return x - y; };
+    const auto multiply = [](double x, double y) { return x * y; };
+    const auto divide = [](double x, double y) { return x / y; };
+    for (int pc = from; pc < to;) {
+        const flatop& o = code[pc++];
+        int follows = 1; // whether the condition of a jump holds
+        bool good = true;
+        switch (o.op) {
+        case FLATMOVE: move(run, o); break;
+        case FLATADD: apply(run, o, add); break;
+        case FLATADDCHECK: apply(run, o, add), good = finite(run, o.dst); break;
+        case FLATSUB: apply(run, o, subtract); break;
+        case FLATSUBCHECK: apply(run, o, subtract), good = finite(run, o.dst); break;
+        case FLATMUL: apply(run, o, multiply); break;
+        case FLATMULCHECK: apply(run, o, multiply), good = finite(run, o.dst); break;
+        case FLATDIV: apply(run, o, divide); break;
+        case FLATDIVCHECK: apply(run, o, divide), good = finite(run, o.dst); break;
+        case FLATPOW: good = power(run, o); break;
+        case FLATNEG: apply1(run, o, [](double x) { return -x; }); break;
+        case FLATEQ: apply(run, o, [](double x, double y) -> double { return x == y; }); break;
+        case FLATLT: apply(run, o, [](double x, double y) -> double { return x < y; }); break;
+        case FLATLE: apply(run, o, [](double x, double y) -> double { return x <= y; }); break;
+        case FLATAND: apply(run, o, [](double x, double y) -> double { return x != 0 && y != 0; }); break;
+        case FLATOR: apply(run, o, [](double x, double y) -> double { return x != 0 || y != 0; }); break;
+        case FLATNOT: apply1(run, o, [](double x) -> double { return x == 0; }); break;
+        case FLATJUMP: follows = 0; break;
+        case FLATJUMPNOT:
+            follows = holds(run, {o.op, o.dst, o.a, o.a}, [](double x, double) { return x != 0; });
+            break;
+        case FLATJUMPNE: follows = holds(run, o, [](double x, double y) { return x == y; }); break;
+        case FLATJUMPNLT: follows = holds(run, o, [](double x, double y) { return x < y; }); break;
+        case FLATJUMPNLE: follows = holds(run, o, [](double x, double y) { return x <= y; }); break;
+        case FLATCALL1: good = call1(run, o); break;
+        case FLATCALL2: good = call2(run, o, code[pc++]); break;
+        case FLATCALLN:
+            good = calln(run, o, code + pc);
+            pc += (o.b + 2) / 3;
+            break;
+        case FLATELEM: good = element(run, o, code[pc++]); break;
+        case FLATROWS: *run.result(o.dst) = unit.matrices[o.a].m->rows; break;
+        case FLATCOLS: *run.result(o.dst) = unit.matrices[o.a].m->cols; break;
+        case FLATSTORE: store(run, o); break;
+        case FLATEND: return FLATDONE;
+        default: return FLATMIXED; // nothing else is in code that is run so
+        }
+        if (!good) return FLATGIVENUP;
+        if (follows < 0) return FLATMIXED;
+        if (follows == 0) pc = o.dst;
+    }
+    return FLATDONE;
+}

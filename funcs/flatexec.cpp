@@ -1,0 +1,330 @@
+// Flat code, one point at a time: the loop over instructions.
+#include "funcs/flatimpl.h"
+
+#include "funcs/operators.h"
+#include "funcs/rootint.h"
+#include "interp/base/hooks.h"
+#include "interp/base/report.h"
+#include "values/harray.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+flatmachine flat;
+
+double flatrowcall(const scalarrow& row, const double* x, int n) {
+    switch (row.arity) {
+    case 0: return row.f0();
+    case 1: return row.f1(x[0]);
+    case 2: return row.f2(x[0], x[1]);
+    case 3: return row.f3(x[0], x[1], x[2]);
+    case 4: return row.f4(x[0], x[1], x[2], x[3]);
+    case 5: return row.f5(x[0], x[1], x[2], x[3], x[4]);
+    case 6: return row.f6(x[0], x[1], x[2], x[3], x[4], x[5]);
+    case 7: return row.f7(x[0], x[1], x[2], x[3], x[4], x[5], x[6]);
+    default: return row.fn(x, n);
+    }
+}
+
+namespace {
+
+struct givenup {}; // thrown through the methods of ROOT and INTEGRAL
+
+constexpr int MOSTARGS = 256;          // of a builtin that takes any number
+constexpr int RETRYBLOCKS = FLATBLOCK; // rounds one at a time after a block whose rows went different ways
+
+// Word k of the data behind an instruction holds three registers.
+inline uint16_t dataword(const flatop* data, int k) {
+    const flatop& d = data[k / 3];
+    return k % 3 == 0 ? d.dst : k % 3 == 1 ? d.a : d.b;
+}
+
+struct execution {
+    flatunit& unit;
+    const flatroutine* routine;
+    double* r; // the frame
+    const flatop* pc;
+    flatcells cells;
+    const size_t base = flat.calls.size();
+    int untilblocks = 0;
+
+    bool run();
+    bool calln(const flatop& o);
+    bool element(const flatop& o);
+    bool number(const flatop& o);
+    bool user(const flatop& o);
+    void leave(const flatop& o);
+    bool loop(const flatop& o);
+    bool next(const flatop& o);
+    bool tryblocks(const flatloop& l, double low);
+    bool segment(const flatop& o);
+};
+
+bool pollbreak() {
+    if ((++flat.rounds & 0xFFFF) == 0 && console.breakpending()) throw recoveryjump{6};
+    return true;
+}
+
+bool execution::calln(const flatop& o) {
+    if (o.b > MOSTARGS) return false;
+    double x[MOSTARGS];
+    for (int k = 0; k < o.b; k++) x[k] = r[dataword(pc, k)];
+    pc += (o.b + 2) / 3;
+    return fpfinite(r[o.dst] = flatrowcall(*unit.rows[o.a], x, o.b));
+}
+
+bool execution::element(const flatop& o) {
+    const harray* m = unit.matrices[pc++->dst].m;
+    const double row = r[o.a], col = r[o.b];
+    if (!(row >= 1 && row < m->rows + 1.0 && col >= 1 && col < m->cols + 1.0)) return false;
+    r[o.dst] = at(m, size_t(row), size_t(col));
+    return true;
+}
+
+bool execution::number(const flatop& o) {
+    const flatnumbercall& call = routine->numbercalls[o.a];
+    const int pol = parser.poltop, scalar = parser.scalartop;
+    polpush(call.callee);
+    for (int arg : call.arg) {
+        if (arg >= 0)
+            polpush(scalarpush(r[arg]));
+        else if (const int m = unit.matrices[size_t(-1 - arg)].symbol; m > 0)
+            polpush(m);
+        else
+            return false;
+    }
+    r[o.dst] = call.row->call({pol + 1, int(call.arg.size()), sym(call.callee).type});
+    parser.poltop = pol;
+    parser.scalartop = scalar;
+    return fpfinite(r[o.dst]);
+}
+
+bool execution::user(const flatop& o) {
+    const flatroutine& callee = unit.routines[o.a];
+    const flatcells inside{cells.pol + pc->dst, cells.scalar + pc->a};
+    pc++;
+    double* frame = r + routine->nregs;
+    if (inside.pol + callee.polcells >= POLSTACKSIZE ||
+        inside.scalar + callee.scalarcells > SCALARSTACKSIZE + 1 ||
+        frame + callee.nregs > flat.stack.data() + flat.stack.size())
+        return false;
+    const size_t image = callee.image.size();
+    for (size_t k = 0; k < image; k++) frame[k] = callee.image[k];
+    double* arg = frame + image;
+    for (int k = 0; k < o.b; k++) arg[k] = r[dataword(pc, k)];
+    pc += (o.b + 2) / 3;
+    flat.calls.push_back({pc, routine, r, cells, o.dst});
+    routine = &callee;
+    r = frame;
+    cells = inside;
+    pc = callee.code.data();
+    return true;
+}
+
+void execution::leave(const flatop& o) {
+    const double x = r[o.a];
+    sym(o.dst).val.rval = x;
+    const flatcall& back = flat.calls.back();
+    pc = back.pc;
+    routine = back.routine;
+    r = back.frame;
+    cells = back.cells;
+    r[back.dst] = x;
+    flat.calls.pop_back();
+}
+
+// True with pc behind the loop, or, after a block of mixed rows, at its body for some rounds one at a time.
+bool execution::tryblocks(const flatloop& l, double low) {
+    switch (flatloopblocks(unit, *routine, l, r, low)) {
+    case FLATDONE: pc = routine->code.data() + l.end; return true;
+    case FLATMIXED:
+        untilblocks = RETRYBLOCKS;
+        pc = routine->code.data() + l.body;
+        return true;
+    default: return false;
+    }
+}
+
+bool execution::loop(const flatop& o) {
+    const flatloop& l = routine->loops[o.dst];
+    const double low = r[o.a], high = r[l.high];
+    if (low + 1 == low || high - 1 == high) return false;
+    r[l.dummy] = low;
+    if (!(low <= high)) {
+        pc = routine->code.data() + l.end;
+        return true;
+    }
+    return !l.blocks || high - low < 8 || tryblocks(l, low);
+}
+
+bool execution::next(const flatop& o) {
+    const flatloop& l = routine->loops[o.dst];
+    double& sum = r[l.accumulator];
+    sum = l.product ? sum * r[l.term] : sum + r[l.term];
+    const double x = r[l.dummy] += 1.0;
+    if (!(x <= r[l.high])) return true;
+    pollbreak();
+    pc = routine->code.data() + l.body;
+    if (!l.blocks || --untilblocks > 0 || r[l.high] - x < 8) return true;
+    return tryblocks(l, x);
+}
+
+bool execution::segment(const flatop& o) {
+    const flatsegment& s = routine->segments[o.a];
+    const double low = r[o.b], high = r[s.high];
+    if (low == UNDEFINEDMARK || high == UNDEFINEDMARK) return false;
+    const auto f = [&](double x) {
+        r[s.dummy] = x;
+        pollbreak();
+        if (!flatexecute(unit, *routine, s.body, r, cells)) throw givenup{};
+        return r[s.value];
+    };
+    const size_t depth = flat.calls.size();
+    try {
+        if (!s.root)
+            r[o.dst] = integralof(f, low, high);
+        else if (!rootfind(
+                     f, [] { throw givenup{}; }, low, high, r[o.dst]))
+            return false;
+    } catch (const givenup&) {
+        flat.calls.resize(depth);
+        return false;
+    }
+    pc = routine->code.data() + s.end;
+    return fpfinite(r[o.dst]);
+}
+
+bool execution::run() {
+    for (;;) {
+        const flatop o = *pc++;
+        switch (o.op) {
+        case FLATMOVE: r[o.dst] = r[o.a]; break;
+        case FLATADD: r[o.dst] = r[o.a] + r[o.b]; break;
+        case FLATADDCHECK:
+            if (!fpfinite(r[o.dst] = r[o.a] + r[o.b])) return false;
+            break;
+        case FLATSUB: r[o.dst] = r[o.a] - r[o.b]; break;
+        case FLATSUBCHECK:
+            if (!fpfinite(r[o.dst] = r[o.a] - r[o.b])) return false;
+            break;
+        case FLATMUL: r[o.dst] = r[o.a] * r[o.b]; break;
+        case FLATMULCHECK:
+            if (!fpfinite(r[o.dst] = r[o.a] * r[o.b])) return false;
+            break;
+        case FLATDIV: r[o.dst] = r[o.a] / r[o.b]; break;
+        case FLATDIVCHECK:
+            if (!fpfinite(r[o.dst] = r[o.a] / r[o.b])) return false;
+            break;
+        case FLATCHECK:
+            if (!fpfinite(r[o.a])) return false;
+            break;
+        case FLATPOW: {
+            const double x = r[o.a], y = r[o.b];
+            const double z = y == 2 ? x * x : std::pow(x, y);
+            if (!fpfinite(z) || (x == 0 && y == 0)) return false;
+            r[o.dst] = z;
+            break;
+        }
+        case FLATNEG: r[o.dst] = -r[o.a]; break;
+        case FLATEQ: r[o.dst] = r[o.a] == r[o.b]; break;
+        case FLATLT: r[o.dst] = r[o.a] < r[o.b]; break;
+        case FLATLE: r[o.dst] = r[o.a] <= r[o.b]; break;
+        case FLATAND: r[o.dst] = r[o.a] != 0 && r[o.b] != 0; break;
+        case FLATOR: r[o.dst] = r[o.a] != 0 || r[o.b] != 0; break;
+        case FLATNOT: r[o.dst] = r[o.a] == 0; break;
+        case FLATJUMP: pc = routine->code.data() + o.dst; break;
+        case FLATJUMPNOT:
+            if (r[o.a] == 0) pc = routine->code.data() + o.dst;
+            break;
+        case FLATJUMPNE:
+            if (r[o.a] != r[o.b]) pc = routine->code.data() + o.dst;
+            break;
+        case FLATJUMPNLT:
+            if (!(r[o.a] < r[o.b])) pc = routine->code.data() + o.dst;
+            break;
+        case FLATJUMPNLE:
+            if (!(r[o.a] <= r[o.b])) pc = routine->code.data() + o.dst;
+            break;
+        case FLATCALL1:
+            if (!fpfinite(r[o.dst] = unit.rows[o.b]->f1(r[o.a]))) return false;
+            break;
+        case FLATCALL2:
+            if (!fpfinite(r[o.dst] = unit.rows[pc++->dst]->f2(r[o.a], r[o.b]))) return false;
+            break;
+        case FLATCALLN:
+            if (!calln(o)) return false;
+            break;
+        case FLATELEM:
+            if (!element(o)) return false;
+            break;
+        case FLATROWS: r[o.dst] = unit.matrices[o.a].m->rows; break;
+        case FLATCOLS: r[o.dst] = unit.matrices[o.a].m->cols; break;
+        case FLATNUMBER:
+            if (!number(o)) return false;
+            break;
+        case FLATSTORE: sym(o.dst).val.rval = r[o.a]; break;
+        case FLATUSER:
+            if (!user(o)) return false;
+            break;
+        case FLATRETURN: leave(o); break;
+        case FLATLOOP:
+            if (!loop(o)) return false;
+            break;
+        case FLATNEXT:
+            if (!next(o)) return false;
+            break;
+        case FLATSEGMENT:
+            if (!segment(o)) return false;
+            break;
+        default: return true; // FLATEND, FLATSEGMENTEND
+        }
+    }
+}
+
+} // namespace
+
+bool flatexecute(flatunit& unit, const flatroutine& routine, int pc, double* frame, flatcells cells) {
+    execution e{unit, &routine, frame, routine.code.data() + pc, cells};
+    if (e.run()) return true;
+    flat.calls.resize(e.base);
+    return false;
+}
+
+/* The accumulator takes the terms in order. The dummy's values are those of repeated addition, which are the
+ * sums themselves while they are whole. */
+flatresult flatloopblocks(const flatunit& unit, const flatroutine& routine, const flatloop& l, double* frame,
+                          double low) {
+    const double high = frame[l.high];
+    if (flat.block.size() < size_t(routine.nregs) * FLATBLOCK)
+        flat.block.resize(size_t(routine.nregs) * FLATBLOCK);
+    double* const block = flat.block.data();
+    double* const x = block + size_t(l.dummy) * FLATBLOCK;
+    const double* const term = block + size_t(l.term) * FLATBLOCK;
+    double sum = frame[l.accumulator];
+    const bool whole = low == std::floor(low) && std::fabs(low) < 0x1p52 && high < 0x1p52;
+    for (double at = low; at <= high;) {
+        int n = 0;
+        frame[l.dummy] = at;
+        if (whole) {
+            n = int(std::min(high - at + 1, double(FLATBLOCK)));
+            for (int k = 0; k < n; k++) x[k] = at + k;
+            at += n;
+        } else {
+            for (; n < FLATBLOCK && at <= high; at += 1.0) x[n++] = at;
+        }
+        frame[l.accumulator] = sum;
+        const flatresult result =
+            flatexecuteblock(unit, routine, l.body, l.next, l.vary.data(), frame, block, n);
+        if (result != FLATDONE) return result;
+        const bool varies = l.vary[size_t(l.term)];
+        for (int k = 0; k < n; k++) {
+            const double t = varies ? term[k] : frame[l.term];
+            sum = l.product ? sum * t : sum + t;
+        }
+        flat.rounds |= 0xFF00; // a block counts as many rounds
+        pollbreak();
+    }
+    frame[l.accumulator] = sum;
+    return FLATDONE;
+}
