@@ -3,6 +3,7 @@
 #include "solvers/conset.h"
 #include "solvers/fit.h"
 #include "solvers/linprog.h"
+#include "solvers/minimize.h"
 #include "solvers/odesetup.h"
 
 void solversstart() {
@@ -10,4 +11,5 @@ void solversstart() {
     odestart();
     fitstart();
     simplexstart();
+    minimizestart();
 }

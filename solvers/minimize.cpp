@@ -1,0 +1,321 @@
+#include "solvers/minimize.h"
+
+#include "funcs/builtin.h"
+#include "funcs/deriv.h"
+#include "funcs/flatcode.h"
+#include "funcs/trinode.h"
+#include "funcs/value.h"
+#include "interp/base/machine.h"
+#include "interp/base/operand.h"
+#include "interp/base/parser.h"
+#include "interp/base/report.h"
+#include "solvers/conset.h"
+#include "solvers/minsolve.h"
+#include "solvers/odesetup.h"
+#include "values/harray.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+
+namespace {
+
+harray* matrixof(int idx) { return static_cast<harray*>(sym(idx).val.ptr); }
+
+struct minvariable {
+    int symbol = 0, element = 0; // element 0: the scalar itself, else the cell of the matrix
+};
+
+struct minbinding {
+    int f = 0;
+    double sign = 1;
+    size_t nargs = 0;          // arguments of the call; further variables are scalars that the function reads
+    std::vector<int> operands; // symbols as they were named
+    std::vector<minvariable> variables;
+    bool hasmatrix = false;
+    flatptr program, gradient;
+    std::vector<double> in;
+};
+
+void store(const minbinding& b, const double* x) {
+    for (size_t i = 0; i < b.variables.size(); i++) {
+        const minvariable& v = b.variables[i];
+        if (v.element)
+            cells(matrixof(v.symbol))[v.element] = x[i];
+        else
+            sym(v.symbol).val.rval = x[i];
+    }
+}
+
+// A call with matrices among its arguments: they are passed by name.
+double callbyname(const minbinding& b) {
+    const int p = parser.poltop + 1, mark = parser.scalartop;
+    polpush(b.f);
+    for (size_t k = 0; k < b.nargs; k++) {
+        const int idx = b.operands[k];
+        polpush(ismatrix(idx) ? idx : scalarpush(sym(idx).val.rval));
+    }
+    const double f = value(p);
+    parser.scalartop = mark;
+    parser.poltop = p - 1;
+    return f;
+}
+
+double functionvalue(void* context, const double* x) {
+    minbinding& b = *static_cast<minbinding*>(context);
+    store(b, x);
+    double f;
+    if (b.program)
+        flatrun(*b.program, x, &f);
+    else
+        f = callbyname(b);
+    // MAXPOS and MAXNEG are signals of the function, whichever way it is searched
+    return f >= MAXPOS || f <= MAXNEG ? f : f * b.sign;
+}
+
+void functiongradient(void* context, const double* x, double* g) {
+    minbinding& b = *static_cast<minbinding*>(context);
+    store(b, x);
+    flatrun(*b.gradient, x, g);
+    for (size_t i = 0; i < b.variables.size(); i++) g[i] *= b.sign;
+}
+
+// ---- operands
+
+size_t sizeofoperand(int idx) { return ismatrix(idx) ? harraycount(matrixof(idx)) : 1; }
+
+size_t totalsize(const std::vector<int>& operands, size_t count) {
+    size_t size = 0;
+    for (size_t k = 0; k < count; k++) size += sizeofoperand(operands[k]);
+    return size;
+}
+
+void expandvariables(minbinding& b) {
+    for (int idx : b.operands) {
+        if (!ismatrix(idx)) {
+            b.variables.push_back({idx, 0});
+            continue;
+        }
+        b.hasmatrix = true;
+        for (size_t e = 1; e <= harraycount(matrixof(idx)); e++) b.variables.push_back({idx, int(e)});
+    }
+}
+
+/* The last operand may be the constraints: a set, or a matrix as wide as the other variables and two columns
+ * more. */
+solverconstraints takeconstraints(minbinding& b) {
+    if (b.operands.empty()) return {};
+    const int last = b.operands.back();
+    if (sym(last).type == CONSETTYPE) {
+        b.operands.pop_back();
+        expandvariables(b);
+        std::vector<int> names;
+        for (const minvariable& v : b.variables) names.push_back(v.symbol);
+        return conset2solver(last, names);
+    }
+    const size_t others = totalsize(b.operands, b.operands.size() - 1);
+    if (ismatrix(last) && matrixof(last)->cols == others + 2 && others > 0) {
+        b.operands.pop_back();
+        expandvariables(b);
+        return conmat2solver(matrixof(last));
+    }
+    expandvariables(b);
+    return {};
+}
+
+minbinding operandsof(const callargs& a) {
+    minbinding b;
+    b.f = a[1];
+    if (a.n < 2 || b.f <= 0) argtype("minimize");
+    if (sym(b.f).type == UNKNOWN && sym(b.f).name[0] == '.') derivfind(b.f, false);
+    const int type = sym(b.f).type;
+    if (type != USERFUNCTION && type != INITIALVALUE && type >= 0) argtype("minimize");
+    for (int k = 2; k <= a.n; k++) {
+        const int idx = a[k];
+        const bool last = k == a.n && idx > 0 && sym(idx).type == CONSETTYPE;
+        if (idx <= 0 || (sym(idx).type != SCALAR && !ismatrix(idx) && !last)) argtype("minimize");
+        b.operands.push_back(idx);
+    }
+    return b;
+}
+
+size_t argumentcount(const minbinding& b) {
+    if (sym(b.f).type >= 0) return size_t(formalcount(b.f));
+    const int most = sym(b.f).val.argd[0];
+    return std::min(b.operands.size(), size_t(most > 0 ? most : 7));
+}
+
+// ---- programs
+
+/* Variables behind the arguments are read by name: their symbols are inputs of the program too. */
+flatptr compile(const minbinding& b, const std::vector<int>& functions) {
+    flatrequest request;
+    request.functions = functions;
+    request.nargs = int(b.nargs);
+    for (size_t k = b.nargs; k < b.operands.size(); k++) request.symbols.push_back(b.operands[k]);
+    return flatcompile(request);
+}
+
+bool dependsonode(const minbinding& b) { return sym(b.f).type >= 0 && odededuce({b.f}, 0).active(); }
+
+// The variable that an argument is for the function: its formal; else the symbol itself.
+void makegradient(minbinding& b) {
+    std::vector<int> functions;
+    for (size_t k = 0; k < b.operands.size(); k++)
+        functions.push_back(makederiv(b.f, k < b.nargs ? formalref(b.f, int(k) + 1) : b.operands[k]));
+    b.gradient = compile(b, functions);
+}
+
+// ---- switches
+
+double number(const char* name, double absent) { return symtabscalar(name, absent); }
+int whole(const char* name, double absent) { return int(std::trunc(symtabscalar(name, absent))); }
+
+minswitches readswitches() {
+    minswitches sw;
+    const double minstop = number("MINSTOP", 0.001);
+    sw.gtol = number("EPS", minstop * 0.001);
+    sw.ftol = number("TOLERANCE", minstop * 0.01);
+    sw.xtol = number("RHO", minstop);
+    sw.backtracksw = number("BACKTRACKSW", 1);
+    sw.hessmsw = whole("HESSMSW", 2);
+    sw.preconditionsw = number("PRECONDITIONSW", 1);
+    sw.reptsw = whole("REPTSW", 512);
+    sw.newhess = whole("NEWHESS", -1);
+    sw.gradsw = whole("GRADSW", 0);
+    sw.ssize = std::max(1, whole("SSIZE", 1));
+    sw.maxsize = std::clamp(whole("MAXSIZE", 5), 0, 16);
+    sw.nsize = whole("NSIZE", 10);
+    sw.stochsw = whole("STOCHSW", 0);
+    return sw;
+}
+
+// The lower tenth of the F distribution is where the rest of the descent is lost in the noise.
+double criticalspread(const minswitches& sw, size_t n) {
+    if (!sw.stochsw) return 0;
+    const scalarrow* quantile = scalarbuiltinrow(-103);
+    const double args[4] = {0.1, double(n), double(n + size_t(sw.stochsw) % 2), 0};
+    return quantile ? scalarbuiltin(-103, args, 3) : 0.2;
+}
+
+// ---- the report
+
+void printvector(const char* head, const char* indent, const std::vector<double>& v) {
+    tarnprint("%s", head);
+    for (size_t i = 0; i < v.size(); i++) {
+        if (i > 0 && i % 7 == 0) tarnprint("%s", indent);
+        tarnprint("%7.6e ", v[i]);
+    }
+    tarnprint(")\n");
+}
+
+void printexit(const minresult& r, size_t n) {
+    tarnprint("ecode = %hd, ", short(r.ecode));
+    switch (r.ecode) {
+    case MINCONVERGED: tarnprint("Converged.\n"); break;
+    case MINSLOW:
+        tarnprint("Exit due to slow rate of convergence.\n");
+        tarnprint("Try a smaller tolerance value or a larger maxslow value.\n");
+        break;
+    case MINSMALLSTEP:
+        if (r.active.size() == n) {
+            tarnprint("Converged.\n");
+            tarnprint("number of constraints is equal to the number of variables\n");
+            tarnprint("Solution point is on the boundary of the constraints.\n");
+        } else {
+            tarnprint("Exit due to small stepsizes, probably in a flat place.\n");
+            tarnprint("The answer may be very close to a solution.\n");
+            tarnprint("Try a larger value of eps or rho\n");
+        }
+        break;
+    case MINITERATIONS:
+        tarnprint("Exit due to running out of iterations.\n");
+        tarnprint("Try a larger value of maxit\n");
+        break;
+    case MININFEASIBLE:
+        tarnprint("Exit due to lack of a feasible region\n");
+        tarnprint("Check your constraint set\n");
+        break;
+    case MINUNBOUNDED: tarnprint("Exit because a MAXNEG fct value occurred.\n"); break;
+    case MINSPREAD: tarnprint("\n"); break;
+    }
+}
+
+void finalreport(const minresult& r, const minswitches& sw, bool constrained) {
+    if (!(r.reptsw & 512)) return;
+    tarnprint("\nThe function value is: %7.6e\n", r.f);
+    printvector("Argument(s): (", "\n              ", r.x);
+    printvector("Gradient: (", "\n           ", r.g);
+    printexit(r, r.x.size());
+    tarnprint("# of function evaluations: %ld\n", r.fevals);
+    tarnprint("# of gradient evaluations: %ld\n", r.gevals);
+    if (sw.newhess == 0)
+        tarnprint("# of Newton iterations: %hd\n", short(r.iterations));
+    else
+        tarnprint("# of Quasi-Newton iterations: %hd\n", short(r.iterations));
+    if (!constrained) return;
+    if (r.active.empty()) return tarnprint("There are no active constraints.\n");
+    tarnprint("The following constraints are active: ");
+    for (int i : r.active) tarnprint("%d ", i);
+    tarnprint("\n");
+}
+
+// ---- KEEPHESS
+
+void keephessian(const minproblem& problem, const minbinding& b, const minresult& r) {
+    const int keep = whole("KEEPHESS", 0);
+    if (keep == 0) return;
+    const size_t n = r.x.size();
+    std::vector<double> h = r.hinverse;
+    if (keep == 2 || h.size() != n * n) {
+        tarnprint("A hessian at the current point is computed.\n");
+        h = mintruehessian(problem, r.x);
+    }
+    harrayptr m(harrayraw(uint32_t(n), uint32_t(n)));
+    for (size_t k = 0; k < n * n; k++) cells(m.get())[k + 1] = h[k] * b.sign;
+    int idx = symtabenter("HESSIAN");
+    if (sym(idx).type != UNKNOWN) {
+        symtabdelete(idx);
+        idx = symtabenter("HESSIAN");
+    }
+    sym(idx).type = MATRIX;
+    sym(idx).val.ptr = m.release();
+}
+
+double minimize(const callargs& a, double sign) {
+    minbinding b = operandsof(a);
+    b.sign = sign;
+    const solverconstraints cons = takeconstraints(b);
+    b.nargs = argumentcount(b);
+    if (b.nargs > b.operands.size()) argtype("minimize");
+    minswitches sw = readswitches();
+    sw.critical = criticalspread(sw, b.variables.size());
+    const bool ode = dependsonode(b);
+    const bool symbolic =
+        whole("SYMDSW", 1) != 0 && !b.hasmatrix && !ode && !sw.stochsw && sym(b.f).type == USERFUNCTION;
+    if (!b.hasmatrix && !ode && sym(b.f).type == USERFUNCTION) b.program = compile(b, {b.f});
+    if (symbolic) makegradient(b);
+    minproblem problem;
+    problem.n = int(b.variables.size());
+    problem.context = &b;
+    problem.value = functionvalue;
+    problem.gradient = symbolic ? functiongradient : nullptr;
+    std::vector<double> x;
+    for (const minvariable& v : b.variables)
+        x.push_back(v.element ? cells(matrixof(v.symbol))[v.element] : sym(v.symbol).val.rval);
+    const minresult r = minsolve(problem, sw, cons, x);
+    store(b, r.x.data());
+    finalreport(r, sw, cons.count > 0);
+    keephessian(problem, b, r);
+    store(b, r.x.data());
+    return r.f >= MAXPOS || r.f <= MAXNEG ? r.f : r.f * sign;
+}
+
+double minimizecall(const callargs& a) { return minimize(a, 1); }
+double maximizecall(const callargs& a) { return minimize(a, -1); }
+
+constexpr numberrow rows[] = {{-437, minimizecall}, {-438, maximizecall}};
+
+} // namespace
+
+void minimizestart() { builtinadd(rows, int(std::size(rows))); }

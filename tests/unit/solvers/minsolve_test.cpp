@@ -1,0 +1,293 @@
+// Minimisation on plain callbacks: the classic test functions, linear constraints against an enumeration of
+// active sets, domains, exits.
+#include "interp/base/machine.h"
+#include "interp/base/parser.h"
+#include "interp/base/report.h"
+#include "solvers/minsolve.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <random>
+
+namespace {
+
+using vector = std::vector<double>;
+using function = std::function<double(const double*)>;
+
+struct mintest : testing::Test {
+    std::string out;
+    void SetUp() override {
+        parserreset();
+        report = reportstate{};
+        report.recoveryset = true;
+        report.capture = &out;
+    }
+    void TearDown() override { report = reportstate{}; }
+};
+
+struct testproblem {
+    function f;
+    size_t n;
+};
+
+double call(void* context, const double* x) { return static_cast<testproblem*>(context)->f(x); }
+
+// Central differences of fourth order: as good as a gradient by formula.
+void gradient(void* context, const double* x, double* g) {
+    const testproblem& t = *static_cast<testproblem*>(context);
+    vector y(x, x + t.n);
+    for (size_t i = 0; i < t.n; i++) {
+        const double h = 1e-3 * std::max(1.0, std::fabs(x[i]));
+        double v[4];
+        const double at[4] = {-2, -1, 1, 2};
+        for (int k = 0; k < 4; k++) {
+            y[i] = x[i] + at[k] * h;
+            v[k] = t.f(y.data());
+        }
+        y[i] = x[i];
+        g[i] = (v[0] - 8 * v[1] + 8 * v[2] - v[3]) / (12 * h);
+    }
+}
+
+minresult minimum(const function& f, const vector& start, const solverconstraints& c = {},
+                  minswitches sw = {}, bool exact = true) {
+    testproblem t{f, start.size()};
+    minproblem p;
+    p.n = int(start.size());
+    p.context = &t;
+    p.value = call;
+    if (exact) p.gradient = gradient;
+    return minsolve(p, sw, c, start);
+}
+
+double sq(double x) { return x * x; }
+
+// J. J. More, B. S. Garbow, K. E. Hillstrom, ACM TOMS 7 (1981) 17: functions, starts, minima.
+const struct {
+    const char* name;
+    function f;
+    vector start, x;
+    double least;
+} classics[] = {
+    {"Rosenbrock",
+     [](const double* x) { return 100 * sq(x[1] - x[0] * x[0]) + sq(1 - x[0]); },
+     {-1.2, 1},
+     {1, 1},
+     0},
+    {"Beale",
+     [](const double* x) {
+         return sq(1.5 - x[0] * (1 - x[1])) + sq(2.25 - x[0] * (1 - x[1] * x[1])) +
+                sq(2.625 - x[0] * (1 - x[1] * x[1] * x[1]));
+     },
+     {1, 1},
+     {3, 0.5},
+     0},
+    {"Wood",
+     [](const double* x) {
+         return 100 * sq(x[1] - x[0] * x[0]) + sq(1 - x[0]) + 90 * sq(x[3] - x[2] * x[2]) + sq(1 - x[2]) +
+                10 * sq(x[1] + x[3] - 2) + 0.1 * sq(x[1] - x[3]);
+     },
+     {-3, -1, -3, -1},
+     {1, 1, 1, 1},
+     0},
+    {"Helical valley",
+     [](const double* x) {
+         const double turn = std::atan2(x[1], x[0]) / (2 * M_PI);
+         return 100 * (sq(x[2] - 10 * turn) + sq(std::hypot(x[0], x[1]) - 1)) + x[2] * x[2];
+     },
+     {-1, 0.01, 0},
+     {1, 0, 0},
+     0},
+    {"Powell singular",
+     [](const double* x) {
+         return sq(x[0] + 10 * x[1]) + 5 * sq(x[2] - x[3]) + sq(sq(x[1] - 2 * x[2])) +
+                10 * sq(sq(x[0] - x[3]));
+     },
+     {3, -1, 0, 1},
+     {},
+     0},
+    {"Box 3D",
+     [](const double* x) {
+         double sum = 0;
+         for (int i = 1; i <= 10; i++) {
+             const double t = 0.1 * i;
+             sum += sq(std::exp(-t * x[0]) - std::exp(-t * x[1]) - x[2] * (std::exp(-t) - std::exp(-10 * t)));
+         }
+         return sum;
+     },
+     {0, 10, 20},
+     {},
+     0},
+    {"Brown and Dennis",
+     [](const double* x) {
+         double sum = 0;
+         for (int i = 1; i <= 20; i++) {
+             const double t = i / 5.0;
+             sum += sq(sq(x[0] + t * x[1] - std::exp(t)) + sq(x[2] + x[3] * std::sin(t) - std::cos(t)));
+         }
+         return sum;
+     },
+     {25, 5, -5, -1},
+     {},
+     85822.20162635},
+    {"Rosenbrock, 10 variables",
+     [](const double* x) {
+         double sum = 0;
+         for (int i = 0; i < 10; i += 2) sum += 100 * sq(x[i + 1] - x[i] * x[i]) + sq(1 - x[i]);
+         return sum;
+     },
+     {-1.2, 1, -1.2, 1, -1.2, 1, -1.2, 1, -1.2, 1},
+     {1, 1, 1, 1, 1, 1, 1, 1, 1, 1},
+     0},
+    {"Trigonometric of 5",
+     [](const double* x) {
+         double cosines = 5, sum = 0;
+         for (int i = 0; i < 5; i++) cosines -= std::cos(x[i]);
+         for (int i = 0; i < 5; i++) sum += sq(cosines + (i + 1) * (1 - std::cos(x[i])) - std::sin(x[i]));
+         return sum;
+     },
+     {0.2, 0.2, 0.2, 0.2, 0.2},
+     {},
+     NAN},
+};
+
+TEST_F(mintest, classicFunctionsReachTheirMinima) {
+    for (const auto& c : classics)
+        for (const bool exact : {true, false})
+            for (const int mode : {0, 1}) {
+                if (mode && c.start == vector{0, 10, 20}) continue; // a flat valley: gradients alone crawl
+                minswitches sw;
+                sw.gradsw = mode;
+                sw.xtol = 1e-4;
+                sw.ftol = mode ? 1e-9 : 1e-5;
+                const minresult r = minimum(c.f, c.start, {}, sw, exact);
+                const std::string what =
+                    std::string(c.name) + (exact ? "" : " differences") + (mode ? " conjugate" : "");
+                if (std::isnan(c.least))
+                    EXPECT_LT(r.f, 1e-2) << what;
+                else
+                    EXPECT_NEAR(r.f, c.least, (mode ? 1e-4 : 1e-6) * (1 + c.least))
+                        << what << " ecode " << r.ecode;
+                for (size_t i = 0; i < c.x.size() && mode == 0; i++)
+                    EXPECT_NEAR(r.x[i], c.x[i], 1e-3) << what;
+            }
+}
+
+TEST_F(mintest, aQuadraticTakesOneNewtonStep) {
+    const auto f = [](const double* x) { return sq(x[0] + 2 * x[1] - 7) + sq(2 * x[0] + x[1] - 5); }; // Booth
+    const minresult r = minimum(f, {0, 0});
+    EXPECT_EQ(r.ecode, MINCONVERGED);
+    EXPECT_LE(r.iterations, 2);
+    EXPECT_NEAR(r.x[0], 1, 1e-6);
+    EXPECT_NEAR(r.x[1], 3, 1e-6);
+}
+
+solverconstraints rows(int width, vector coef, std::vector<int> type, vector rhs) {
+    solverconstraints c;
+    c.count = int(rhs.size());
+    c.width = width;
+    c.coef = std::move(coef);
+    c.type = std::move(type);
+    c.rhs = std::move(rhs);
+    return c;
+}
+
+// W. Hock, K. Schittkowski, Test Examples for Nonlinear Programming Codes, LNEMS 187 (1981), by number.
+TEST_F(mintest, constrainedProblemsOfHockAndSchittkowski) {
+    const struct {
+        int number;
+        function f;
+        vector start;
+        solverconstraints c;
+        double least;
+        vector x;
+    } cases[] = {
+        {35,
+         [](const double* x) {
+             return 9 - 8 * x[0] - 6 * x[1] - 4 * x[2] + 2 * x[0] * x[0] + 2 * x[1] * x[1] + x[2] * x[2] +
+                    2 * x[0] * x[1] + 2 * x[0] * x[2];
+         },
+         {0.5, 0.5, 0.5},
+         rows(3, {1, 1, 2, 1, 0, 0, 0, 1, 0, 0, 0, 1}, {-1, 1, 1, 1}, {3, 0, 0, 0}),
+         1.0 / 9,
+         {4.0 / 3, 7.0 / 9, 4.0 / 9}},
+        {21,
+         [](const double* x) { return 0.01 * x[0] * x[0] + x[1] * x[1] - 100; },
+         {-1, -1},
+         rows(2, {10, -1, 1, 0, 1, 0, 0, 1, 0, 1}, {1, 1, -1, 1, -1}, {10, 2, 50, -50, 50}),
+         -99.96,
+         {2, 0}},
+        {28,
+         [](const double* x) { return sq(x[0] + x[1]) + sq(x[1] + x[2]); },
+         {-4, 1, 1},
+         rows(3, {1, 2, 3}, {0}, {1}),
+         0,
+         {0.5, -0.5, 0.5}},
+        {37,
+         [](const double* x) { return -x[0] * x[1] * x[2]; },
+         {10, 10, 10},
+         rows(3, {1, 2, 2, 1, 2, 2, 1, 0, 0, 0, 1, 0, 0, 0, 1, 1, 0, 0, 0, 1, 0, 0, 0, 1},
+              {-1, 1, 1, 1, 1, -1, -1, -1}, {72, 0, 0, 0, 0, 42, 42, 42}),
+         -3456,
+         {24, 12, 12}},
+        {48,
+         [](const double* x) { return sq(x[0] - 1) + sq(x[1] - x[2]) + sq(x[3] - x[4]); },
+         {3, 5, -3, 2, -2},
+         rows(5, {1, 1, 1, 1, 1, 0, 0, 1, -2, -2}, {0, 0}, {5, -3}),
+         0,
+         {1, 1, 1, 1, 1}},
+        {76,
+         [](const double* x) {
+             return x[0] * x[0] + 0.5 * x[1] * x[1] + x[2] * x[2] + 0.5 * x[3] * x[3] - x[0] * x[2] +
+                    x[2] * x[3] - x[0] - 3 * x[1] + x[2] - x[3];
+         },
+         {0.5, 0.5, 0.5, 0.5},
+         rows(4, {1, 2, 1, 1, 3, 1, 2, -1, 0, 1, 4, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1},
+              {-1, -1, 1, 1, 1, 1, 1}, {5, 4, 1.5, 0, 0, 0, 0}),
+         -4.681818181818,
+         {}},
+    };
+    for (const auto& k : cases)
+        for (const bool exact : {true, false}) {
+            const minresult r = minimum(k.f, k.start, k.c, {}, exact);
+            EXPECT_NEAR(r.f, k.least, 1e-5 * (1 + std::fabs(k.least))) << k.number << " ecode " << r.ecode;
+            for (size_t i = 0; i < k.x.size(); i++) EXPECT_NEAR(r.x[i], k.x[i], 2e-3) << k.number;
+        }
+}
+
+TEST_F(mintest, exits) {
+    const auto bowl = [](const double* x) { return sq(x[0]) + sq(x[1]); };
+    minresult r = minimum(bowl, {1, 1}, rows(2, {1, 0, 1, 0}, {1, -1}, {2, 1}));
+    EXPECT_EQ(r.ecode, MININFEASIBLE);
+    r = minimum(bowl, {5, 5}, rows(2, {1, 0, 0, 1}, {0, 0}, {2, 3}));
+    EXPECT_EQ(r.ecode, MINSMALLSTEP) << "every variable is held";
+    EXPECT_EQ(r.active.size(), 2u);
+    EXPECT_NEAR(r.f, 13, 1e-9);
+    r = minimum([](const double* x) { return x[0] < -5 ? MAXNEG : x[0]; }, {1});
+    EXPECT_EQ(r.ecode, MINUNBOUNDED);
+    // outside its domain the function has MAXPOS; the step is cut without a word
+    r = minimum([](const double* x) { return x[0] <= 0 ? MAXPOS : x[0] - std::log(x[0]); }, {1e-3}, {}, {},
+                false);
+    EXPECT_NEAR(r.x[0], 1, 1e-3);
+    r = minimum([](const double*) { return 4.0; }, {1, 2});
+    EXPECT_EQ(r.ecode, MINCONVERGED);
+    EXPECT_EQ(r.f, 4);
+}
+
+TEST_F(mintest, noisyFunctionsComeNearTheirMinimum) {
+    std::mt19937 random(11);
+    std::normal_distribution<double> noise(0, 0.01);
+    minswitches sw;
+    sw.stochsw = 1;
+    sw.ssize = 4;
+    sw.critical = 0.5;
+    const minresult r =
+        minimum([&](const double* x) { return sq(x[0] - 2) + 2 * sq(x[1] + 1) + 3 + noise(random); }, {0, 0},
+                {}, sw, false);
+    EXPECT_NEAR(r.x[0], 2, 0.2);
+    EXPECT_NEAR(r.x[1], -1, 0.2);
+}
+
+} // namespace
