@@ -13,7 +13,7 @@ LSQRPT = 8
 
 /* Differential equations */
 METHOD = 0
-ERRFAC = 1E-6
+ERRFAC = 1E-9
 JACSW = 1
 MANDSW = 0
 DISASTERSW = 0

@@ -15,6 +15,7 @@
 #include <cstring>
 #include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -78,9 +79,9 @@ std::string shapetext(const symbol& s) {
     return " " + std::to_string(rows) + " by " + std::to_string(cols);
 }
 
-std::string listline(int idx, bool withtype) {
+std::string listline(int idx, const std::string& name, bool withtype) {
     const symbol& s = sym(idx);
-    std::string line = "   " + derivtext(s.name);
+    std::string line = "   " + name;
     if (s.type == MATRIX || s.type == STRINGMATRIX) line += shapetext(s);
     if (s.type == CURVETYPE || s.type == TITLETYPE || s.type == CURVE3D)
         if (const char* window = windowname(idx)) line += std::string(" in ") + window;
@@ -90,12 +91,12 @@ std::string listline(int idx, bool withtype) {
 
 void listobjects(const symbol& word) {
     const int code = int(word.val.rval);
-    std::vector<int> found;
+    std::vector<std::pair<std::string, int>> found; // printed names, which tell the order
     for (int i = 1; i < SYMTABSIZE; i++)
-        if (islistable(sym(i)) && belongs(i, code)) found.push_back(i);
-    std::sort(found.begin(), found.end(), [](int a, int b) { return strcmp(sym(a).name, sym(b).name) < 0; });
+        if (islistable(sym(i)) && belongs(i, code)) found.emplace_back(derivtext(sym(i).name), i);
+    std::sort(found.begin(), found.end());
     std::string text = std::string("currently defined ") + word.name + "\n";
-    for (const int idx : found) text += listline(idx, code == 0);
+    for (const auto& [name, idx] : found) text += listline(idx, name, code == 0);
     if (found.empty()) text += "   none\n";
     tarnprinttext(text.data(), text.size());
 }

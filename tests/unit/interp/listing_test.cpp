@@ -111,13 +111,13 @@ TEST_F(listing, wordsListObjectsInOrderOfNames) {
     scalar("X", 1);
     EXPECT_EQ(type("MATRICES"), "currently defined MATRICES\n   A 10 by 1\n   B 2 by 3\n");
     EXPECT_EQ(type("STRINGMATRICES"), "currently defined STRINGMATRICES\n   SM 1 by 4\n");
-    EXPECT_EQ(type("FUNCTIONS"), "currently defined FUNCTIONS\n   F'X'Y\n   F'X\n   G\n");
+    EXPECT_EQ(type("FUNCTIONS"), "currently defined FUNCTIONS\n   F'X\n   F'X'Y\n   G\n");
     EXPECT_EQ(type("STRINGS"), "currently defined STRINGS\n   TEXT\n");
     EXPECT_EQ(type("INITIALS"), "currently defined INITIALS\n   none\n");
     EXPECT_EQ(type("SCALARS"), "currently defined SCALARS\n   BOTTOM\n   LEFT\n   RIGHT\n   TOP\n   X\n");
     EXPECT_EQ(type("SYMBOLS"),
-              "currently defined SYMBOLS\n   F'X'Y, FUNCTION\n   F'X, FUNCTION\n"
-              "   A 10 by 1, MATRIX\n   B 2 by 3, MATRIX\n   BOTTOM, SCALAR\n   G, FUNCTION\n"
+              "currently defined SYMBOLS\n   A 10 by 1, MATRIX\n   B 2 by 3, MATRIX\n   BOTTOM, SCALAR\n"
+              "   F'X, FUNCTION\n   F'X'Y, FUNCTION\n   G, FUNCTION\n"
               "   LEFT, SCALAR\n   RIGHT, SCALAR\n   SM 1 by 4, STRINGMATRIX\n   TEXT, STRING\n"
               "   TOP, SCALAR\n   X, SCALAR\n");
     parser.funcmode = 1;
