@@ -3,6 +3,8 @@
 #include "interp/datafiles.h"
 #include "unit/interp/filesession.h"
 
+#include <cmath>
+
 namespace {
 
 using DataFiles = FileSession;
@@ -31,6 +33,30 @@ TEST_F(DataFiles, readShapes) {
         EXPECT_EQ(run(std::string("X = ") + row.call + "\n"), "") << row.call;
         EXPECT_EQ(shape("X"), row.shape) << row.call;
         EXPECT_EQ(numbers("X"), row.elements) << row.call;
+        run("DELETE X");
+    }
+}
+
+// Every number of real data files, against the C library's reading of it; the two may round differently by a
+// bit.
+TEST_F(DataFiles, referenceData) {
+    const struct {
+        const char* name;
+        size_t rows, cols;
+    } files[] = {{"DanWood", 6, 2},  {"Lanczos3", 24, 2}, {"Longley", 16, 7},     {"Misra1a", 14, 2},
+                 {"Nelson", 128, 3}, {"Norris", 36, 2},   {"Nelson_log", 128, 3}, {"Rat42", 9, 2}};
+    run("FILEDIR = \"\"\nFILEDIR = \"" TESTDATADIR "/nist\"\n");
+    for (const auto& f : files) {
+        const std::string name = f.name, cols = std::to_string(f.cols);
+        EXPECT_EQ(run("X = READ(\"" + name + ".dat\",200," + cols + ")"), "") << name;
+        EXPECT_EQ(shape("X"), std::to_string(f.rows) + " by " + cols) << name;
+        std::ifstream in(TESTDATADIR "/nist/" + name + ".dat");
+        std::string word;
+        for (const double x : numbers("X")) {
+            ASSERT_TRUE(in >> word) << name;
+            EXPECT_NEAR(x, strtod(word.c_str(), nullptr), std::fabs(x) * 2.3e-16) << name;
+        }
+        EXPECT_FALSE(in >> word) << name;
         run("DELETE X");
     }
 }

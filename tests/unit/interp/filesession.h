@@ -80,6 +80,7 @@ protected:
         return filesession.output;
     }
     void file(const std::string& name, const std::string& text) {
+        std::filesystem::remove(folder / name); // quicker than writing over it, on some file systems
         std::ofstream(folder / name, std::ios::binary) << text;
     }
     std::string contents(const std::string& name) {
