@@ -1,7 +1,8 @@
 #include "funcs/elementwise.h"
 
-#include "funcs/operators.h"
+#include "funcs/cellkernels.h"
 #include "interp/base/fpfault.h"
+#include "interp/base/tokens.h"
 
 #include <algorithm>
 #include <cfenv>
@@ -10,7 +11,6 @@
 namespace {
 
 constexpr size_t BLOCK = 1024;
-constexpr int FAULTS = FE_OVERFLOW | FE_DIVBYZERO | FE_INVALID;
 
 // One operand, handed out block by block as a run of cells that matches the cells of the result.
 class cellsource {
@@ -60,83 +60,11 @@ private:
     double buffer[BLOCK];
 };
 
-using kernel = void (*)(double* __restrict r, const double* a, const double* b, size_t n);
-
-template <class Operation> void overcells(double* __restrict r, const double* a, const double* b, size_t n) {
-    for (size_t k = 0; k < n; k++) r[k] = Operation()(a[k], b[k]);
-}
-
-// One and zero without a branch, so that comparisons run in vector registers.
-struct celladd {
-    double operator()(double x, double y) const { return x + y; }
-};
-struct cellsubtract {
-    double operator()(double x, double y) const { return x - y; }
-};
-struct celltimes {
-    double operator()(double x, double y) const { return x * y; }
-};
-struct celldivide {
-    double operator()(double x, double y) const { return x / y; }
-};
-struct cellpower {
-    double operator()(double x, double y) const { return fppow(x, y); }
-};
-struct cellequal {
-    double operator()(double x, double y) const { return x == y ? 1.0 : 0.0; }
-};
-struct cellless {
-    double operator()(double x, double y) const { return x < y ? 1.0 : 0.0; }
-};
-struct celllesseq {
-    double operator()(double x, double y) const { return x <= y ? 1.0 : 0.0; }
-};
-struct cellgreatereq {
-    double operator()(double x, double y) const { return x >= y ? 1.0 : 0.0; }
-};
-struct cellgreater {
-    double operator()(double x, double y) const { return x > y ? 1.0 : 0.0; }
-};
-struct celland {
-    double operator()(double x, double y) const { return (x != 0) & (y != 0) ? 1.0 : 0.0; }
-};
-struct cellor {
-    double operator()(double x, double y) const { return (x != 0) | (y != 0) ? 1.0 : 0.0; }
-};
-struct cellzero {
-    double operator()(double, double) const { return 0.0; }
-};
-
-kernel kernelof(int op) {
-    switch (op) {
-    case TOKPOWER: return overcells<cellpower>;
-    case TOKTIMES:
-    case TOKCELLTIMES: return overcells<celltimes>;
-    case TOKDIVIDE:
-    case TOKCELLDIVIDE: return overcells<celldivide>;
-    case TOKPLUS: return overcells<celladd>;
-    case TOKMINUS: return overcells<cellsubtract>;
-    case TOKEQUAL: return overcells<cellequal>;
-    case TOKLESS: return overcells<cellless>;
-    case TOKLESSEQUAL: return overcells<celllesseq>;
-    case TOKGREATEREQUAL: return overcells<cellgreatereq>;
-    case TOKGREATER: return overcells<cellgreater>;
-    case TOKAND: return overcells<celland>;
-    case TOKOR: return overcells<cellor>;
-    default: return overcells<cellzero>;
-    }
-}
-
-// The power repairs its own faults cell by cell; of the others only these four can fault.
-bool mayfault(int op) {
-    return (op >= TOKTIMES && op <= TOKMINUS) || op == TOKCELLTIMES || op == TOKCELLDIVIDE;
-}
-
 [[gnu::cold]] void repairblock(int op, double* r, const double* a, const double* b, size_t n) {
     const bool quotient = op == TOKDIVIDE || op == TOKCELLDIVIDE;
     for (size_t k = 0; k < n; k++)
         if (!fpfinite(r[k])) r[k] = quotient ? fprepairdiv(a[k], b[k]) : fprepair(r[k]);
-    std::feclearexcept(FAULTS);
+    std::feclearexcept(CELLFAULTS);
 }
 
 } // namespace
@@ -144,9 +72,9 @@ bool mayfault(int op) {
 harrayptr elementwise(int op, const harray* a, const harray* b, harray* room) {
     const uint32_t rows = std::max(a->rows, b->rows), cols = std::max(a->cols, b->cols);
     cellsource left(a, rows, cols), right(b, rows, cols);
-    const kernel run = kernelof(op);
-    const bool watched = mayfault(op);
-    if (watched) std::feclearexcept(FAULTS);
+    const cellkernel run = cellkernelof(op);
+    const bool watched = cellopfaults(op);
+    if (watched) std::feclearexcept(CELLFAULTS);
     harrayptr fresh(room ? nullptr : harrayraw(rows, cols));
     double* result = cells(room ? room : fresh.get()) + 1;
     double buffer[BLOCK]; // a block whose cells are an operand's is finished here, for the repair needs both
@@ -157,7 +85,7 @@ harrayptr elementwise(int op, const harray* a, const harray* b, harray* room) {
         const double* y = right.take(first, n);
         double* r = room ? buffer : result + first;
         run(r, x, y, n);
-        if (watched && std::fetestexcept(FAULTS)) repairblock(op, r, x, y, n);
+        if (watched && std::fetestexcept(CELLFAULTS)) repairblock(op, r, x, y, n);
         if (room) memcpy(result + first, buffer, n * sizeof(double));
     }
     return room ? harrayptr(room) : std::move(fresh);

@@ -1,5 +1,6 @@
 #include "funcs/matrixoperand.h"
 
+#include "funcs/pending.h"
 #include "interp/base/operand.h"
 #include "interp/base/parser.h"
 #include "interp/base/report.h"
@@ -16,6 +17,7 @@ matrixoperand::matrixoperand(int entry) {
     m = nullptr;
     if (entry == 0) return;
     if (entry > 0 && ismatrix(entry)) {
+        if (!sym(entry).val.ptr) pendingfinish();
         m = static_cast<harray*>(sym(entry).val.ptr);
         return;
     }

@@ -3,6 +3,7 @@
 #include "funcs/elementwise.h"
 #include "funcs/matmul.h"
 #include "funcs/matrixoperand.h"
+#include "funcs/pending.h"
 #include "funcs/stringops.h"
 #include "interp/base/operand.h"
 #include "interp/base/parser.h"
@@ -150,6 +151,9 @@ harrayptr matrixpower(const harray* m, double n) {
 }
 
 void binop(int op, int a, int b) {
+    if (ismatrix(a) || ismatrix(b))
+        if (const int later = pendingoperation(op, a, b)) return polpush(later);
+    pendingfinish();
     if (isstringtype(a) || isstringtype(b)) return stringbinop(op, a, b);
     if (!(isscalar(a) || ismatrix(a)) || !(isscalar(b) || ismatrix(b)))
         tarnerror("only SCALAR or MATRIX types in binary operators");

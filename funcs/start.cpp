@@ -1,9 +1,11 @@
 #include "funcs/builtin.h"
+#include "funcs/pending.h"
 #include "funcs/rows.h"
 #include "funcs/stringops.h"
 
 void funcsstart() {
     builtinreset();
+    pendingreset();
     elementaryrows();
     specialrows();
     matrixbasicrows();

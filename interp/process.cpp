@@ -1,6 +1,7 @@
 #include "interp/process.h"
 
 #include "funcs/define.h"
+#include "funcs/pending.h"
 #include "interp/assign.h"
 #include "interp/base/report.h"
 #include "interp/base/symtab.h"
@@ -67,6 +68,7 @@ void process(int token) {
     if (top < 0 && tokentables.col[parser.token] != 0 && !mayrunempty(token))
         tarnsyntax(7, "illegal statement");
     if (parser.funcmode != 0) return funcprocess(token);
+    if (pending.count != 0 && !pendingkeeps(token)) pendingcompute();
     const processop op{token, top >= 0 ? parser.polstack[top] : 0, top >= 1 ? parser.polstack[top - 1] : 0};
     const int pcase = tokentables.pcase[token];
     if (parser.debugsw) debugprocess(pcase, op);

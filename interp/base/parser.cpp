@@ -11,6 +11,7 @@ clausestate clause;
 processrow processtable[68];
 
 void parserreset() {
+    parser.statement++;
     parser.oplevel = 0;
     parser.opstack[0] = 34;
     parser.poltop = -1;

@@ -19,6 +19,7 @@ struct parserstate {
     double scalar[SCALARSTACKSIZE + 1]; // 1-based
     int scalartop;                      // the next free cell; 1 when empty
     int token;                          // the parser's current token
+    uint32_t statement;                 // counts statements: tells what an earlier one left behind
     int matrixiflevel;
     int funcmode;      // 0 statement; 1 INITIAL, -1 FUNCTION being compiled
     bool treegarbage;  // trinode space may be reclaimed
