@@ -81,4 +81,5 @@ void consolehooksset() {
     console.errortext = hookerrortext;
     console.editfile = hookeditfile;
     console.printfile = hookprintfile;
+    console.largeblock = largepages;
 }

@@ -12,5 +12,6 @@
 std::string programdirectory(const char* word);
 size_t stackbytes();                     // of the machine stack, less a reserve for the rest of the program
 unsigned long freememory();              // bytes of physical memory not in use
+void largepages(void* p, size_t bytes);  // advises the system to back this new memory by large pages
 bool coneditor(const std::string& path); // the user's text editor on a file; returns when it is done
 bool conprint(const std::string& path);  // a file, unchanged, to the default printer

@@ -6,6 +6,7 @@
 #include <climits>
 #include <cstdlib>
 #include <cstring>
+#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -68,6 +69,15 @@ size_t stackbytes() {
 unsigned long freememory() {
     const long pages = sysconf(_SC_AVPHYS_PAGES), size = sysconf(_SC_PAGESIZE);
     return pages > 0 && size > 0 ? (unsigned long)pages * (unsigned long)size : 0;
+}
+
+void largepages(void* p, size_t bytes) {
+#ifdef MADV_HUGEPAGE // a wish that not every system of this kind knows
+    const size_t page = size_t(sysconf(_SC_PAGESIZE)), start = (size_t(p) + page - 1) / page * page;
+    madvise(reinterpret_cast<void*>(start), size_t(p) + bytes - start, MADV_HUGEPAGE);
+#else
+    (void)p, (void)bytes;
+#endif
 }
 
 bool coneditor(const std::string& path) {

@@ -1,6 +1,7 @@
 #include "values/harray.h"
 
 #include "interp/base/fpfault.h"
+#include "interp/base/hooks.h"
 #include "interp/base/operand.h"
 #include "interp/base/report.h"
 #include "interp/base/symtab.h"
@@ -57,6 +58,7 @@ struct blockcache {
 blockcache cache;
 
 constexpr long MAXELEMENTS = 0x3FFFFFFF;
+constexpr size_t LARGEBLOCK = size_t(4) << 20; // bytes; smaller ones don't fill a large page
 
 size_t blockbytes(uint32_t rows, uint32_t cols) { return (size_t(rows) * cols + 1) * sizeof(double); }
 
@@ -65,9 +67,11 @@ harray* newblock(uint32_t rows, uint32_t cols, bool zeroed) {
     const size_t bytes = blockbytes(rows, cols);
     void* p = bytes >= blockcache::smallest ? cache.take(bytes) : nullptr;
     if (p && zeroed) memset(p, 0, bytes);
-    if (!p) p = zeroed ? std::calloc(bytes, 1) : std::malloc(bytes);
+    const bool fresh = !p;
+    if (fresh) p = zeroed ? std::calloc(bytes, 1) : std::malloc(bytes);
     if (!p)
         tarnerror("allocator failed: num: %lu, size: %hd\n", static_cast<unsigned long>(bytes / 8), short(8));
+    if (fresh && bytes >= LARGEBLOCK) console.largeblock(p, bytes);
     harray* m = static_cast<harray*>(p);
     m->rows = rows;
     m->cols = cols;

@@ -17,10 +17,11 @@ struct consolehooks {
     int (*question)(const char* title, const char* message, const char* const* choices, int nchoices);
     // Prints the prompt and reads one line from the keyboard (no line end in it); false at the end of input.
     bool (*readline)(const char* prompt, std::string& line);
-    bool (*lineedit)(std::string& text); // the line editor on text; false where there is no terminal
-    void (*errortext)(const char* text); // a copy of each error and warning in a batch
-    bool (*editfile)(const char* path);  // the platform's text editor; false if it could not be started
-    bool (*printfile)(const char* path); // sends a file unchanged to the printer; false if that failed
+    bool (*lineedit)(std::string& text);       // the line editor on text; false where there is no terminal
+    void (*errortext)(const char* text);       // a copy of each error and warning in a batch
+    bool (*editfile)(const char* path);        // the platform's text editor; false if it could not be started
+    bool (*printfile)(const char* path);       // sends a file unchanged to the printer; false if that failed
+    void (*largeblock)(void* p, size_t bytes); // new memory for a large matrix, which large pages may back
 };
 extern consolehooks console;
 
