@@ -159,6 +159,9 @@ void showstringmatrix(int idx) {
     tarnprinttext(out.data(), out.size());
 }
 
+// As long as no help is there to tell more.
+void showbuiltin(int idx) { tarnprint("   %s: builtin function\n", sym(idx).name); }
+
 [[noreturn]] void showbad(int idx) {
     symtabprint(idx);
     tarnerror("bad type in symbol table");
@@ -196,6 +199,7 @@ void formatop(const processop&) {
     }
 }
 
+constexpr listingrow builtinrow[] = {{LISTBUILTIN, showbuiltin, nullptr}};
 constexpr processrow formatrow[] = {{53, formatop}};
 
 } // namespace
@@ -213,6 +217,7 @@ void listingstart() {
     nformat = {};
     mformat = {};
     listingadd(rows, int(std::size(rows)));
+    if (!listingfind(LISTBUILTIN)) listingadd(builtinrow, 1);
     processadd(formatrow, 1);
 }
 
