@@ -1,26 +1,14 @@
 #include "special/beta.h"
 
-#include "interp/base/machine.h"
 #include "special/elementary.h"
-#include "special/fault.h"
 #include "special/gamma.h"
+#include "special/range.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace {
 bool atpole(double x) { return x <= 0 && x == std::trunc(x); }
-
-double held(double z, const char* name) {
-    if (std::isfinite(z)) return z;
-    rangewarn(name);
-    return z > 0 ? MAXPOS : z < 0 ? MAXNEG : 0;
-}
-
-double beyond(const char* name) {
-    rangewarn(name);
-    return 0;
-}
 
 // sin(pi (a+b)) with the rounding of the sum made good
 double sinpisum(double a, double b) {
@@ -37,7 +25,7 @@ double gammaquotient(double num, double den) {
 
 /* B(-n,b), n = 0, 1, ..: the limit (-1)^b B(1+n-b, b) where b is one of 1..n, a pole otherwise. */
 double betapole(double n, double b) {
-    if (b != std::trunc(b) || b < 1 || b > n) return beyond("BETA");
+    if (b != std::trunc(b) || b < 1 || b > n) return outofrange("BETA", 0);
     const double value = betafn(1 + n - b, b);
     return std::fmod(b, 2) == 0 ? value : -value;
 }
@@ -82,17 +70,17 @@ double betafn(double a, double b) {
     if (atpole(a + b)) return 0;
     const double low = std::fmin(a, b), high = std::fmax(a, b);
     if (low > -160 && high < 160 && std::fabs(a + b) < 170)
-        return held(rgamma(a + b) / rgamma(a) / rgamma(b), "BETA");
+        return cappedorpole("BETA", rgamma(a + b) / rgamma(a) / rgamma(b));
     if (low > 0)
-        return held(low < 10 ? gammafn(low) * std::exp(loggammaratio(low, high)) : std::exp(logbeta(a, b)),
-                    "BETA");
+        return cappedorpole("BETA", low < 10 ? gammafn(low) * std::exp(loggammaratio(low, high))
+                                             : std::exp(logbeta(a, b)));
     int sa, sb, sab;
     const double ln = loggammasign(a, &sa) + loggammasign(b, &sb) - loggammasign(a + b, &sab);
-    return held(sa * sb * sab * std::exp(ln), "BETA");
+    return cappedorpole("BETA", sa * sb * sab * std::exp(ln));
 }
 
 double logbeta(double a, double b) {
-    if (!(a > 0 && b > 0)) return beyond("LOGBETA");
+    if (!(a > 0 && b > 0)) return outofrange("LOGBETA", 0);
     const double p = std::fmin(a, b), q = std::fmax(a, b);
     if (q < 10) return loggamma(p) + loggamma(q) - loggamma(p + q);
     if (p < 10) return loggamma(p) + loggammaratio(p, q);
@@ -100,19 +88,20 @@ double logbeta(double a, double b) {
     return rest + LNSQRT2PI - 0.5 * std::log(q) + (p - 0.5) * std::log(h) + q * std::log1p(-h);
 }
 
-double poch(double a, double x) { return held(pochopen(a, x), "POCH"); }
+double poch(double a, double x) { return cappedorpole("POCH", pochopen(a, x)); }
 
 /* W. Fullerton's POCH1 (SLATEC) tells the cases: near x = 0 by expm1 of the logarithm, which holds
  * relative to x; for negative a by reflection, with the quotient of sines less one over x in closed form. */
 double poch1(double a, double x) {
     if (x == 0) return digamma(a);
-    if (std::fabs(x) > 0.5 || atpole(a) || atpole(a + x)) return held((pochopen(a, x) - 1) / x, "POCH1");
-    if (a > 0 && a + x > 0) return held(std::expm1(-loggammaratio(x, a)) / x, "POCH1");
+    if (std::fabs(x) > 0.5 || atpole(a) || atpole(a + x))
+        return cappedorpole("POCH1", (pochopen(a, x) - 1) / x);
+    if (a > 0 && a + x > 0) return cappedorpole("POCH1", std::expm1(-loggammaratio(x, a)) / x);
     const double s = sinpisum(a, x), less = -2 * cospi(a + 0.5 * x) * sinpi(0.5 * x) / (x * s);
-    return held(less + sinpi(a) / s * poch1(1 - a - x, x), "POCH1");
+    return cappedorpole("POCH1", less + sinpi(a) / s * poch1(1 - a - x, x));
 }
 
 double rfact(double x, double n) {
-    if (n != std::trunc(n)) return beyond("RFACT");
+    if (n != std::trunc(n)) return outofrange("RFACT", 0);
     return poch(x, n);
 }

@@ -38,13 +38,15 @@ constexpr double psics[] = {0,
 constexpr int psiterms = inits(psics, 23, 0.5 * MACHEPS);
 constexpr double psizero = 0x1.762d86356be3fp+0, psizerorest = 9.5499954299656977152e-17;
 
+// B(2k)/(2k), the coefficients of the asymptotic series
+constexpr double psitail[] = {1 / 12.,  -1 / 120.,     1 / 252., -1 / 240.,
+                              1 / 132., -691 / 32760., 1 / 12.,  -3617 / 8160.};
+
 // psi(x) for x >= 10, DLMF 5.11.2 with eight terms.
 double psiasymptotic(double x) {
     const double w = 1 / (x * x);
-    constexpr double c[] = {1 / 12.,  -1 / 120.,     1 / 252., -1 / 240.,
-                            1 / 132., -691 / 32760., 1 / 12.,  -3617 / 8160.};
     double sum = 0;
-    for (int k = 7; k >= 0; k--) sum = sum * w + c[k];
+    for (int k = 7; k >= 0; k--) sum = sum * w + psitail[k];
     return std::log(x) - 0.5 / x - sum * w;
 }
 
@@ -105,4 +107,21 @@ double pgamma(double n, double x) {
     if (std::isfinite(result)) return result;
     rangewarn("PGAMMA");
     return std::isnan(result) ? 0 : std::copysign(MAXPOS, result);
+}
+
+/* The differences 1/(a+k) - 1/(a+b+k) until a is large, then the difference of two asymptotic series, with
+ * u = 1/a, v = 1/(a+b) term by term as in gammaratiorest. */
+double digammadifference(double a, double b) {
+    double sum = 0;
+    for (; std::fmin(a, a + b) < 10; a++) sum += b / (a * (a + b));
+    const double u = 1 / a, v = 1 / (a + b);
+    double rest = 0.5, q = 1, vn = v; // q = (u^n - v^n)/(u - v), vn = v^n
+    for (double ck : psitail) {
+        q = u * q + vn;
+        vn *= v;
+        rest += ck * q;
+        q = u * q + vn;
+        vn *= v;
+    }
+    return sum + std::log1p(b / a) + rest * b * u * v;
 }

@@ -1,8 +1,5 @@
 #include "special/errorfn.h"
 
-#include "interp/base/machine.h"
-#include "special/fault.h"
-
 #include <cmath>
 
 namespace {

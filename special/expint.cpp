@@ -5,6 +5,7 @@
 #include "special/elementary.h"
 #include "special/fault.h"
 #include "special/gamma.h"
+#include "special/range.h"
 
 #include <cmath>
 
@@ -290,16 +291,11 @@ double enpositive(double p, double x) {
     return x > 1 || p > 12 ? enfraction(p, x) : enseries(p, x);
 }
 
-double held(double z, const char* name) {
-    if (std::isfinite(z)) return z;
-    rangewarn(name);
-    return z > 0 ? MAXPOS : MAXNEG;
-}
 } // namespace
 
 double expint(double x) {
     if (x < 0) return -e1(-x);
-    return held(x == 0 ? -HUGE_VAL : eipositive(x), "EXPINT");
+    return capped("EXPINT", x == 0 ? -HUGE_VAL : eipositive(x));
 }
 
 double expintn(double n, double x) {
@@ -308,8 +304,8 @@ double expintn(double n, double x) {
         rangewarn("EXPINTN");
         return 0;
     }
-    if (x == 0) return n > 1 ? 1 / (n - 1) : held(HUGE_VAL, "EXPINTN");
-    return held(enpositive(n, x), "EXPINTN");
+    if (x == 0) return n > 1 ? 1 / (n - 1) : capped("EXPINTN", HUGE_VAL);
+    return capped("EXPINTN", enpositive(n, x));
 }
 
 double logint(double x) {
@@ -318,7 +314,7 @@ double logint(double x) {
         return 0;
     }
     if (x == 0) return 0;
-    return x == 1 ? held(-HUGE_VAL, "LOGINT") : expint(std::log(x));
+    return x == 1 ? capped("LOGINT", -HUGE_VAL) : expint(std::log(x));
 }
 
 double logrel(double x) {

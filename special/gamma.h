@@ -15,6 +15,9 @@ double digamma(double x);
 // The n-th derivative of psi, n = 0, 1, 2, ... (DLMF 5.15); n first. Poles as digamma.
 double pgamma(double n, double x);
 
+// psi(a+b) - psi(a), a > 0, a + b > 0, without the cancellation of the two; relative to b for small b.
+double digammadifference(double a, double b);
+
 // 1/Gamma(x) for any x, 0 at the poles of Gamma; no faults.
 double rgamma(double x);
 // log(Gamma(1+x)), -0.5 <= x <= 1.5, with full relative accuracy near 0 and 1.

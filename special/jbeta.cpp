@@ -1,6 +1,5 @@
 #include "special/beta.h"
 
-#include "interp/base/machine.h"
 #include "special/elementary.h"
 #include "special/fault.h"
 #include "special/gamma.h"
@@ -9,24 +8,6 @@
 #include <cmath>
 
 namespace {
-/* psi(a+b) - psi(a), a, b > 0, relative to b for small b: the differences 1/(a+k) - 1/(a+b+k) up to a >= 10,
- * then the difference of two asymptotic series (DLMF 5.11.2), term by term as in gammaratiorest. */
-double digammaless(double a, double b) {
-    constexpr double c[] = {1 / 12.,  -1 / 120.,     1 / 252., -1 / 240.,
-                            1 / 132., -691 / 32760., 1 / 12.,  -3617 / 8160.};
-    double sum = 0;
-    for (; a < 10; a++) sum += b / (a * (a + b));
-    const double u = 1 / a, v = 1 / (a + b), width = b * u * v;
-    double rest = 0.5, q = 1, vn = v; // q = (u^n - v^n)/(u - v), vn = v^n
-    for (double ck : c)
-        for (int step = 0; step < 2; step++) {
-            q = u * q + vn;
-            vn *= v;
-            if (step == 0) rest += ck * q;
-        }
-    return sum + std::log1p(b / a) + rest * width;
-}
-
 /* The derivative of I_x(a,b) by a is the integral of t^(a-1) (1-t)^(b-1) (ln t + psi(a+b) - psi(a)) / B(a,b)
  * over t < x, or less that over t > x, since the whole is 0. The last factor changes its sign once, about the
  * mean a/(a+b), so the side of x away from it has no cancellation. With t = z exp(-s) or 1-t = z exp(-s) the
@@ -77,7 +58,7 @@ double jbetaintegral(jbetajob& j) {
 
 // The derivative by a, with y = 1 - x given
 double jbetafirst(double a, double b, double x, double y) {
-    const double delta = digammaless(a, b), t = (b * x - a * y) / a; // x (a+b)/a = 1 + t
+    const double delta = digammadifference(a, b), t = (b * x - a * y) / a; // x (a+b)/a = 1 + t
     const double rest = delta - std::log1p(b / a);
     const double lnx = t > -0.5 && a >= 10 ? std::log1p(t) + rest : std::log(x) + delta;
     // that side, unless its power of 1 - z exp(-s) has its singularity too near; the other side is then

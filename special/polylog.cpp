@@ -1,4 +1,3 @@
-#include "interp/base/machine.h"
 #include "special/elementary.h"
 #include "special/fault.h"
 #include "special/zeta.h"

@@ -21,6 +21,11 @@ inline double capped(const char* name, double result) {
     return result;
 }
 
+// The same for a computation that marks a pole by what is no number: the warning and 0.
+inline double cappedorpole(const char* name, double result) {
+    return std::isnan(result) ? outofrange(name, 0) : capped(name, result);
+}
+
 inline bool isinteger(double x) { return x == std::floor(x) && std::isfinite(x); }
 // The sign (-1)^n for an integer n of any size.
 inline double paritysign(double n) { return std::fmod(n, 2) == 0 ? 1 : -1; }

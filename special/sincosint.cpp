@@ -1,8 +1,8 @@
-#include "interp/base/machine.h"
 #include "special/chebyshev.h"
 #include "special/elementary.h"
 #include "special/expint.h"
 #include "special/fault.h"
+#include "special/range.h"
 
 #include <cmath>
 
@@ -195,12 +195,6 @@ double nearzero(double x, double z, double rest, double sign) {
 constexpr double cizero = 0x1.3ba69b6517559p-1, cirest = -4.2099203214331859197e-17;
 constexpr double chizero = 0x1.0c3278da0d5c1p-1, chirest = -2.6671382575502846487e-17;
 
-double held(double z, const char* name) {
-    if (std::isfinite(z)) return z;
-    rangewarn(name);
-    return z > 0 ? MAXPOS : MAXNEG;
-}
-
 // The argument of a function of log(x), made positive; the imaginary part is left out with a warning.
 double realpart(double x, const char* warning) {
     if (x >= 0) return x;
@@ -219,7 +213,8 @@ double sinint(double x) {
 double cosint(double x) {
     const double y = realpart(x, "COSINT");
     if (std::fabs(y - cizero) < 0.1) return nearzero(y, cizero, cirest, -1);
-    if (y <= 4) return held(EULERGAMMA + std::log(y) + y * y * csevlfixed<12>(y * y / 8 - 1, cics), "COSINT");
+    if (y <= 4)
+        return capped("COSINT", EULERGAMMA + std::log(y) + y * y * csevlfixed<12>(y * y / 8 - 1, cics));
     const auxiliary a = sincosauxiliary(y);
     return a.f * std::sin(y) - a.g * std::cos(y);
 }
@@ -227,14 +222,14 @@ double cosint(double x) {
 double sinhint(double x) {
     const double y = std::fabs(x);
     if (y < 2) return std::copysign(alternatesum(y, 1), x);
-    if (y > 717) return held(std::copysign(HUGE_VAL, x), "SINHINT");
+    if (y > 717) return capped("SINHINT", std::copysign(HUGE_VAL, x));
     return std::copysign(0.5 * (expint(y) - expint(-y)), x);
 }
 
 double coshint(double x) {
     const double y = realpart(x, "COSHINT");
     if (std::fabs(y - chizero) < 0.1) return nearzero(y, chizero, chirest, 1);
-    if (y < 2) return held(EULERGAMMA + std::log(y) + alternatesum(y, 2), "COSHINT");
-    if (y > 717) return held(HUGE_VAL, "COSHINT");
+    if (y < 2) return capped("COSHINT", EULERGAMMA + std::log(y) + alternatesum(y, 2));
+    if (y > 717) return capped("COSHINT", HUGE_VAL);
     return 0.5 * (expint(y) + expint(-y));
 }

@@ -1,9 +1,8 @@
 #include "special/zeta.h"
 
-#include "interp/base/machine.h"
 #include "special/elementary.h"
-#include "special/fault.h"
 #include "special/gamma.h"
+#include "special/range.h"
 
 #include <cmath>
 
@@ -62,13 +61,6 @@ struct alternating {
     }
 };
 
-// The result of a function that may have overflowed, held within the doubles.
-double held(double z, const char* name) {
-    if (std::isfinite(z)) return z;
-    rangewarn(name);
-    return z > 0 ? MAXPOS : MAXNEG;
-}
-
 // zeta(s), s not 1; infinite if it overflows. Below zero by DLMF 25.4.1.
 double zetaopen(double s) {
     if (s >= -0.1) return hurwitzscaled(s, 1);
@@ -93,12 +85,12 @@ double hurwitzscaled(double s, double q) {
 
 double hurwitz(double s, double q) { return std::pow(q, -s) * hurwitzscaled(s, q); }
 
-double zeta(double s) { return held(s == 1 ? HUGE_VAL : zetaopen(s), "ZETA"); }
+double zeta(double s) { return capped("ZETA", s == 1 ? HUGE_VAL : zetaopen(s)); }
 
 double lambdafn(double s) {
     if (s < 0 && sinpi(0.5 * s) == 0) return 0;
     constexpr double ln2 = 0.69314718055994530942;
-    return held(s == 1 ? HUGE_VAL : -std::expm1(-s * ln2) * zetaopen(s), "LAMBDA");
+    return capped("LAMBDA", s == 1 ? HUGE_VAL : -std::expm1(-s * ln2) * zetaopen(s));
 }
 
 double betacat(double s) {
@@ -111,5 +103,5 @@ double betacat(double s) {
     const double cosine = cospi(0.5 * s), t = 1 - s;
     if (cosine == 0) return 0;
     const double g = t < 10 ? gammafn(t) * std::pow(2 / PI, t) : gammaoverpower(t) * std::pow(4, t);
-    return held(cosine * g * betacat(t), "BETACAT");
+    return capped("BETACAT", cosine * g * betacat(t));
 }

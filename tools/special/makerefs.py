@@ -180,6 +180,99 @@ def betarows():
     return out
 
 
+def partitions(n, distinct):
+    """By the parts, one after the other, in whole numbers."""
+    p = [1] + [0] * n
+    for part in range(1, n + 1):
+        for k in range(n, part - 1, -1) if distinct else range(part, n + 1):
+            p[k] += p[k - part]
+    return p
+
+
+@table("combin")
+def combinrows():
+    out = rows("FACT", m.factorial, [0, 1, 4, 20, 100, 170], 2e-16) + rows("FACT", m.factorial, [0.5, 3.3, -0.5, -2.7, 60.1])
+    whole = [(0, 0), (5, 2), (52, 5), (60, 30), (5, 7), (5, -1), (-4, 3), (-1, 6), (66, 33), (1e10, 2)]
+    out += rows("BINCOEF", m.binomial, whole, 2e-16)
+    more = [(100, 50), (1000, 500), (1e6, 40), (0.5, 5), (-2.5, 8), (7.2, 3.3), (282.9, 7.75), (-1.5, 0.4), (10, 2.5), (1e5, 0.01)]
+    out += rows("BINCOEF", m.binomial, more)
+    pairs = [(0, 0), (5, 0), (1, 1), (6, 3), (10, 4), (25, 1), (25, 24), (25, 25), (3, 7), (20, 11)]
+    more = [(100, 3), (100, 60), (150, 149), (160, 90)]
+    out += rows("STIRL1", lambda n, k: m.stirling1(int(n), int(k), exact=True), pairs + more)
+    out += rows("STIRL2", lambda n, k: m.stirling2(int(n), int(k), exact=True), pairs + more + [(1000, 2), (1024, 1010), (200, 17)])
+    out += rows("STIRL2", lambda n, k: m.binomial(n, 2), [(2e6, 2e6 - 1)], 1e-15)
+    out += rows("STIRL1", lambda n, k: (3 * n - 1) * m.binomial(n, 3) / 4, [(2e6, 2e6 - 2)], 1e-15)
+    out += rows("CATNUM", lambda n: m.binomial(2 * n, n) / (n + 1), [0, 1, 2, 3, 10, 30, 33, 34, 100, 519])
+    out += rows("BERNUM", lambda n: m.bernoulli(int(n)), [0, 2, 3, 4, 10, 50, 101, 258], 2e-16)
+    out += rows("EULNUM", lambda n: m.eulernum(int(n)), [0, 1, 2, 4, 10, 50, 186], 2e-16)
+    u, d = partitions(3000, False), partitions(3000, True)
+    n = [0, 1, 2, 5, 10, 50, 100, 416, 417, 1000, 1001, 3000]
+    out += rows("PARTU", lambda n: mpf(u[int(n)]), n, 1e-15)
+    out += rows("PARTD", lambda n: mpf(d[int(n)]), n + [1300, 1301], 1e-15)
+    out += rows("HARNUM", m.harmonic, [0, 1, 2, 10, 60, 61, 1e6, 1e300, 0.5, -0.3, 1e-9, -1e-15, -2.5, -0.999])
+    return out
+
+
+def sievert(x, theta):
+    end = min(m.asinh(m.tan(theta)), 2 * m.asinh(m.sqrt(50 / x)) if x else m.inf)
+    return m.quad(lambda s: m.exp(-x * m.cosh(s)) / m.cosh(s), m.linspace(0, end, 40))
+
+
+def abram(order, x):
+    """Trapezoidal rule in log(t); the integrand is entire and falls off doubly exponentially."""
+    g = lambda s: m.exp((order + 1) * s - m.exp(2 * s) - x * m.exp(-s))
+    h = mpf(1) / 128
+    low = -60 if x < 0.01 else -14
+    return h * m.fsum(g(k * h) for k in range(128 * low, 128 * 5))
+
+
+def cabram(order, re, im, part):
+    """The same along the ray that a third of the argument's angle gives."""
+    z = m.mpc(re, im)
+    turn = m.exp(m.mpc(0, m.arg(z) / 3))
+    g = lambda s: (turn * m.exp(s)) ** (order + 1) * m.exp(-((turn * m.exp(s)) ** 2) - z / turn * m.exp(-s))
+    h = mpf(1) / 128
+    value = h * m.fsum(g(k * h) for k in range(-128 * 14, 128 * 5))
+    return value.real if part == 0 else value.imag
+
+
+@table("physint")
+def physintrows():
+    out = rows("SIEVERT", sievert, grid([0, 1e-6, 0.1, 1, 10, 300], [0.01, 0.7, 1.5, -1.2]))
+    out += rows("SIEVERT", sievert, [(1e-8, 1.5707963267948966), (0.5, 1.5707963267948966), (700, 1.57), (20, 1.5707963)])
+    out += rows("ABRAM", abram, grid([0, 1, 2, 5, 0.5, -3], [1e-3, 0.1, 1, 5, 40, 800]))
+    out += rows("ABRAM", abram, [(20, 1e-6), (60, 3), (-20, 2), (3, 5000)])
+    out += rows("ABRAM", lambda k, x: m.gamma((k + 1) / 2) / 2, [(0, 0), (1, 0), (4.5, 0)])
+    points = grid([0, 1, 3, -2], [(0.5, 0.3), (0.01, 1), (2, -5), (0, 1), (20, 30)], [0, 1])
+    for k, z, p in points:  # the error allowed is relative to the modulus
+        whole = m.sqrt(cabram(k, *z, 0) ** 2 + cabram(k, *z, 1) ** 2)
+        out += rows("CABRAM", cabram, [(k,) + z + (p,)], float(1e-13 * whole / abs(cabram(k, *z, p))))
+    return out
+
+
+@table("elementary")
+def elementaryrows():
+    deg = m.pi / 180
+    x = [1e-10, 0.3, 1, 1.57, 3, -2.5, 20]
+    out = []
+    for name, f in [("COTAN", m.cot), ("SEC", m.sec), ("COSEC", m.csc), ("ACOTAN", m.acot), ("COTANH", m.coth)]:
+        out += rows(name, f, x, 1e-15)
+    for name, f in [("COSECH", m.csch), ("SECH", m.sech), ("ACOSECH", m.acsch)]:
+        out += rows(name, f, x + [-300, 700, 710.5], 1e-15)
+    out += rows("ACOSECH", m.acsch, [1e-300], 1e-15)
+    beyond = [1, -1, 1 + 2.0**-40, -1.001, 1.5, -40, 1e200]
+    out += rows("ASEC", m.asec, beyond, 1e-15) + rows("ACOSEC", m.acsc, beyond, 1e-15)
+    out += rows("ACOTANH", m.acoth, beyond[2:], 1e-15)
+    out += rows("ASECH", m.asech, [1, 1 - 2.0**-40, 0.9, 0.5, 0.1, 1e-300], 1e-15)
+    d = [1, 29, 30.5, 44, 46, 89.999, 91, 133, -77, 179.9, 200, 271, 359, 1e6 + 0.1, -1e10 - 1]
+    out += rows("SIND", lambda t: m.sin(t * deg), d, 1e-15) + rows("COSD", lambda t: m.cos(t * deg), d, 1e-15)
+    out += rows("TAND", lambda t: m.tan(t * deg), d, 1e-15)
+    u = [0.1, -0.5, 0.99, 1, -1, 1e-5]
+    out += rows("ASIND", lambda t: m.asin(t) / deg, u, 1e-15) + rows("ACOSD", lambda t: m.acos(t) / deg, u, 1e-15)
+    out += rows("ATAND", lambda t: m.atan(t) / deg, u + [1e10], 1e-15)
+    return out
+
+
 if __name__ == "__main__":
     for name in sys.argv[1:] or TABLES:
         with open(os.path.join(OUT, name + ".txt"), "w") as out:
