@@ -1,0 +1,29 @@
+/* funcs/linalg.h - dense linear algebra on plain arrays, row by row, 0-based.
+ * Owns:    factorisations of general matrices. Callers: the matrix builtins, matrix powers, regression,
+ * solvers. Never:   sees a symbol, prints, or keeps state. Failure is a result. */
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+/* LU factors by partial pivoting: row i of the product of the factors is row perm[i] of a. False when a pivot
+ * is exactly zero. (G. H. Golub, C. F. Van Loan, Matrix Computations, 4th ed., alg. 3.4.1, rows in the inner
+ * loop.) */
+bool lufactor(double* a, size_t n, std::vector<size_t>& perm);
+// Solves for all k right sides at once: b is n by k and takes the solution.
+void lusubstitute(const double* lu, size_t n, const std::vector<size_t>& perm, double* b, size_t k);
+double ludeterminant(const double* lu, size_t n, const std::vector<size_t>& perm);
+
+/* Singular values w (descending, not negative) of a (m by n, any shape), with p = min(m, n): u is m by p, v
+ * is n by p, both with orthonormal columns; a = u diag(w) v'. False when a value has not settled in 30
+ * sweeps. (Householder bidiagonalisation and implicit-shift QR: G. H. Golub, C. Reinsch, Numer. Math. 14
+ * (1970) 403.) */
+bool svdcore(const double* a, size_t m, size_t n, std::vector<double>& w, std::vector<double>& u,
+             std::vector<double>& v);
+
+/* Eigenvalues wr + i wi of a (n by n, destroyed), conjugate pairs together, and the right eigenvectors as
+ * columns vr + i vi of unit length (n by n). False when one has not settled in 30 sweeps. (Balancing,
+ * elimination to Hessenberg form, double-shift QR: J. H. Wilkinson, C. Reinsch, Handbook for Automatic
+ * Computation II, Linear Algebra (1971), contributions II/11, II/13, II/15.) */
+bool eigencore(std::vector<double>& a, size_t n, std::vector<double>& wr, std::vector<double>& wi,
+               std::vector<double>& vr, std::vector<double>& vi);

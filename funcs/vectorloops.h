@@ -1,0 +1,13 @@
+/* funcs/vectorloops.h - the inner loops of linear algebra, compiled for several processors.
+ * Owns:    nothing. Callers: funcs/lufactor.cpp, svdcore.cpp, eigencore.cpp. Never: contracts or reorders a
+ * sum within one element, so that every processor gives the same digits. */
+#pragma once
+
+#include <cstddef>
+
+void axpy(size_t n, double alpha, const double* x, double* y); // y += alpha x
+// y += a0 x0 + a1 x1 + a2 x2 + a3 x3, rows xk at distance `stride`
+void axpy4(size_t n, const double* a, const double* x, size_t stride, double* y);
+// (x, y) := (c x + s y, c y - s x)
+void rotate(size_t n, double c, double s, double* x, double* y);
+double dotproduct(size_t n, const double* x, const double* y);
