@@ -33,13 +33,15 @@ double cospi(double x) {
     return r < 0.25 ? std::cos(PI * r) : std::sin(PI * (0.5 - r));
 }
 
-// log(1+x) = 2 atanh(r) with r = x/(2+x); the term -x is taken out by 2r - x = -rx.
+// log(1+x) = 2 atanh(r) with r = x/(2+x), |r| <= 1/3; the term -x is taken out by 2r - x = -rx.
 double log1pmx(double x) {
     if (!(x > -0.5 && x < 1)) return std::log1p(x) - x;
+    constexpr double odd[] = {1. / 3,  1. / 5,  1. / 7,  1. / 9,  1. / 11, 1. / 13, 1. / 15, 1. / 17,
+                              1. / 19, 1. / 21, 1. / 23, 1. / 25, 1. / 27, 1. / 29, 1. / 31, 1. / 33};
     const double r = x / (2 + x), r2 = r * r;
-    double sum = 0, power = r2;
-    for (int k = 3; power > 1e-18; k += 2, power *= r2) sum += power / k;
-    return r * (2 * sum - x);
+    double sum = 0;
+    for (int k = r2 < 1e-3 ? 5 : r2 < 0.02 ? 9 : 15; k >= 0; k--) sum = sum * r2 + odd[k];
+    return r * (2 * r2 * sum - x);
 }
 
 double cotan(double x) { return capped("COTAN", 1 / std::tan(x)); }

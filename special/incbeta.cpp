@@ -82,7 +82,7 @@ double betatermof(const betaconstants& c, double x, double y) {
         const double ta = -lambda / a, tb = lambda / b;
         return c.factor * std::exp(deviance(a, ta, x / a * (a + b)) + deviance(b, tb, y / b * (a + b)));
     }
-    const double e = x < y ? a * std::log(x) + b * std::log1p(-x) : a * std::log1p(-y) + b * std::log(y);
+    const double e = a * std::log(x) + b * std::log(y); // the rounding of 1-x does no harm to powers below 10
     return e > -20 ? c.factor * std::exp(e) : c.factor * std::pow(x, a) * std::pow(y, b);
 }
 
@@ -99,7 +99,9 @@ struct convergents {
         b0 = b1, b1 = bn;
     }
     bool settled() const { return std::fabs(a1 * b0 - a0 * b1) <= eps * std::fabs(a1 * b0); }
+    // keeps the numbers away from overflow: a block multiplies them by 1e150 at most
     void rescale() {
+        if (std::fabs(b1) > 1e-100 && std::fabs(b1) < 1e100) return;
         const double s = 1 / std::fabs(b1);
         a0 *= s, b0 *= s, a1 *= s, b1 *= s;
     }
@@ -111,9 +113,9 @@ double betafraction(betaconstants& c, int side, double x, double y, double lambd
     const double a = side == 0 ? c.a : c.b, b = side == 0 ? c.b : c.a;
     convergents f = {x, y, lambda + 1, a / (a + 1) * (lambda + 1), 1, 1, 0};
     for (int k = 0; k < kept; k += block) {
-        const betastep* s = c.steps(side, k + block) + k;
-        for (int j = 1; j <= block; j++) f.advance(s[j], k + j);
-        if (f.settled()) return f.b1 / f.a1;
+        const betastep* step = c.steps(side, k + block) + k;
+        for (int j = 1; j <= block; j++) f.advance(step[j], k + j);
+        if (k > 0 && f.settled()) return f.b1 / f.a1; // one block hardly ever does
         f.rescale();
     }
     for (double k = kept + 1; k < itmax; k += block) {
