@@ -76,54 +76,92 @@ void flatcompiler::finish() {
         for (int& a : c.arg)
             if (a >= 0) a = to.reg[size_t(a)];
     for (int& r : argregs) r = to.reg[size_t(r)];
-    for (flatreg& r : regs) r.level = 0;
+    std::vector<int> kept;
     if (number == 0)
-        for (int& r : unit.unit.outputs) r = to.reg[size_t(r)];
+        for (int& r : unit.unit.outputs) kept.push_back(r = to.reg[size_t(r)]);
+    for (const flatloop& l : out.loops) kept.push_back(l.term);
+    finduses(kept);
 }
 
-/* Marks what is computed from registers that vary. Values flow forwards, but for the choices of branches,
- * which take their value from each branch before they are used. */
-void flatvarying(const flatroutine& routine, int from, int to, std::vector<uint8_t>& vary) {
-    for (int pc = from; pc < to; pc++) {
-        const flatop& op = routine.code[size_t(pc)];
-        uint8_t v = 0;
-        switch (op.op) {
-        case FLATMOVE: v = vary[op.dst] | vary[op.a]; break;
-        case FLATNEG:
-        case FLATNOT:
-        case FLATCALL1: v = vary[op.a]; break;
-        case FLATCALL2:
-        case FLATELEM:
-            v = vary[op.a] | vary[op.b];
-            pc++;
-            break;
-        case FLATCALLN:
-            for (int k = 0; k < op.b; k++) {
-                const flatop& data = routine.code[size_t(pc + 1 + k / 3)];
-                v |= vary[k % 3 == 0 ? data.dst : k % 3 == 1 ? data.a : data.b];
-            }
-            pc += (op.b + 2) / 3;
-            break;
-        case FLATADD:
-        case FLATADDCHECK:
-        case FLATSUB:
-        case FLATSUBCHECK:
-        case FLATMUL:
-        case FLATMULCHECK:
-        case FLATDIV:
-        case FLATDIVCHECK:
-        case FLATPOW:
-        case FLATEQ:
-        case FLATLT:
-        case FLATLE:
-        case FLATAND:
-        case FLATOR: v = vary[op.a] | vary[op.b]; break;
-        case FLATROWS:
-        case FLATCOLS: break;
-        default: continue; // no result
-        }
-        vary[op.dst] = v;
+namespace {
+
+/* What an instruction reads and sets: registers, -1 for none. Returns the words of data behind it. */
+struct operands {
+    int dst = -1, reads[3] = {-1, -1, -1};
+    int data = 0;
+    const flatop* arguments = nullptr; // further ones, in words of data
+    int narguments = 0;
+};
+
+operands operandsof(const flatop* o) {
+    switch (o->op) {
+    case FLATMOVE:
+    case FLATNEG:
+    case FLATNOT:
+    case FLATCHECK:
+    case FLATCALL1: return {o->dst, {o->a, -1, -1}};
+    case FLATCALL2:
+    case FLATELEM: return {o->dst, {o->a, o->b, -1}, 1};
+    case FLATCALLN: return {o->dst, {-1, -1, -1}, (o->b + 2) / 3, o + 1, o->b};
+    case FLATUSER: return {o->dst, {-1, -1, -1}, 1 + (o->b + 2) / 3, o + 2, o->b};
+    case FLATROWS:
+    case FLATCOLS:
+    case FLATNUMBER: return {o->dst};
+    case FLATJUMPNOT:
+    case FLATSTORE:
+    case FLATRETURN: return {-1, {o->a, -1, -1}};
+    case FLATJUMPNE:
+    case FLATJUMPNLT:
+    case FLATJUMPNLE: return {-1, {o->a, o->b, -1}};
+    case FLATJUMP:
+    case FLATLOOP:
+    case FLATNEXT:
+    case FLATSEGMENT:
+    case FLATSEGMENTEND:
+    case FLATDATA:
+    case FLATEND: return {};
+    default: return {o->dst, {o->a, o->b, -1}};
     }
+}
+
+template <class Visit> void eachread(const operands& o, Visit&& visit) {
+    for (int r : o.reads)
+        if (r >= 0) visit(r);
+    for (int k = 0; k < o.narguments; k++) {
+        const flatop& word = o.arguments[k / 3];
+        visit(k % 3 == 0 ? word.dst : k % 3 == 1 ? word.a : word.b);
+    }
+}
+
+} // namespace
+
+/* Marks what is computed from registers that vary. Where a branch depends on one, so does what is chosen in
+ * it. */
+void flatvarying(const flatroutine& routine, int from, int to, std::vector<uint8_t>& vary) {
+    int choicesend = from; // up to here stand branches of a condition that varies
+    for (int pc = from; pc < to;) {
+        const flatop* o = &routine.code[size_t(pc)];
+        const operands used = operandsof(o);
+        uint8_t v = o->op == FLATMOVE && (pc < choicesend || vary[o->dst]);
+        eachread(used, [&](int r) { v |= vary[size_t(r)]; });
+        pc += 1 + used.data;
+        if (used.dst >= 0) vary[size_t(used.dst)] = v;
+        const bool branches = o->op >= FLATJUMPNOT && o->op <= FLATJUMPNLE;
+        if (branches && v) choicesend = std::max(choicesend, int(routine.code[size_t(o->dst) - 1].dst));
+    }
+}
+
+// Where registers are first set and last read; `kept` are wanted at the end.
+void flatcompiler::finduses(const std::vector<int>& kept) {
+    out.firstset.assign(size_t(out.nregs), 0);
+    out.lastuse.assign(size_t(out.nregs), -1);
+    for (int pc = 0; pc < int(out.code.size());) {
+        const operands used = operandsof(&out.code[size_t(pc)]);
+        eachread(used, [&](int r) { out.lastuse[size_t(r)] = pc; });
+        if (used.dst >= 0 && out.firstset[size_t(used.dst)] == 0) out.firstset[size_t(used.dst)] = pc;
+        pc += 1 + used.data;
+    }
+    for (int r : kept) out.lastuse[size_t(r)] = int(out.code.size());
 }
 
 // ---- a unit

@@ -1,9 +1,12 @@
-// Flat code, many points at a time: each instruction is a loop over the rows of a block.
+/* Flat code, many points at a time: each instruction is a loop over the rows of a block. Where rows take
+ * different branches they are sorted into those that do and those that do not, each branch runs on its own,
+ * and both go on together behind it. */
 #include "funcs/flatimpl.h"
 
 #include "interp/base/fpfault.h"
 #include "values/harray.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -20,14 +23,19 @@ struct blockrun {
     const uint8_t* vary;
     double* frame;
     double* block;
-    int n;
+    uint16_t* order; // the row that stands in each place
+    int first, n;    // places in use
 
-    column operand(int r) const {
-        return vary[r] ? column{block + size_t(r) * FLATBLOCK, true} : column{frame + r, false};
-    }
+    double* rowsof(int r) const { return block + size_t(r) * FLATBLOCK + first; }
+    column operand(int r) const { return vary[r] ? column{rowsof(r), true} : column{frame + r, false}; }
     // Where a result goes, and how many rows it has.
-    double* result(int r) const { return vary[r] ? block + size_t(r) * FLATBLOCK : frame + r; }
+    double* result(int r) const { return vary[r] ? rowsof(r) : frame + r; }
     int rows(int r) const { return vary[r] ? n : 1; }
+    int lastplace() const { return int(std::max_element(order + first, order + first + n) - order) - first; }
+    int lastrow() const { return order[first + lastplace()]; }
+
+    flatresult execute(int from, int to);
+    flatresult branch(int pc, int target, const uint8_t* holds, int count);
 };
 
 template <class Op> void apply(const blockrun& run, const flatop& o, Op op) {
@@ -125,33 +133,70 @@ void move(const blockrun& run, const flatop& o) {
     apply1(run, o, [](double x) { return x; });
 }
 
-// How many rows hold to the condition of a jump: all or none, or the block is mixed (-1).
-template <class Condition> int holds(const blockrun& run, const flatop& o, Condition condition) {
+// Which rows hold to the condition of a jump; the number of them. Without rows that differ: 0 or all.
+template <class Condition>
+int holding(const blockrun& run, const flatop& o, uint8_t* holds, Condition condition) {
     const column a = run.operand(o.a), b = run.operand(o.b);
-    if (!a.varies && !b.varies) return condition(*a.x, *b.x);
+    if (!a.varies && !b.varies) return condition(*a.x, *b.x) ? run.n : 0;
     int count = 0;
-    for (int i = 0; i < run.n; i++) count += condition(a.x[a.varies ? i : 0], b.x[b.varies ? i : 0]);
-    return count == 0 ? 0 : count == run.n ? 1 : -1;
+    for (int i = 0; i < run.n; i++) {
+        holds[i] = condition(a.x[a.varies ? i : 0], b.x[b.varies ? i : 0]);
+        count += holds[i];
+    }
+    return count;
 }
 
+// A function keeps the value of the last row.
 void store(const blockrun& run, const flatop& o) {
     const column a = run.operand(o.a);
-    sym(o.dst).val.rval = a.x[a.varies ? run.n - 1 : 0];
+    sym(o.dst).val.rval = a.x[a.varies ? run.lastplace() : 0];
 }
 
-} // namespace
+// Rows that hold come first; each kind keeps its order.
+template <class T> void sortrows(T* x, const uint8_t* holds, int n) {
+    T rest[FLATBLOCK];
+    int kept = 0, left = 0;
+    for (int i = 0; i < n; i++) {
+        if (holds[i])
+            x[kept++] = x[i];
+        else
+            rest[left++] = x[i];
+    }
+    std::copy_n(rest, left, x + kept);
+}
 
-flatresult flatexecuteblock(const flatunit& unit, const flatroutine& routine, int from, int to,
-                            const uint8_t* vary, double* frame, double* block, int n) {
-    const blockrun run{unit, routine, vary, frame, block, n};
+/* The jump before pc parts the rows: `count` of them go on to the word before target, which jumps to where
+ * the branches meet, the others from target to there. The part with the last row runs last, so that what it
+ * stores stays. */
+flatresult blockrun::branch(int pc, int target, const uint8_t* holds, int count) {
+    for (size_t r = 0; r < routine.lastuse.size(); r++)
+        if (vary[r] && routine.firstset[r] < pc && routine.lastuse[r] >= pc)
+            sortrows(rowsof(int(r)), holds, n);
+    sortrows(order + first, holds, n);
+    blockrun yes = *this, no = *this;
+    yes.n = count;
+    no.first += count;
+    no.n -= count;
+    const bool yeslast = yes.lastrow() > no.lastrow();
+    for (bool which : {!yeslast, yeslast}) {
+        const int meet = routine.code[size_t(target) - 1].dst;
+        const flatresult result = which ? yes.execute(pc, target - 1) : no.execute(target, meet);
+        if (result != FLATDONE) return result;
+    }
+    return FLATDONE;
+}
+
+flatresult blockrun::execute(int from, int to) {
+    const blockrun& run = *this;
     const flatop* const code = routine.code.data();
     const auto add = [](double x, double y) { return x + y; };
     const auto subtract = [](double x, double y) { return x - y; };
     const auto multiply = [](double x, double y) { return x * y; };
     const auto divide = [](double x, double y) { return x / y; };
+    uint8_t holds[FLATBLOCK];
     for (int pc = from; pc < to;) {
         const flatop& o = code[pc++];
-        int follows = 1; // whether the condition of a jump holds
+        int follow = n; // rows that do not jump
         bool good = true;
         switch (o.op) {
         case FLATMOVE: move(run, o); break;
@@ -171,13 +216,13 @@ flatresult flatexecuteblock(const flatunit& unit, const flatroutine& routine, in
         case FLATAND: apply(run, o, [](double x, double y) -> double { return x != 0 && y != 0; }); break;
         case FLATOR: apply(run, o, [](double x, double y) -> double { return x != 0 || y != 0; }); break;
         case FLATNOT: apply1(run, o, [](double x) -> double { return x == 0; }); break;
-        case FLATJUMP: follows = 0; break;
+        case FLATJUMP: follow = 0; break;
         case FLATJUMPNOT:
-            follows = holds(run, {o.op, o.dst, o.a, o.a}, [](double x, double) { return x != 0; });
+            follow = holding(run, {o.op, o.dst, o.a, o.a}, holds, [](double x, double) { return x != 0; });
             break;
-        case FLATJUMPNE: follows = holds(run, o, [](double x, double y) { return x == y; }); break;
-        case FLATJUMPNLT: follows = holds(run, o, [](double x, double y) { return x < y; }); break;
-        case FLATJUMPNLE: follows = holds(run, o, [](double x, double y) { return x <= y; }); break;
+        case FLATJUMPNE: follow = holding(run, o, holds, [](double x, double y) { return x == y; }); break;
+        case FLATJUMPNLT: follow = holding(run, o, holds, [](double x, double y) { return x < y; }); break;
+        case FLATJUMPNLE: follow = holding(run, o, holds, [](double x, double y) { return x <= y; }); break;
         case FLATCALL1: good = call1(run, o); break;
         case FLATCALL2: good = call2(run, o, code[pc++]); break;
         case FLATCALLN:
@@ -188,12 +233,20 @@ flatresult flatexecuteblock(const flatunit& unit, const flatroutine& routine, in
         case FLATROWS: *run.result(o.dst) = unit.matrices[o.a].m->rows; break;
         case FLATCOLS: *run.result(o.dst) = unit.matrices[o.a].m->cols; break;
         case FLATSTORE: store(run, o); break;
-        case FLATEND: return FLATDONE;
-        default: return FLATMIXED; // nothing else is in code that is run so
+        default: return FLATGIVENUP; // nothing else is in code that is run so
         }
         if (!good) return FLATGIVENUP;
-        if (follows < 0) return FLATMIXED;
-        if (follows == 0) pc = o.dst;
+        if (follow == n) continue;
+        if (follow > 0 && branch(pc, o.dst, holds, follow) != FLATDONE) return FLATGIVENUP;
+        pc = follow == 0 ? o.dst : code[o.dst - 1].dst;
     }
     return FLATDONE;
+}
+
+} // namespace
+
+flatresult flatexecuteblock(const flatunit& unit, const flatroutine& routine, int from, int to,
+                            const uint8_t* vary, double* frame, double* block, uint16_t* order, int n) {
+    for (int i = 0; i < n; i++) order[i] = uint16_t(i);
+    return blockrun{unit, routine, vary, frame, block, order, 0, n}.execute(from, to);
 }

@@ -119,16 +119,26 @@ uint32_t matrixarguments(int p, int nargs) {
     return mask;
 }
 
-/* A function is compiled when it is called a second time, since much is evaluated just once. One that was
- * refused is tried again when something has been defined, and now and then, since names may have become what
- * they were not. */
+bool loops(int f) {
+    bool found = false;
+    treewalk(funcbody(f), [&](int at) {
+        const int callee = tri(at).op == TREECALL ? tri(at).right : 0;
+        found = issymbolref(callee) && sym(callee).type <= -500 && sym(callee).type >= -504;
+        return !found;
+    });
+    return found;
+}
+
+/* A function is compiled when it is called a second time, since much is evaluated just once; at once when it
+ * sums, integrates or seeks a root. One that was refused is tried again when something has been defined, and
+ * now and then, since names may have become what they were not. */
 bool worthtrying(flatslot& s, int f, bool atonce) {
     if (s.index != sym(f).index) {
         s = flatslot{};
         s.index = sym(f).index;
     }
     if (s.wait > 0) return trinodes.made != s.refusedmade || --s.waits <= 0;
-    return atonce || ++s.uses > 1;
+    return atonce || ++s.uses > 1 || loops(f);
 }
 
 flatunit* compiled(int f, int nargs, uint32_t matrixargs, bool atonce) {
@@ -241,16 +251,17 @@ flatresult runblock(flatunit& unit, const rowset& rows, size_t first, int n, dou
         double* to = flat.block.data() + (image + k) * FLATBLOCK;
         for (int i = 0; i < n; i++) to[i] = x[size_t(i) * rows.instride[k]];
     }
+    uint16_t order[FLATBLOCK];
     const flatresult result = quietrun(unit)([&] {
-        return flatexecuteblock(unit, entry, 0, int(entry.code.size()), unit.vary.data(), frame,
-                                flat.block.data(), n);
+        return flatexecuteblock(unit, entry, 0, int(entry.code.size()) - 1, unit.vary.data(), frame,
+                                flat.block.data(), order, n);
     });
     if (result != FLATDONE) return result;
     for (size_t k = 0; k < unit.outputs.size(); k++) {
         const size_t r = size_t(unit.outputs[k]);
         const double* from = flat.block.data() + r * FLATBLOCK;
         double* to = rows.out[k] + first * rows.outstride[k];
-        for (int i = 0; i < n; i++) to[size_t(i) * rows.outstride[k]] = unit.vary[r] ? from[i] : frame[r];
+        for (int i = 0; i < n; i++) to[order[i] * rows.outstride[k]] = unit.vary[r] ? from[i] : frame[r];
     }
     return FLATDONE;
 }

@@ -142,6 +142,7 @@ struct flatcompiler {
     int routinecall(int callee, const std::vector<flatval>& args, flatcells at);
 
     void finish(); // the routine from what has been put
+    void finduses(const std::vector<int>& kept);
 };
 
 std::vector<int> flatargumentrefs(int call);

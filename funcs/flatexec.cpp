@@ -31,8 +31,8 @@ namespace {
 
 struct givenup {}; // thrown through the methods of ROOT and INTEGRAL
 
-constexpr int MOSTARGS = 256;          // of a builtin that takes any number
-constexpr int RETRYBLOCKS = FLATBLOCK; // rounds one at a time after a block whose rows went different ways
+constexpr double FEWROUNDS = 8; // not worth a block
+constexpr int MOSTARGS = 256;   // of a builtin that takes any number
 
 // Word k of the data behind an instruction holds three registers.
 inline uint16_t dataword(const flatop* data, int k) {
@@ -47,7 +47,6 @@ struct execution {
     const flatop* pc;
     flatcells cells;
     const size_t base = flat.calls.size();
-    int untilblocks = 0;
 
     bool run();
     bool calln(const flatop& o);
@@ -57,7 +56,6 @@ struct execution {
     void leave(const flatop& o);
     bool loop(const flatop& o);
     bool next(const flatop& o);
-    bool tryblocks(const flatloop& l, double low);
     bool segment(const flatop& o);
 };
 
@@ -134,18 +132,6 @@ void execution::leave(const flatop& o) {
     flat.calls.pop_back();
 }
 
-// True with pc behind the loop, or, after a block of mixed rows, at its body for some rounds one at a time.
-bool execution::tryblocks(const flatloop& l, double low) {
-    switch (flatloopblocks(unit, *routine, l, r, low)) {
-    case FLATDONE: pc = routine->code.data() + l.end; return true;
-    case FLATMIXED:
-        untilblocks = RETRYBLOCKS;
-        pc = routine->code.data() + l.body;
-        return true;
-    default: return false;
-    }
-}
-
 bool execution::loop(const flatop& o) {
     const flatloop& l = routine->loops[o.dst];
     const double low = r[o.a], high = r[l.high];
@@ -155,7 +141,9 @@ bool execution::loop(const flatop& o) {
         pc = routine->code.data() + l.end;
         return true;
     }
-    return !l.blocks || high - low < 8 || tryblocks(l, low);
+    if (!l.blocks || high - low < FEWROUNDS) return true;
+    pc = routine->code.data() + l.end;
+    return flatloopblocks(unit, *routine, l, r, low) == FLATDONE;
 }
 
 bool execution::next(const flatop& o) {
@@ -166,8 +154,7 @@ bool execution::next(const flatop& o) {
     if (!(x <= r[l.high])) return true;
     pollbreak();
     pc = routine->code.data() + l.body;
-    if (!l.blocks || --untilblocks > 0 || r[l.high] - x < 8) return true;
-    return tryblocks(l, x);
+    return true;
 }
 
 bool execution::segment(const flatop& o) {
@@ -301,6 +288,9 @@ flatresult flatloopblocks(const flatunit& unit, const flatroutine& routine, cons
     double* const block = flat.block.data();
     double* const x = block + size_t(l.dummy) * FLATBLOCK;
     const double* const term = block + size_t(l.term) * FLATBLOCK;
+    const bool varies = l.vary[size_t(l.term)];
+    uint16_t order[FLATBLOCK];
+    double inorder[FLATBLOCK];
     double sum = frame[l.accumulator];
     const bool whole = low == std::floor(low) && std::fabs(low) < 0x1p52 && high < 0x1p52;
     for (double at = low; at <= high;) {
@@ -315,13 +305,10 @@ flatresult flatloopblocks(const flatunit& unit, const flatroutine& routine, cons
         }
         frame[l.accumulator] = sum;
         const flatresult result =
-            flatexecuteblock(unit, routine, l.body, l.next, l.vary.data(), frame, block, n);
+            flatexecuteblock(unit, routine, l.body, l.next, l.vary.data(), frame, block, order, n);
         if (result != FLATDONE) return result;
-        const bool varies = l.vary[size_t(l.term)];
-        for (int k = 0; k < n; k++) {
-            const double t = varies ? term[k] : frame[l.term];
-            sum = l.product ? sum * t : sum + t;
-        }
+        for (int k = 0; k < n; k++) inorder[order[k]] = varies ? term[k] : frame[l.term];
+        for (int k = 0; k < n; k++) sum = l.product ? sum * inorder[k] : sum + inorder[k];
         flat.rounds |= 0xFF00; // a block counts as many rounds
         pollbreak();
     }

@@ -98,6 +98,7 @@ struct flatroutine {
     std::vector<flatloop> loops;
     std::vector<flatsegment> segments;
     std::vector<flatnumbercall> numbercalls;
+    std::vector<int> firstset, lastuse; // by register: the instructions where it is first set and last read
 };
 
 struct flatglobal {
@@ -166,16 +167,16 @@ struct flatmachine {
 };
 extern flatmachine flat;
 
-enum flatresult { FLATDONE, FLATGIVENUP, FLATMIXED }; // FLATMIXED: rows of a block take different branches
+enum flatresult { FLATDONE, FLATGIVENUP };
 
 /* Runs code on a frame that holds its image and arguments, from instruction `pc` to FLATEND, FLATSEGMENTEND
  * or the return of the routine; memory for further frames begins at `top`. False: given up. */
 bool flatexecute(flatunit& unit, const flatroutine& routine, int pc, double* frame, flatcells cells);
 
 /* Instructions from..to on n rows. A register that varies has its rows at block + FLATBLOCK * its number,
- * another its value in the frame. */
+ * another its value in the frame. The rows may end in another order: order tells the row of each place. */
 flatresult flatexecuteblock(const flatunit& unit, const flatroutine& routine, int from, int to,
-                            const uint8_t* vary, double* frame, double* block, int n);
+                            const uint8_t* vary, double* frame, double* block, uint16_t* order, int n);
 flatresult flatloopblocks(const flatunit& unit, const flatroutine& routine, const flatloop& loop,
                           double* frame, double low);
 double flatrowcall(const scalarrow& row, const double* x, int n); // all its arguments, none missing

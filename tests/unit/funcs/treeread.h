@@ -202,7 +202,14 @@ struct FuncsTest : testing::Test {
         report.capture = &printed;
         builtins();
     }
-    void TearDown() override { report.capture = nullptr; }
+    void TearDown() override {
+        report.capture = nullptr;
+        symtabsweep();
+        for (int k = 1; k < SYMTABSIZE; k++)
+            if (sym(k).type == MATRIX && sym(k).name[0] != '@')
+                harrayfree(static_cast<harray*>(sym(k).val.ptr));
+        symtabstart();
+    }
 
     static int builtin(const char* name, int code, std::vector<int> slots) {
         const int idx = symtabenter(name);
