@@ -13,6 +13,10 @@ double scalaroperand(int entry) {
     return s.val.rval;
 }
 
+void tellundefined(int entry) {
+    if (entry > 0 && sym(entry).type == UNKNOWN) tarnwarn("%s has no value", sym(entry).name);
+}
+
 matrixoperand::matrixoperand(int entry) {
     m = nullptr;
     if (entry == 0) return;

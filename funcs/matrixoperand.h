@@ -23,4 +23,8 @@ private:
     double one[2];
 };
 
+// A warning that the operand has no value, if it is a name that has none: to follow the refusal of an
+// operand.
+void tellundefined(int entry);
+
 double scalaroperand(int entry); // a scalar's value; one that has none yet is an error

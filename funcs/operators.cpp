@@ -92,6 +92,16 @@ void matrixop(int op, int a, int b) {
     polpush(symtabmatrix(a, b, std::move(result)));
 }
 
+[[noreturn]] void refuseoperands(int a, int b) {
+    try {
+        tarnerror("only SCALAR or MATRIX types in binary operators");
+    } catch (const recoveryjump&) {
+        tellundefined(a);
+        tellundefined(b);
+        throw;
+    }
+}
+
 harrayptr padded(const harray* m, uint32_t d) {
     if (m->rows == d && m->cols == d) return harrayptr(harraydup(m));
     harrayptr p(harraynew(d, d));
@@ -155,8 +165,7 @@ void binop(int op, int a, int b) {
         if (const int later = pendingoperation(op, a, b)) return polpush(later);
     pendingfinish();
     if (isstringtype(a) || isstringtype(b)) return stringbinop(op, a, b);
-    if (!(isscalar(a) || ismatrix(a)) || !(isscalar(b) || ismatrix(b)))
-        tarnerror("only SCALAR or MATRIX types in binary operators");
+    if (!(isscalar(a) || ismatrix(a)) || !(isscalar(b) || ismatrix(b))) refuseoperands(a, b);
     if (op == TOKREPEAT || op == TOKREPEATBY) return repeatop(op, a, b);
     if (ismatrix(a) || ismatrix(b)) return matrixop(op, a, b);
     const double x = scalaroperand(a), y = scalaroperand(b);
