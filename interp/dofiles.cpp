@@ -63,11 +63,6 @@ int readpiece(std::string& buf, int size, textlines& in) {
 }
 
 inputsource* running() { return dofiles.stack.empty() ? nullptr : &dofiles.stack.back(); }
-forloop* runningloop() {
-    inputsource* s = running();
-    return s && s->kind == sourcekind::loop ? s->loop.get() : nullptr;
-}
-
 bool somethingleft() {
     if (scanner.stream) return scanner.stream->next < scanner.stream->tokens.size();
     return line.cursor < line.text.size();
@@ -89,6 +84,11 @@ inputsource& pushsource(sourcekind kind) {
 }
 
 } // namespace
+
+forloop* runningloop() {
+    inputsource* s = running();
+    return s && s->kind == sourcekind::loop ? s->loop.get() : nullptr;
+}
 
 int readline(std::string& buf, int size, textlines& in) {
     if (readpiece(buf, size, in) < 0) return -1;
@@ -261,19 +261,21 @@ void beginpass(forloop& f) {
     }
 }
 
-// Turns to the next element; false when there is none. The body may have changed the matrix.
-bool nextpass(inputsource& s) {
+} // namespace
+
+// The body may have changed the matrix.
+bool nextpass() {
+    inputsource& s = dofiles.stack.back();
     forloop& f = *s.loop;
     const bool matrix = sym(f.values).type == MATRIX;
     if (s.ended || (!matrix && f.index >= f.limit)) return false;
     if (!matrix) tarnerror("the matrix of a FOR loop was deleted by its body");
-    if (++f.index > harraycount(static_cast<const harray*>(sym(f.values).val.ptr))) return false;
+    if (f.index >= harraycount(static_cast<const harray*>(sym(f.values).val.ptr))) return false;
+    f.index++;
     setloopvariable(f);
     beginpass(f);
     return true;
 }
-
-} // namespace
 
 void getline() {
     for (;;) {
@@ -288,7 +290,7 @@ void getline() {
         }
         if (s->kind == sourcekind::loop) {
             refusehalfstatement("body of a FOR loop");
-            if (nextpass(*s)) return;
+            if (nextpass()) return;
         } else if (s->kind == sourcekind::file && !s->ended) {
             if (readon()) return;
             refusehalfstatement("do-file");

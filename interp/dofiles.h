@@ -4,6 +4,7 @@
  * Never:   looks inside a statement, except for the braces around the body of a FOR. */
 #pragma once
 
+#include "interp/loopcode.h"
 #include "interp/scanner.h"
 
 #include <cstddef>
@@ -40,6 +41,7 @@ struct forloop {
     size_t limit = 0;       // number of elements at the start
     tokenstream body;       // what is replayed at each pass
     std::vector<int> lines; // line of the do-file of each token
+    loopcodeptr code;       // for some or all of its statements, once it has proved to be worth it
     std::string text;       // replayed in place of the tokens, when they depend on CASESW; else empty
 };
 
@@ -67,6 +69,8 @@ void pushfile(const char* name, std::string content);
 void pushtext(const std::string& text);
 void popsource();
 void popallsources();
+forloop* runningloop(); // null unless a FOR loop is the current source
+bool nextpass();        // turns it to its next element; false when there is none
 
 // Pushes the source that symbol names: KLINE one line from the keyboard, a string variable its text, else a
 // do-file. The symbol is released. Error: "couldn't open DO file %s".

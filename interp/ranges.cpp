@@ -31,36 +31,50 @@ void exactend(const harrayptr& m, double b) {
     if (std::fabs(b) >= 1 && std::fabs(b - last(m)) <= NEAREND) last(m) = b;
 }
 
-double increment(int idx) {
-    const double c = scalarval(idx);
+void needincrement(double c) {
     if (c == 0) tarnerror("COLON (:) zero increment not allowed");
-    return c;
 }
 
 } // namespace
 
+harrayptr rangematrix(double a, double b) {
+    harrayptr m = stepped(a, b, a == b ? 0 : 1);
+    exactend(m, b);
+    return m;
+}
+
+harrayptr stepmatrix(double a, double b, double step) {
+    needincrement(step);
+    harrayptr m = stepped(a, b, step);
+    exactend(m, b);
+    return m;
+}
+
+harrayptr countmatrix(double a, double b, double n) {
+    needincrement(n);
+    double k = std::floor(n);
+    if (k != n) tarnwarn(":! count is not an integer");
+    if (k < 0) k = 1 - k;
+    harrayptr m = k == 1 ? stepped(b, b, 0) : stepped(a, b, (b - a) / (k - 1));
+    last(m) = b;
+    return m;
+}
+
 int rangeof(int a, int b) {
-    const double from = scalarval(a), to = scalarval(b);
-    harrayptr m = stepped(from, to, from == to ? 0 : 1);
-    exactend(m, to);
+    harrayptr m = rangematrix(scalarval(a), scalarval(b));
     return symtabmatrix(a, b, std::move(m));
 }
 
 int rangebystep(int a, int b, int step) {
-    const double from = scalarval(a), to = scalarval(b), c = increment(step);
-    harrayptr m = stepped(from, to, c);
-    exactend(m, to);
+    const double from = scalarval(a), to = scalarval(b);
+    harrayptr m = stepmatrix(from, to, scalarval(step));
     tempfree(step);
     return symtabmatrix(a, b, std::move(m));
 }
 
 int rangebycount(int a, int b, int n) {
-    const double from = scalarval(a), to = scalarval(b), c = increment(n);
-    double k = std::floor(c);
-    if (k != c) tarnwarn(":! count is not an integer");
-    if (k < 0) k = 1 - k;
-    harrayptr m = k == 1 ? stepped(to, to, 0) : stepped(from, to, (to - from) / (k - 1));
-    last(m) = to;
+    const double from = scalarval(a), to = scalarval(b);
+    harrayptr m = countmatrix(from, to, scalarval(n));
     tempfree(n);
     return symtabmatrix(a, b, std::move(m));
 }

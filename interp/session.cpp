@@ -9,6 +9,7 @@
 #include "interp/base/symtab.h"
 #include "interp/dofiles.h"
 #include "interp/logroll.h"
+#include "interp/loopcode.h"
 #include "interp/polish.h"
 #include "interp/rooms.h"
 #include "interp/startup.h"
@@ -32,6 +33,7 @@ int libraryfailure(const char* what) {
 int runstatement() {
     try {
         statementbegin();
+        loopadvance();
         polish();
         fpsummary(false);
         return 0;

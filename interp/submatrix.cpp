@@ -1,6 +1,7 @@
 #include "interp/submatrix.h"
 
 #include "funcs/trinode.h"
+#include "interp/assign.h"
 #include "interp/base/hooks.h"
 #include "interp/base/operand.h"
 #include "interp/base/report.h"
@@ -52,7 +53,7 @@ int targetpart(int matrix, const int16_t* subscripts, int count) {
 
 uint32_t subscript(int idx, uint32_t limit) {
     const double x = scalarval(idx);
-    if (!(x >= 1 && x < double(limit) + 1)) tarnerror("matrix subscript out of valid range");
+    if (!(x >= 1 && x < double(limit) + 1)) badsubscript();
     return uint32_t(x);
 }
 
@@ -87,6 +88,16 @@ int element(int matrix, const int16_t* subscripts, int count) {
 }
 
 } // namespace
+
+void badsubscript() { tarnerror("matrix subscript out of valid range"); }
+
+void assignelement(int matrix, double row, double col, double value) {
+    const int16_t subscripts[2] = {int16_t(symtabtempscalar(0, 0, row)),
+                                   int16_t(symtabtempscalar(0, 0, col))};
+    const int target = targetpart(matrix, subscripts, 2);
+    assignop(symtabtempscalar(0, 0, value), target);
+    submtxrelease();
+}
 
 submtxparts submtxof(int idx) {
     const trinode& node = tri(sym(idx).index);

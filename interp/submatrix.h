@@ -15,3 +15,6 @@ submtxparts submtxof(int idx);
 void matrixhandler(int base, int symidx); // A(...) with A at polstack[base]: a target or a value
 void submtxrelease();                     // before a statement: lets go of those of the statement before
 void submtxdelete(int idx);               // DELETE of rows and columns
+
+[[noreturn]] void badsubscript();                                     // a subscript outside the matrix
+void assignelement(int matrix, double row, double col, double value); // matrix(row,col) = value

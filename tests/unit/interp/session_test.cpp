@@ -196,6 +196,12 @@ TEST_F(Session, BatchTellsTheLineInsideALoop) {
     start(o);
     EXPECT_EQ(sessionrun(), 1);
     EXPECT_TRUE(live.errors.ends_with("\nmodel.do, line 3\n")) << live.errors;
+
+    o.batchtext = "M = 1:6\nFOR I = 1:9 {\n A = I\n B = M(I)\n\n C = 1 }\n"; // after some good passes
+    start(o);
+    EXPECT_EQ(sessionrun(), 1);
+    EXPECT_TRUE(live.errors.ends_with("\nmodel.do, line 4\n")) << live.errors;
+    EXPECT_EQ(scalar("A"), 7);
 }
 
 TEST_F(Session, BatchStatuses) {
