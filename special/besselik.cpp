@@ -109,22 +109,33 @@ besik iany(double nu, double x) { // nu >= 0, x > 0
     return {true, 1 / (x * (k1 + iratio(nu, x) * k0)), x, 0, 0};
 }
 
+} // namespace
+
+double besiraw(double nu, double x, int shift) {
+    const besik i = iany(std::fabs(nu), x);
+    const double r = joinexponent(i.i, i.ei - shift * x);
+    if (nu >= 0 || isinteger(nu)) return r;
+    const besik k = kany(-nu, x); // DLMF 10.27.2
+    return r + 2 / PI * sinpi(-nu) * joinexponent(k.k, k.ek - shift * x);
+}
+
+double beskraw(double nu, double x, int shift) {
+    const besik k = kany(std::fabs(nu), x);
+    return joinexponent(k.k, k.ek + shift * x);
+}
+
+namespace {
+
 // I_nu(x) exp(-shift |x|), shift 0 or 1.
 double ifunction(const char* name, double nu, double x, int shift) {
     if (std::isnan(nu) || std::isnan(x)) return nu + x;
     if (std::isinf(nu)) return outofrange(name, 0);
-    const double a = std::fabs(x), n = std::fabs(nu);
     if (std::isinf(x)) return shift ? 0 : outofrange(name, MAXPOS);
     const bool whole = isinteger(nu);
     if (x < 0 && !whole) return outofrange(name, 0);
-    if (a == 0) return nu == 0 ? 1 : nu > 0 || whole ? 0 : outofrange(name, MAXPOS);
-    const besik i = iany(n, a);
-    double r = joinexponent(i.i, i.ei - shift * a);
-    if (nu < 0 && !whole) { // DLMF 10.27.2
-        const besik k = kany(n, a);
-        r += 2 / PI * sinpi(n) * joinexponent(k.k, k.ek - shift * a);
-    }
-    return capped(name, x < 0 && paritysign(n) < 0 ? -r : r);
+    if (x == 0) return nu == 0 ? 1 : nu > 0 || whole ? 0 : outofrange(name, MAXPOS);
+    const double r = besiraw(nu, std::fabs(x), shift);
+    return capped(name, x < 0 && paritysign(nu) < 0 ? -r : r);
 }
 
 // K_nu(x) exp(shift x).
@@ -133,8 +144,7 @@ double kfunction(const char* name, double nu, double x, int shift) {
     if (x < 0 || std::isinf(nu)) return outofrange(name, 0);
     if (x == 0) return outofrange(name, MAXPOS);
     if (std::isinf(x)) return 0;
-    const besik k = kany(std::fabs(nu), x);
-    return capped(name, joinexponent(k.k, k.ek + shift * x));
+    return capped(name, beskraw(nu, x, shift));
 }
 
 } // namespace

@@ -1,7 +1,8 @@
 /* special/besselimpl.h - what the files of the Bessel functions share.
  * Owns:    nothing.
- * Callers: bessel*.cpp, cbessel.cpp.
- * Never:   checks a domain; nu is at least 0 (at most 1/2 in magnitude where named mu) and x above 0. */
+ * Callers: bessel*.cpp, cbessel.cpp, sphbessel.cpp, struve.cpp.
+ * Never:   checks a domain; x is above 0, nu at least 0 (named mu: at most 1/2 in magnitude) but
+ *          where any order is said. */
 #pragma once
 
 // J_nu and Y_nu, or nothing.
@@ -39,6 +40,12 @@ temmegamma temmegammas(double mu);
 // Y_mu, Y_{mu+1} for x <= 2 and exp(x) K_mu, exp(x) K_{mu+1} for any x.
 void temmey(double mu, double x, double* y0, double* y1);
 void temmek(double mu, double x, double* k0, double* k1);
+
+// J, Y, exp(-shift x) I, exp(shift x) K of any real order, infinite on overflow; nothing is noted.
+double besjraw(double nu, double x);
+double besyraw(double nu, double x);
+double besiraw(double nu, double x, int shift);
+double beskraw(double nu, double x, int shift);
 
 // The value m exp(e); 0 or infinity beyond the range of doubles.
 double joinexponent(double m, double e);

@@ -262,23 +262,35 @@ double ypositive(double nu, double x) {
     return anyjy(nu, x).y;
 }
 
+} // namespace
+
+double besjraw(double nu, double x) {
+    if (nu >= 0) return jpositive(nu, x);
+    if (isinteger(nu)) return paritysign(nu) * jpositive(-nu, x);
+    const double c = cospi(nu), s = sinpi(-nu); // DLMF 10.4.6
+    const double j = c == 0 ? 0 : c * jpositive(-nu, x);
+    return j - s * ypositive(-nu, x);
+}
+
+double besyraw(double nu, double x) {
+    if (nu >= 0) return ypositive(nu, x);
+    if (isinteger(nu)) return paritysign(nu) * ypositive(-nu, x);
+    const double c = cospi(nu), s = sinpi(-nu); // DLMF 10.4.7
+    const double y = c == 0 ? 0 : c * ypositive(-nu, x);
+    return y + s * jpositive(-nu, x);
+}
+
+namespace {
+
 double jany(const char* name, double nu, double x) {
     if (std::isnan(nu) || std::isnan(x)) return nu + x;
     if (std::isinf(nu)) return outofrange(name, 0);
     if (std::isinf(x)) return 0;
-    if (isinteger(nu)) {
-        const bool odd = paritysign(nu) < 0 && (nu < 0) != (x < 0);
-        const double a = std::fabs(x), n = std::fabs(nu);
-        if (a == 0) return n == 0 ? 1 : 0;
-        const double j = jpositive(n, a);
-        return odd ? -j : j;
-    }
-    if (x < 0) return outofrange(name, 0);
-    if (x == 0) return nu > 0 ? 0 : outofrange(name, MAXPOS);
-    if (nu > 0) return jpositive(nu, x);
-    const double c = cospi(nu), s = sinpi(-nu); // DLMF 10.4.6
-    const double j = c == 0 ? 0 : c * jpositive(-nu, x);
-    return capped(name, j - s * ypositive(-nu, x));
+    const bool whole = isinteger(nu);
+    if (x < 0 && !whole) return outofrange(name, 0);
+    if (x == 0) return nu == 0 ? 1 : nu > 0 || whole ? 0 : outofrange(name, MAXPOS);
+    const double j = besjraw(nu, std::fabs(x));
+    return capped(name, x < 0 && paritysign(nu) < 0 ? -j : j);
 }
 
 double yany(const char* name, double nu, double x) {
@@ -286,10 +298,7 @@ double yany(const char* name, double nu, double x) {
     if (x < 0 || std::isinf(nu)) return outofrange(name, 0);
     if (std::isinf(x)) return 0;
     if (x == 0) return outofrange(name, MAXNEG);
-    if (nu >= 0) return capped(name, ypositive(nu, x));
-    const double c = cospi(nu), s = sinpi(-nu); // DLMF 10.4.7
-    const double y = c == 0 ? 0 : c * ypositive(-nu, x);
-    return capped(name, s == 0 ? y : y + s * jpositive(-nu, x));
+    return capped(name, besyraw(nu, x));
 }
 
 } // namespace

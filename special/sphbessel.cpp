@@ -22,7 +22,7 @@ double climb(double n, double x, double f0, double f1, int s) {
     return f1;
 }
 
-// sqrt(pi/(2x)) times a value of half-odd order; the range fault of that function stays noted.
+// sqrt(pi/(2x)) times a value of half-odd order.
 double half(double x, double f) { return f * std::sqrt(PI / 2 / x); }
 
 bool refused(const char* name, double n, double x, double* result) {
@@ -51,7 +51,7 @@ double jhalf(double n, double x) { // n >= 0 or fractional, x > 0
         const double m = ascendingfactor(n + 0.5, x, &e);
         return joinexponent(half(x, m * ascending(n + 0.5, x * x / 4, -1)), e);
     }
-    return half(x, bessj(n + 0.5, x));
+    return half(x, besjraw(n + 0.5, x));
 }
 
 double yhalf(double n, double x) {
@@ -59,7 +59,7 @@ double yhalf(double n, double x) {
         const double s = std::sin(x), c = std::cos(x);
         return climb(n, x, -c / x, -(c / x + s) / x, -1);
     }
-    return half(x, bessy(n + 0.5, x));
+    return half(x, besyraw(n + 0.5, x));
 }
 
 } // namespace
@@ -89,7 +89,7 @@ double spbi(double n, double x) {
     const double a = std::fabs(x), sign = x < 0 ? paritysign(n) : 1;
     if (n == 0 && a < 709) return a < 1e-5 ? 1 + a * a / 6 : std::sinh(a) / a;
     if (n == -1 && a < 709) return sign * std::cosh(a) / a;
-    return capped("SPBI", sign * half(a, bessi(n + 0.5, a)));
+    return capped("SPBI", sign * joinexponent(half(a, besiraw(n + 0.5, a, 1)), a));
 }
 
 double spbk(double n, double x) {
@@ -102,5 +102,5 @@ double spbk(double n, double x) {
         const double k = PI / 2 * std::exp(-x) / x;
         return capped("SPBK", climb(n, x, k, k * (1 + 1 / x), 1));
     }
-    return half(x, bessk(n + 0.5, x));
+    return capped("SPBK", half(x, beskraw(n + 0.5, x, 0)));
 }
