@@ -33,6 +33,7 @@ struct numbersource {
     size_t held = 0;
     int64_t offset = 0; // of buffer in the file
     bool ended = false, failed = false;
+    bool marks = false; // words for missing numbers were skipped
     numbertext text = numbertextstart("", 0);
 };
 
@@ -62,6 +63,7 @@ void refill(numbersource& s, const char* from) {
     addpiece(s);
     if (s.buffer.size() == s.held) s.buffer.push_back('\0');
     s.buffer[s.held] = '\0';
+    s.marks |= s.text.marks;
     s.text = numbertextstart(s.buffer.data(), s.held);
 }
 
@@ -135,6 +137,12 @@ numberresult readrows(numbersource& s, growingmatrix& g) {
     return NUMBERREAD;
 }
 
+// Numbers behind such a word stand in places that were meant for others.
+void warnofmarks(const numbersource& s, const char* name) {
+    if (s.marks || s.text.marks)
+        tarnwarn("%s: NA, NaN or Inf was skipped; READCSV keeps the places of missing numbers", name);
+}
+
 struct readargs {
     std::string path;
     double rows, cols;
@@ -154,6 +162,7 @@ int read(const callargs& a) {
     if (r.rows * r.cols > 2147483647) tarnerror("READ: rows*cols exceeds 2^^31-1 (implementation limit)");
     growingmatrix g(size_t(r.rows), size_t(r.cols));
     if (readrows(source, g) == NUMBERBAD) tarnerror("READ: unreadable character in file");
+    warnofmarks(source, "READ");
     return symtabmatrix(0, 0, exactly(g));
 }
 
@@ -206,6 +215,7 @@ int readonward(const callargs& a) {
     else if (source.file)
         remember(r.path, source.offset + (source.text.p - source.buffer.data()));
     if (result == NUMBERBAD) tarnerror("READON: unreadable character in file");
+    warnofmarks(source, "READON");
     return symtabmatrix(0, 0, exactly(g));
 }
 

@@ -88,6 +88,7 @@ constexpr processrow rows[] = {{8, save}, {59, use}};
 } // namespace
 
 void diskstart() {
+    diskforget();
     savekindadd(kinds, int(std::size(kinds)));
     processadd(rows, int(std::size(rows)));
 }

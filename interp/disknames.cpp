@@ -16,6 +16,16 @@ bool isnamechar(char c) { return isalnum(static_cast<unsigned char>(c)) || c == 
 
 const char* openingword(int type) { return type == INITIALVALUE ? "INITIAL " : "FUNCTION "; }
 
+// Where the name of the function ends that a derivative is of; the end of any other name.
+size_t baseend(const std::string& name) {
+    return std::min(name.find('.', name.find_first_not_of('.')), name.size());
+}
+
+std::string basename(const std::string& name) {
+    const size_t dots = name.find_first_not_of('.');
+    return name.substr(dots, baseend(name) - dots);
+}
+
 // Is the definition, with its numbers short, longer than the buffer it is printed to?
 bool toolong(int idx) { return functext(idx, false).size() > size_t(FUNCPRINTSIZE - 11); }
 
@@ -57,12 +67,22 @@ bool isdefinition(const std::string& text, int type, const std::string& name) {
                        [](char c) { return static_cast<unsigned char>(c) >= ' ' && c != ';'; });
 }
 
+std::string nextname(const std::string& name) {
+    std::string next = name;
+    return next.insert(baseend(name), "A");
+}
+
+std::string trialname(const std::string& name) {
+    const size_t dots = name.find_first_not_of('.');
+    std::string trial = name.substr(0, dots) + "Q" + name.substr(baseend(name));
+    while (symtablookup(trial.c_str()) > 0) trial = nextname(trial);
+    return trial;
+}
+
 std::string definitionrenamed(const std::string& text, const std::string& from, const std::string& to) {
-    const size_t headstart = text.find(' ') + 1;
-    const size_t headend = headstart + derivtext(from.c_str()).size();
-    std::string renamed = text.substr(0, headstart) + derivtext(to.c_str());
-    if (from[0] == '.') return renamed + text.substr(headend); // a body does not call its own derivative
-    for (size_t k = headend; k < text.size();) {
+    const std::string old = basename(from), now = basename(to);
+    std::string renamed;
+    for (size_t k = 0; k < text.size();) {
         size_t end = k;
         while (end < text.size() && isnamechar(text[end])) end++;
         if (end == k) {
@@ -70,7 +90,7 @@ std::string definitionrenamed(const std::string& text, const std::string& from, 
             continue;
         }
         const std::string word = text.substr(k, end - k);
-        renamed += word == from ? to : word;
+        renamed += word == old ? now : word;
         k = end;
     }
     return renamed;

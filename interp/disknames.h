@@ -19,5 +19,9 @@ bool isobjectname(const std::string& name,
 std::string definitiontosave(int idx);
 // Is it the definition of an object of this type and name, and no other statement besides?
 bool isdefinition(const std::string& text, int type, const std::string& name);
-// The same definition under another name; calls of itself go along.
+// The name to try when name is in use: an A behind it. A derivative stays one of the same variable: .Y.T,
+// .YA.T
+std::string nextname(const std::string& name);
+std::string trialname(const std::string& name); // a short one of the same form that is not in use
+// The same definition under another name; what it calls by its own name goes along.
 std::string definitionrenamed(const std::string& text, const std::string& from, const std::string& to);

@@ -11,9 +11,30 @@
 #include "interp/disknames.h"
 #include "values/saveblock.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <string>
+#include <vector>
 
 namespace {
+
+// What the start-up files have defined: the colours, the machine's constants and the like.
+struct predefined {
+    int idx, type;
+    double number;
+    std::string text;
+};
+struct diskstate {
+    std::vector<predefined> own;
+};
+diskstate disk;
+
+bool isunchanged(int idx) {
+    const auto found =
+        std::find_if(disk.own.begin(), disk.own.end(), [&](const predefined& p) { return p.idx == idx; });
+    if (found == disk.own.end() || sym(idx).type != found->type) return false;
+    return found->type == SCALAR ? sym(idx).val.rval == found->number : stringval(idx) == found->text;
+}
 
 bool isnamed(const symbol& s) {
     return s.name[0] != 0 && s.name[0] != ' ' && s.name[0] != '@' && s.name[0] != '#';
@@ -47,7 +68,8 @@ void saveoperands(savewriter& out) {
 
 void saveeverything(savewriter& out, bool system) {
     for (int idx = 1; idx < SYMTABSIZE; idx++)
-        if (isnamed(sym(idx)) && (system || !symtabprotected(idx))) saveobject(out, idx);
+        if (isnamed(sym(idx)) && (system || !(symtabprotected(idx) || isunchanged(idx))))
+            saveobject(out, idx);
 }
 
 void checkoperands() {
@@ -76,6 +98,18 @@ void dropoperands() {
 }
 
 } // namespace
+
+void diskpredefined() {
+    disk.own.clear();
+    for (int idx = 1; idx < SYMTABSIZE; idx++) {
+        const symbol& s = sym(idx);
+        if (!isnamed(s)) continue;
+        if (s.type == SCALAR) disk.own.push_back({idx, s.type, s.val.rval, ""});
+        if (s.type == STRINGTYPE) disk.own.push_back({idx, s.type, 0, stringval(idx)});
+    }
+}
+
+void diskforget() { disk.own.clear(); }
 
 void disksave(int op) {
     checkoperands();

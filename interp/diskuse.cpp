@@ -25,6 +25,7 @@ struct usestate {
     bool asked = false; // whether to do so
     bool quiet;
     bool plots = false;            // a plot object came or went
+    int told = 0;                  // names in the list so far
     size_t column = 7;             // where the list of names stands: behind "Using: "
     std::vector<int> changed = {}; // scalars and strings read
 };
@@ -50,8 +51,7 @@ bool damaged(const usestate& u, const char* name, const char* what) {
 
 void tellname(usestate& u, const std::string& name) {
     if (u.quiet) return;
-    const bool first = u.column == 7;
-    if (!first) tarnprint(","), u.column++;
+    if (u.told++ > 0) tarnprint(","), u.column++;
     if (u.column + name.size() + 1 > 78) tarnprint("\n"), u.column = 0;
     tarnprint("%s", name.c_str());
     u.column += name.size();
@@ -89,12 +89,13 @@ int vacate(usestate& u, int idx, const std::string& name) {
  * the system needs the entry as it is. ready is called before anything is given up for the object, and may
  * refuse by an error. */
 template <class Ready> int entryfor(usestate& u, std::string& name, int type, Ready ready) {
-    for (;; name += 'A') {
+    for (;; name = nextname(name)) {
         const int idx = symtabenter(name.c_str());
         const symbol& s = sym(idx);
         if (s.type == UNKNOWN) return idx;
         if (isword(s)) {
-            tarnwarn("USE: %s is a word of the language, the object becomes %sA", s.name, s.name);
+            tarnwarn("USE: %s is a word of the language, the object becomes %s", s.name,
+                     nextname(name).c_str());
         } else if (overwrite(u)) {
             if (symtabprotected(idx) && s.type != type) {
                 tarnwarn("USE: the system's own %s stays as it is", s.name);
@@ -130,8 +131,7 @@ void rundefinition(const std::string& text, const std::string& name, int type) {
 
 // A definition that cannot be read must not cost the object whose name it would have taken.
 void trydefinition(const std::string& text, const std::string& name, int type) {
-    std::string trial = "USETRIAL";
-    while (symtablookup(trial.c_str()) > 0) trial += 'A';
+    const std::string trial = trialname(name);
     rundefinition(definitionrenamed(text, name, trial), trial, type);
     const int idx = symtablookup(trial.c_str());
     symtabdelete(idx);

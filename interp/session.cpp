@@ -7,6 +7,7 @@
 #include "interp/base/parser.h"
 #include "interp/base/report.h"
 #include "interp/base/symtab.h"
+#include "interp/diskuse.h"
 #include "interp/dofiles.h"
 #include "interp/logroll.h"
 #include "interp/loopcode.h"
@@ -151,6 +152,7 @@ int startsteps(const sessionoptions& options) {
     startsystem();
     if (!options.quiet && !options.batch) startbanner();
     if (options.startmode != 1) startobjects("INIT0.FIL");
+    diskpredefined();
     return 0;
 }
 

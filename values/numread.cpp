@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <string_view>
 
 namespace {
 
@@ -19,12 +20,13 @@ struct tenstable {
     }
 };
 
-enum charclass : uint8_t { SKIP, DIGIT, SIGN, PERIOD, QUOTE, COMMENT, STOP, BAD };
+enum charclass : uint8_t { SKIP, LETTER, DIGIT, SIGN, PERIOD, QUOTE, COMMENT, STOP, BAD };
 
 constexpr std::array<charclass, 256> classtable() {
     std::array<charclass, 256> t{};
     for (int c = 0; c < 256; c++) t[size_t(c)] = c < ' ' || c == 127 ? BAD : SKIP;
     for (int c : {'\t', '\n', '\v', '\f', '\r'}) t[size_t(c)] = SKIP;
+    for (int c = 'a'; c <= 'z'; c++) t[size_t(c)] = t[size_t(c - 'a' + 'A')] = LETTER;
     for (int c = '0'; c <= '9'; c++) t[size_t(c)] = DIGIT;
     t['+'] = t['-'] = SIGN;
     t['.'] = PERIOD;
@@ -63,6 +65,17 @@ const char* skipquoted(const char* p, const char* end) {
         p++;
     }
     return end;
+}
+
+// Passes the letters at p. True for a word that other programs write in place of a number.
+bool skipword(const char*& p) {
+    const char* const from = p;
+    while (classof(*p) == LETTER) p++;
+    const std::string_view word(from, size_t(p - from));
+    if (word.size() > 3) return false;
+    for (const char* missing : {"NA", "NaN", "NAN", "nan", "Inf", "INF", "inf"})
+        if (word == missing) return true;
+    return false;
 }
 
 const char* skipline(const char* p, const char* end) {
@@ -124,6 +137,7 @@ numberresult readnumber(numbertext& in, double& out) {
         in.mark = p;
         switch (classof(*p)) {
         case SKIP: p++; continue;
+        case LETTER: in.marks |= skipword(p); continue;
         case QUOTE: p = skipquoted(p, in.end); continue;
         case COMMENT: p = skipline(p, in.end); continue;
         case SIGN:

@@ -20,6 +20,7 @@ struct numbertext {
     const char* end;
     const double* tens; // powers of ten, tens[0] is 1
     const char* mark;   // start of what was scanned last
+    bool marks = false; // a word was skipped that stands for a missing number: NA, NaN, Inf
 };
 
 numbertext numbertextstart(const char* text, size_t length); // text[length] must be zero

@@ -89,6 +89,25 @@ TEST_F(DataFiles, readRefuses) {
     }
 }
 
+// A word for a missing number would shift what follows unseen.
+TEST_F(DataFiles, missingNumbersAreTold) {
+    const struct {
+        const char* text;
+        bool told;
+    } rows[] = {{"1 NA 3", true},   {"1 -Inf 3", true},   {"1,nan,3", true},
+                {"1 NaN", true},    {"BANANA 1", false},  {"Na 1 nan1", true},
+                {"/ NA\n1", false}, {"\"NaN\" 1", false}, {"infinity 1", false}};
+    for (const auto& row : rows) {
+        file("f.dat", row.text);
+        EXPECT_EQ(
+            run("X = READ(\"f.dat\")"),
+            row.told
+                ? "Warning: READ: NA, NaN or Inf was skipped; READCSV keeps the places of missing numbers\n"
+                : "")
+            << row.text;
+    }
+}
+
 TEST_F(DataFiles, readTakesUpToTheLimitOfAMatrix) {
     file("two.dat", "1 2");
     EXPECT_EQ(run("X = READ(\"two.dat\",1000000000,2)\n"), "") << "room is made for what is there";

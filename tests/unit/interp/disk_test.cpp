@@ -4,6 +4,7 @@
 #include "interp/diskuse.h"
 #include "unit/interp/filesession.h"
 
+#include <algorithm>
 #include <bit>
 #include <csignal>
 #include <sys/resource.h>
@@ -131,6 +132,11 @@ TEST_F(Disk, everythingButTheSystemsOwn) {
     run("SAVE IN F\nSAVEALL IN G");
     EXPECT_EQ(contents("F.SAV").find("MAXITER"), std::string::npos);
     EXPECT_NE(contents("G.SAV").find("MAXITER"), std::string::npos);
+    run("RED = 2\nBLUE = 4");
+    diskpredefined();
+    run("RED = 3\nSAVEOVER IN F");
+    EXPECT_EQ(contents("F.SAV").find("BLUE"), std::string::npos) << "defined by the start and unchanged";
+    EXPECT_NE(contents("F.SAV").find("RED"), std::string::npos);
     run("MAXITER = 60\nUSEOVER G");
     EXPECT_EQ(numbers("MAXITER"), list{50}) << "a system variable is replaced in its place";
 }
@@ -163,6 +169,14 @@ TEST_F(Disk, functionsComeInUnderNewNames) {
     EXPECT_EQ(numbers("A"), list{3});
 }
 
+// A differential equation follows the state that it belongs to.
+TEST_F(Disk, equationsComeInUnderNewNames) {
+    run("FUNCTION Y'T(T) = -0.1*Y+YY\nINITIAL Y(0) = 5\nSAVE Y,Y'T IN F\n");
+    EXPECT_EQ(run("USE F"), "Using: .YA.T,YA\n");
+    EXPECT_EQ(run("TYPE YA'T"), "FUNCTION YA'T(T) = -.1*YA+YY\n");
+    EXPECT_EQ(run("TYPE Y'T"), "FUNCTION Y'T(T) = -.1*Y+YY\n");
+}
+
 TEST_F(Disk, wordsOfTheLanguageAreNotReplaced) {
     file("F.SAV", record(4, "SIN", doublebytes(1)) + record(4, "TYPE", doublebytes(2)) +
                       record(4, "PI", doublebytes(3)));
@@ -178,7 +192,8 @@ TEST_F(Disk, wordsOfTheLanguageAreNotReplaced) {
 
 TEST_F(Disk, listOfNamesIsWrapped) {
     std::string bytes;
-    for (int k = 10; k < 60; k++) bytes += record(4, "NAME" + std::to_string(k), doublebytes(k));
+    for (int k = 10; k < 60; k++) // names of different lengths, so that lines end anywhere
+        bytes += record(4, "NAME" + std::to_string(k) + std::string(size_t(k * k % 5), 'X'), doublebytes(k));
     file("F.SAV", bytes);
     const std::string out = run("USE F");
     size_t longest = 0;
@@ -186,7 +201,8 @@ TEST_F(Disk, listOfNamesIsWrapped) {
         longest = std::max(longest, out.find('\n', at) - at);
     EXPECT_LE(longest, 78u);
     EXPECT_GT(longest, 70u);
-    EXPECT_EQ(out.substr(0, 21), "Using: NAME10,NAME11,");
+    EXPECT_EQ(out.substr(0, 21), "Using: NAME10,NAME11X");
+    EXPECT_EQ(std::count(out.begin(), out.end(), ','), 49);
 }
 
 TEST_F(Disk, tooLongADefinition) {
