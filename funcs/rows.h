@@ -4,8 +4,9 @@
  * Never:   is needed by another room: each has a start of its own. */
 #pragma once
 
-void elementaryrows();  // elementary.cpp: exponential, circular, hyperbolic functions, rounding, extremes
-void matrixbasicrows(); // matrixbasic.cpp: numbers from a matrix, reshaping
-void callrows();        // onop.cpp: POINTS and APPLY
-void specialrows();     // specialrows.cpp: the functions of special/
-void ranrows();         // ran.cpp: the uniform generator
+void elementaryrows();    // elementary.cpp: exponential, circular, hyperbolic functions, rounding, extremes
+void matrixbasicrows();   // matrixbasic.cpp: numbers from a matrix, reshaping
+void callrows();          // onop.cpp: POINTS and APPLY
+void specialrows();       // specialrows.cpp: the functions of special/
+void specialmatrixrows(); // specialmatrix.cpp: those that take or give matrices
+void ranrows();           // ran.cpp: the uniform generator

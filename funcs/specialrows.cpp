@@ -4,10 +4,13 @@
 #include "special/airy.h"
 #include "special/bessel.h"
 #include "special/beta.h"
+#include "special/combin.h"
 #include "special/errorfn.h"
 #include "special/expint.h"
 #include "special/gamma.h"
 #include "special/incgamma.h"
+#include "special/physint.h"
+#include "special/primes.h"
 #include "special/zeta.h"
 
 namespace {
@@ -31,6 +34,12 @@ constexpr scalarrow besselrows[] = {
     {-272, spbi},   {-273, spbk},   {-229, bairy},  {-254, ibessi0}, {-280, ibessjoxi},
 };
 
+constexpr scalarrow combinrows[] = {
+    {-122, fact},  {-63, bincoef}, {-101, stirl1}, {-102, stirl2}, {-284, catnum}, {-73, bernum},
+    {-84, eulnum}, {-120, partu},  {-121, partd},  {-124, harnum}, {-209, nprime},
+};
+constexpr scalarrow integralrows[] = {{-253, sievert}, {-258, abram}};
+
 template <int count> void add(const scalarrow (&rows)[count]) { builtinadd(rows, count); }
 
 } // namespace
@@ -40,4 +49,6 @@ void specialrows() {
     add(errorrows);
     add(zetarows);
     add(besselrows);
+    add(combinrows);
+    add(integralrows);
 }

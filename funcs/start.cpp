@@ -8,6 +8,7 @@ void funcsstart() {
     pendingreset();
     elementaryrows();
     specialrows();
+    specialmatrixrows();
     matrixbasicrows();
     callrows();
     ranrows();

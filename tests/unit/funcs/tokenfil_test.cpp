@@ -49,6 +49,7 @@ struct vocabularytest : funcstest {
         funcstest::SetUp();
         elementaryrows();
         specialrows();
+        specialmatrixrows();
         matrixbasicrows();
         ranrows();
         stringopsstart();
