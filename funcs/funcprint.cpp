@@ -3,6 +3,7 @@
 #include "funcs/define.h"
 #include "funcs/trinode.h"
 #include "funcs/value.h"
+#include "interp/base/machine.h"
 #include "interp/base/numtext.h"
 #include "interp/base/report.h"
 #include "values/harray.h"
@@ -47,11 +48,11 @@ struct textsink {
     bool full() const { return text.size() > limit; }
 };
 
-// The number that a text of whole digits m and the exponent n is read as.
-double scanned(double m, int n) {
-    if (m == 0 || n == 0) return m;
-    if (n >= -322) return powi(10, n) * m;
-    return m / powi(10, -323 - n) * powi(10, -323);
+// The number that whole digits and a power of ten are read as.
+double scanned(const char* digits, int n) {
+    double m = 0;
+    for (; *digits; digits++) m = 10 * m + (*digits - '0');
+    return n == 0 ? m : powi(10, n) * m;
 }
 
 std::string placepoint(std::string digits, int n) {
@@ -62,32 +63,26 @@ std::string placepoint(std::string digits, int n) {
     return digits.insert(size_t(length + n), ".");
 }
 
-/* A decimal text from which the scanner makes x again. It reads up to 2^53 as an exact whole number and
- * multiplies by a power of ten, with a rounding: so the shortest whole numbers near the quotient are tried,
- * for each power. */
+/* A decimal text from which the scanner makes x again. It gathers digits in a double and multiplies by a
+ * power of ten, both with roundings, so the whole numbers around the quotient are tried, for each power in
+ * turn. Below 1e-291 the powers are too coarse, and the text is the nearest. */
 std::string exacttext(double x) {
     const double a = std::fabs(x);
     const std::string sign = std::signbit(x) ? "-" : "";
-    if (a == std::floor(a) && a < 1e15) {
-        char buf[24];
-        snprintf(buf, sizeof buf, "%.0f", a);
-        return sign + buf;
-    }
-    const int top = int(std::floor(std::log10(a)));
-    for (int digits = 1; digits <= 16; digits++) {
-        const int n = top - digits + 1;
-        const double scale = n >= -322 ? powi(10, n) : 0;
-        const double guess =
-            scale > 0 ? std::round(a / scale) : std::round(a / powi(10, -300) / powi(10, n + 300));
-        for (double step : {0.0, 1.0, -1.0, 2.0, -2.0, 3.0, -3.0}) {
-            const double m = guess + step;
-            if (m < 1 || m > 0x1p53 || scanned(m, n) != a) continue;
-            char buf[24];
+    char buf[64];
+    const int top = a > 0 ? int(std::floor(std::log10(a))) : 0;
+    for (int digits = 1; digits <= 40 && top - digits >= -322; digits++) {
+        const int n = std::min(top - digits + 1, a == std::floor(a) && a < 0x1p53 ? 0 : 400);
+        const double guess = std::round(n == 0 ? a : a / powi(10, n));
+        for (int step = 0; step < 16; step++) {
+            double m = guess;
+            for (int k = 0; k < (step + 1) / 2; k++) m = std::max(m + 1, std::nextafter(m, MAXPOS));
+            if (step % 2) m = 2 * guess - m;
+            if (m < 0 || m > 1e40) continue;
             snprintf(buf, sizeof buf, "%.0f", m);
-            return sign + placepoint(buf, n);
+            if (scanned(buf, n) == a) return sign + placepoint(buf, n);
         }
     }
-    char buf[40];
     snprintf(buf, sizeof buf, "%.17g", a);
     for (char& c : buf)
         if (c == 'e') c = 'E';

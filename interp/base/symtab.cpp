@@ -50,16 +50,19 @@ void makeunknown(symbol& s) {
     s.val.rval = UNDEFINEDMARK;
 }
 
-// Derivatives of a deleted function are worth nothing without it. Derivatives with respect to its name stay.
+// Derivatives of a deleted function are worth nothing without it: the names in which only dots stand before
+// its own. Derivatives with respect to it stay.
 void clearderivatives(const char* name) {
     const size_t length = strlen(name);
     for (int i = 1; i < SYMTABSIZE; i++) {
         symbol& s = symtab.at[i];
-        if (s.type != USERFUNCTION || s.name[0] != '.') continue;
-        const char* base = s.name + strspn(s.name, ".");
-        if (strncmp(base, name, length) != 0 || base[length] != '.') continue;
-        s.index = 0;
-        makeunknown(s);
+        if (s.type != USERFUNCTION) continue;
+        for (const char* base = s.name; *base == '.'; base++) {
+            if (strncmp(base + 1, name, length) != 0 || base[1 + length] != '.') continue;
+            s.index = 0;
+            makeunknown(s);
+            break;
+        }
     }
 }
 
