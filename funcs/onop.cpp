@@ -50,7 +50,10 @@ void overrows(int f, const double* x, size_t rows, size_t cols, double* y, size_
         for (size_t i = 0; i < rows; i++) y[i * ystride] = fpcheck(spchecked(row->f1(x[i])));
         return;
     }
-    for (size_t i = 0; i < rows; i++) y[i * ystride] = callvalue(f, x + i * cols, int(cols));
+    const int code = sym(f).type; // the first call checks the arguments of a builtin
+    for (size_t i = 0; i < rows; i++)
+        y[i * ystride] =
+            row && i ? scalarbuiltin(code, x + i * cols, int(cols)) : callvalue(f, x + i * cols, int(cols));
 }
 
 void copypoints(const harray* points, harray* result) {

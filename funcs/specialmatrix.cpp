@@ -2,12 +2,14 @@
 #include "funcs/builtin.h"
 #include "funcs/matrixoperand.h"
 #include "funcs/rows.h"
+#include "funcs/value.h"
 #include "interp/base/operand.h"
 #include "interp/base/report.h"
 #include "special/combin.h"
 #include "special/hbpower.h"
 #include "special/physint.h"
 #include "special/primes.h"
+#include "special/quadrature.h"
 
 #include <algorithm>
 #include <iterator>
@@ -54,6 +56,19 @@ double hbpowerof(const callargs& a) {
     return hbpower(control.view(), treated.view(), d);
 }
 
+// QROMB(F, a, b, eps, steps, points)
+double qrombof(const callargs& a) {
+    int f = a[1];
+    const auto evaluate = [](double x, void* context) {
+        return callvalue(*static_cast<int*>(context), &x, 1);
+    };
+    rombergrule rule;
+    rule.eps = a.scalar(4, rule.eps);
+    rule.steps = int(std::clamp(a.scalar(5, rule.steps), 1.0, 40.0));
+    rule.points = int(std::clamp(a.scalar(6, rule.points), 1.0, 20.0));
+    return qromb(evaluate, &f, a.scalar(2), a.scalar(3), rule);
+}
+
 int factors(const callargs& a) {
     const std::vector<double> found = factorfn(a.scalar(1));
     spchecked(0);
@@ -69,7 +84,7 @@ int primes(const callargs& a) {
     return symtabmatrix(0, 0, std::move(m));
 }
 
-constexpr numberrow numbers[] = {{-425, mulcoefof}, {-440, parityof}, {-436, hbpowerof}};
+constexpr numberrow numbers[] = {{-425, mulcoefof}, {-440, parityof}, {-436, hbpowerof}, {-412, qrombof}};
 constexpr valuerow values[] = {{-752, factors}, {-751, primes}};
 
 } // namespace

@@ -5,12 +5,16 @@
 #include "special/bessel.h"
 #include "special/beta.h"
 #include "special/combin.h"
+#include "special/elliptic.h"
 #include "special/errorfn.h"
 #include "special/expint.h"
 #include "special/gamma.h"
+#include "special/hypergeo.h"
 #include "special/incgamma.h"
+#include "special/orthopoly.h"
 #include "special/physint.h"
 #include "special/primes.h"
+#include "special/struve.h"
 #include "special/zeta.h"
 
 namespace {
@@ -40,6 +44,43 @@ constexpr scalarrow combinrows[] = {
 };
 constexpr scalarrow integralrows[] = {{-253, sievert}, {-258, abram}};
 
+// ELLIPE(m) complete, ELLIPE(phi, m) incomplete; ELLIPPI(n, m) and ELLIPPI(n, phi, m) likewise.
+double ellipeof(double n, double x, double y) { return n < 2 ? ellipe(x) : ellipeinc(x, y); }
+double ellippiof(double n, double x, double y, double z) {
+    return n < 3 ? ellippi(x, y) : ellippiinc(x, y, z);
+}
+
+constexpr scalarrow ellipticrows[] = {
+    {-32, ellipf},
+    {-33, ellipk},
+    {-35, ellipeof, COUNTED},
+    {-38, ellippiof, COUNTED},
+    {-39, jacobisn},
+    {-40, jacobicn},
+    {-41, jacobidn},
+    {-55, jacobiam},
+    {-150, jacobins},
+    {-151, jacobinc},
+    {-152, jacobind},
+    {-153, jacobisc},
+    {-154, jacobisd},
+    {-155, jacobics},
+    {-156, jacobicd},
+    {-157, jacobids},
+    {-158, jacobidc},
+    {-159, jacobielf},
+    {-161, theta},
+    {-230, jzeta},
+};
+constexpr scalarrow polynomialrows[] = {
+    {-31, leg},      {-30, aleg},      {-138, jacobi1},   {-139, jacobi2}, {-140, gegenp},   {-141, cheb1},
+    {-142, cheb2},   {-143, laguerre}, {-144, alaguerre}, {-145, hermite}, {-146, hermite2}, {-147, charlier},
+    {-148, bernpol}, {-281, plem},     {-282, plemder},   {-283, peqder},
+};
+constexpr scalarrow hypergeometricrows[] = {
+    {-243, hgeof}, {-244, ghgeof}, {-246, chu}, {-309, chm}, {-241, struved}, {-242, struveld},
+};
+
 template <int count> void add(const scalarrow (&rows)[count]) { builtinadd(rows, count); }
 
 } // namespace
@@ -49,6 +90,9 @@ void specialrows() {
     add(errorrows);
     add(zetarows);
     add(besselrows);
+    add(ellipticrows);
+    add(polynomialrows);
+    add(hypergeometricrows);
     add(combinrows);
     add(integralrows);
 }
