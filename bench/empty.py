@@ -1,2 +1,0 @@
-import numpy
-import scipy
