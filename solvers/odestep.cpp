@@ -39,7 +39,7 @@ verdict reduce(odestepper& s);
 verdict choosestep(odestepper& s);
 
 verdict start(odestepper& s) {
-    s.hsum = s.href = 0;
+    s.hsum = s.href = s.stiffness = 0;
     s.stepssincejac = 0;
     s.coefcount = s.hcount = s.failcount = s.stifftries = 0;
     s.hspan = 12;
@@ -188,6 +188,18 @@ void correctortest(odestepper& s) {
         keepworst(std::fabs(s.y[i] - s.cnew * s.dy[i] - s.ybase[i]) / s.tol[i], i, s.correrr, s.correqn);
 }
 
+/* How fast the right-hand side answers, from the two points where it is known at this step. The Adams mode is
+ * held back by stability only where |h| times this comes near 1; below, its steps are as long as accuracy
+ * allows. */
+double lipschitz(const odestepper& s) {
+    double answer = 0, move = 0;
+    for (int i = 0; i < s.n; i++) {
+        answer = std::max(answer, std::fabs(s.dy[i] - s.dnew[i]) / s.tol[i]);
+        move = std::max(move, std::fabs(s.y[i] - s.ypred[i]) / s.tol[i]);
+    }
+    return move > 0 ? answer / move : 0;
+}
+
 verdict correct(odestepper& s) {
     if (!s.stiff) {
         for (int i = 0; i < s.n; i++) s.y[i] = s.ybase[i] + s.cnew * s.dy[i];
@@ -204,6 +216,7 @@ verdict correct(odestepper& s) {
 }
 
 verdict accept(odestepper& s) {
+    if (!s.stiff) s.stiffness += std::fabs(s.h) * lipschitz(s);
     s.newjac = false;
     s.failcount = 0;
     s.stepssincejac++;
@@ -239,13 +252,19 @@ void switchmode(odestepper& s) {
     s.needjac = s.stiff;
 }
 
+constexpr double STABILITYBOUND =
+    0.5; // of |h| times the Lipschitz constant; above it stability may hold the steps
+
 /* The mean step over a stretch tells whether the mode serves: small steps that do not grow ask for the other
- * one. */
+ * one. The stiff mode is not tried where stability cannot be what holds the steps: it would only lose
+ * accuracy. */
 void choosemode(odestepper& s) {
     s.hsum += std::fabs(s.h);
     if (++s.hcount < s.hspan) return;
     s.hcount = 0;
     s.hsum /= s.hspan;
+    const bool mayhelp = s.stiff || s.stiffness >= STABILITYBOUND * s.hspan;
+    s.stiffness = 0;
     s.hspan += 2;
     if (s.href == 0) s.href = s.hsum;
     if (s.stiff && s.hsum > s.hswitch) {
@@ -257,8 +276,7 @@ void choosemode(odestepper& s) {
         }
     }
     const bool steady = s.hsum >= s.href && (s.stiff || s.hspan < 15 || s.hsum >= 9 * s.href);
-    if (s.hsum >= s.hswitch || steady)
-        s.href = (s.hsum + s.href) / 2;
+    if (s.hsum >= s.hswitch || steady || !mayhelp) s.href = (s.hsum + s.href) / 2;
     else
         switchmode(s);
 }

@@ -71,6 +71,7 @@ struct odestepper {
     // automatic choice of the mode
     double hsum = 0, href = 0;
     int hcount = 0, hspan = 12, stifftries = 0;
+    double stiffness = 0; // sum over a stretch of |h| times the Lipschitz constant met in the Adams mode
 
     int resume = 0;
 };
