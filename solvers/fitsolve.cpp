@@ -306,7 +306,7 @@ fitresult fitsolve(const fitmodel& model, const fitswitches& switches, const sol
     fitresult result;
     result.started = r.bestsosq < MAXPOS;
     while (iteration(r) != STOP) {}
-    takeresult(r, result);
     fitstatistics(r, result);
+    takeresult(r, result);
     return result;
 }
