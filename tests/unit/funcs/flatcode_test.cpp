@@ -105,4 +105,129 @@ TEST_F(FlatTest, RandomBodiesAgreeWithTheWalk) {
     }
 }
 
+// Several functions as one program, names bound to inputs, against value() with the names set.
+TEST_F(FlatTest, ProgramsAgreeWithTheWalk) {
+    const int a = set("A", 1), b = set("B", 2);
+    set("C", 0.5);
+    int fast = 0;
+    for (int round = 0; round < 400; round++) {
+        std::vector<int> functions;
+        for (int f = 0; f < 3; f++) {
+            std::string body = writer.body(4, "X");
+            for (size_t k = 0; k < body.size(); k++)
+                if (body[k] == 'Z' && writer.pick(2)) body[k] = 'B';
+            const std::string name = "P" + std::to_string(f);
+            define(name + "(X,Y) = " + body);
+            functions.push_back(symtablookup(name.c_str()));
+            writer.functions = f + 1;
+        }
+        const size_t n = 70;
+        const std::vector<double> x = points(2 * n), p = points(2);
+        const flatptr program = flatcompile({functions, 2, {a, b}});
+        fast += flatisfast(*program);
+        const auto onepoint = [&](std::vector<double>& results) {
+            for (size_t i = 0; i < 4; i++) {
+                const double in[] = {x[2 * i], x[2 * i + 1], p[0], p[1]};
+                double out[3];
+                flatrun(*program, in, out);
+                results.insert(results.end(), out, out + 3);
+            }
+        };
+        ASSERT_EQ(observe(true, onepoint), observe(false, onepoint)) << "round " << round;
+        const auto block = [&](std::vector<double>& results) {
+            results.resize(3 * n);
+            const double* in[] = {&x[0], &x[1], &p[0], &p[1]};
+            const size_t instride[] = {2, 2, 0, 0}, outstride[] = {1, 1, 1};
+            double* out[] = {&results[0], &results[n], &results[2 * n]};
+            flatrunblock(*program, n, in, instride, out, outstride);
+        };
+        ASSERT_EQ(observe(true, block), observe(false, block)) << "round " << round;
+        for (int f : functions) symtabdelete(f);
+        trireclaim();
+        writer.functions = 0;
+    }
+    EXPECT_GT(fast, 300);
+}
+
+// Code is made of definitions, types and values at one time; when they change it must follow.
+TEST_F(FlatTest, CodeFollowsItsWorld) {
+    const auto twice = [&](const char* f, double x) {
+        call(f, {x});
+        return call(f, {x});
+    };
+    define("G(X) = X+1");
+    define("F(X) = G(X)*A + M(1,1)");
+    set("A", 2);
+    const int m = symtablookup("M");
+    EXPECT_EQ(twice("F", 3), 9);
+    set("A", 10);
+    EXPECT_EQ(call("F", {3}), 41) << "a global's value";
+    define("G(X) = X+2");
+    EXPECT_EQ(twice("F", 3), 51) << "a callee's definition";
+    cells(static_cast<harray*>(sym(m).val.ptr))[1] = 100;
+    EXPECT_EQ(call("F", {3}), 150) << "a matrix's cell";
+    harrayfree(static_cast<harray*>(sym(m).val.ptr));
+    matrix("M", 1, 1, {7});
+    EXPECT_EQ(call("F", {3}), 57) << "another matrix";
+    symtabdelete(symtablookup("A"));
+    EXPECT_EQ(failure("F", {3}), "##Error: A is not a matrix, function, initial, constant or scalar\n");
+    define("A(X) = X"); // its last value
+    EXPECT_EQ(failure("F", {3}), "##Error: scalar A has not yet been defined\n");
+    call("A", {1});
+    EXPECT_EQ(twice("F", 3), 12);
+    symtabdelete(symtablookup("G"));
+    EXPECT_EQ(failure("F", {3}), "##Error: G is not a function\n");
+    trireclaim();
+    define("G(X) = X*X");
+    EXPECT_EQ(twice("F", 3), 16) << "new nodes may have old numbers";
+    define("G(X,Y) = X*Y");
+    EXPECT_EQ(failure("F", {3}), "##Error: Bad user-defined function call\n");
+    define("G(X) = Q + X");
+    EXPECT_EQ(failure("F", {3}), "##Error: Q is not a matrix, function, initial, constant or scalar\n");
+    set("Q", 1);
+    for (int k = 0; k < 100; k++) ASSERT_EQ(call("F", {3}), 11) << "refused code is tried again";
+    define("FACT(N) = IF N<=1 THEN 1 ELSE N*FACT(N-1)");
+    EXPECT_EQ(twice("FACT", 10), 3628800);
+    define("FACT(N) = IF N<=1 THEN 2 ELSE N*FACT(N-1)");
+    EXPECT_EQ(twice("FACT", 10), 7257600) << "a recursion's own definition";
+}
+
+TEST_F(FlatTest, ProgramsNoticeChanges) {
+    const int a = set("A", 1);
+    define("F(X) = A*X");
+    define("G(X) = F(X)+K");
+    const flatptr program = flatcompile({{symtablookup("F"), symtablookup("G")}, 1, {a}});
+    EXPECT_FALSE(flatisfast(*program)) << "K has no value yet";
+    set("K", 5);
+    double out[2];
+    const double in[] = {3, 2};
+    flatrun(*program, in, out);
+    EXPECT_EQ(out[1], 11);
+    define("F(X) = A+X");
+    flatrun(*program, in, out);
+    EXPECT_EQ(out[0], 5);
+    EXPECT_EQ(out[1], 10);
+    flatrun(*program, in, out);
+    EXPECT_TRUE(flatisfast(*program));
+    EXPECT_EQ(sym(symtablookup("G")).val.rval, 10) << "the last value";
+}
+
+// A function's value read by name inside what sets it, effects, and the like go by the walk with the same
+// results.
+TEST_F(FlatTest, WhatIsNotCompiledIsWalked) {
+    set("B", 0);
+    const struct {
+        const char* body;
+        double first, second; // two calls with 2
+    } rows[] = {{"X + (B _ B+1)", 3, 4}, {"IF X>1 THEN F(X-1) ELSE P0", 42, 42}, {"TYPEOUT(X)", 2, 2}};
+    builtin("TYPEOUT", -100, {4});
+    define("P0(X,Y) = 1");
+    for (const auto& row : rows) {
+        sym(symtablookup("P0")).val.rval = 42;
+        define(std::string("F(X) = ") + row.body);
+        EXPECT_EQ(call("F", {2}), row.first) << row.body;
+        EXPECT_EQ(call("F", {2}), row.second) << row.body;
+    }
+}
+
 } // namespace
