@@ -123,7 +123,7 @@ void newrow(setreader& r) {
 // 1 < X < 3: the row just read is turned round, and its last name goes on in a row of its own.
 void chain(setreader& r, int j) {
     r.coef[r.row][j] = -r.coef[r.row][j];
-    r.rhs[r.row] = -r.rhs[r.row];
+    r.rhs[r.row] = 0 - r.rhs[r.row];
     if (r.rels[r.row] == CONLESS)
         r.rels[r.row] = CONGREATER;
     else if (r.rels[r.row] == CONGREATER)

@@ -1,0 +1,232 @@
+// CONSTRAINTS, FIT, MINIMIZE, NMSIMPLEX and LINPROG as statements: forms, refusals, what they leave behind.
+#include "interp/base/parser.h"
+#include "unit/interp/livesession.h"
+
+#include <cmath>
+
+namespace {
+
+class SolverStatements : public LiveSession {
+protected:
+    void SetUp() override {
+        LiveSession::SetUp();
+        start();
+    }
+    struct row {
+        const char *what, *statements, *output;
+    };
+    // Each row in a session without the last one's names; the next statement always runs.
+    template <size_t n> void compare(const row (&rows)[n], const std::string& first = "") {
+        for (const row& r : rows) {
+            run("DELETEALL\nNAMESW = 1; LSQRPT = 0; REPTSW = 0; MAXITER = 1000; WARNSW = 1\n" + first);
+            EXPECT_EQ(run(r.statements), r.output) << r.what;
+            EXPECT_EQ(run("TYPE 1+1"), "    = 2\n") << r.what;
+        }
+    }
+};
+
+TEST_F(SolverStatements, ConstraintSets) {
+    const row rows[] = {
+        {"two rows", "CONSTRAINTS C = { A + B < 1, 2 * A > B }; TYPE C",
+         "constraints C =\n     { A+B < 1,\n       2*A-B > 0 }\n"},
+        {"a chain", "CONSTRAINTS C = { 0 < X < 1 }; TYPE C",
+         "constraints C =\n     { X > 0,\n       X < 1 }\n"},
+        {"the last number counts", "CONSTRAINTS C = { 2*3*X < 1 }; TYPE C",
+         "constraints C =\n     { 3*X < 1 }\n"},
+        {"a name twice", "CONSTRAINTS C = { X + X < 1 }; TYPE C", "constraints C =\n     { X < 1 }\n"},
+        {"division", "CONSTRAINTS C = { X/2/4 - Y = -3 }; TYPE C",
+         "constraints C =\n     { 0.125*X-Y = -3 }\n"},
+        {"both sides", "CONSTRAINTS C = { 1 + X >= 2*Y + 3 }; TYPE C",
+         "constraints C =\n     { X-2*Y > 2 }\n"},
+        {"over lines", "CONSTRAINTS C = { X < 1, \\\n  Y < 2 }; TYPE C",
+         "constraints C =\n     { X < 1,\n       Y < 2 }\n"},
+        {"a line end inside", "CONSTRAINTS C = { X < 1,\n Y < 2 }",
+         "##Error: invalid character in CONSTRAINT statement\n"},
+        {"division by a name", "CONSTRAINTS C = { 1/X < 2 }",
+         "##Error: only linear constraints are permitted\n"},
+        {"a product", "CONSTRAINTS C = { X*Y < 1 }", "##Error: only linear constraints are permitted\n"},
+        {"no brace", "CONSTRAINTS C = X < 1",
+         "##Error: CONSTRAINTS: failure to use { to begin constraint list\n"},
+        {"a power", "CONSTRAINTS C = { X^2 < 1 }", "##Error: invalid character in CONSTRAINT statement\n"},
+        {"no relation", "CONSTRAINTS C = { X }", "##Error: bad relational operator in constraint\n"},
+        {"a matrix stays", "M = 1:3; CONSTRAINTS M = { X < 1 }",
+         "##Error: CONSTRAINTS: cannot assign to existing name M\n"},
+        {"no set", "FUNCTION F(X) = A*X; A = 1; D = 1 &' 2; FIT A, F TO D CONSTRAINTS A",
+         "##Error: name: A in CONSTRAINTS is not a CONSET\n"},
+        {"no scalar",
+         "FUNCTION F(X) = A*X; A = 1; D = 1 &' 2; CONSTRAINTS C = { A + ZZ < 1 }; FIT A, F TO D CONSTRAINTS "
+         "C",
+         "##Error: Non-Scalar parameter in constraints.\n"},
+    };
+    compare(rows);
+    std::string many = "CONSTRAINTS C = { ";
+    for (int k = 0; k < 45; k++) many += (k ? ", V" : "V") + std::to_string(k) + " < 1";
+    EXPECT_EQ(run(many + " }"), "##Error: CONSTRAINTS: more than 40 rows in a set\n");
+    run("CONSTRAINTS C = { A + B < 1, 2 * A > B }; SAVEOVER C IN \"set\"; DELETE C; USE \"set\"");
+    EXPECT_EQ(run("TYPE C"), "constraints C =\n     { A+B < 1,\n       2*A-B > 0 }\n");
+}
+
+constexpr char line[] = "FUNCTION F(X) = A + B*X; A = 0; B = 0; D = (0&1&2&3) &' (1&3&5&7)\n";
+
+TEST_F(SolverStatements, FitForms) {
+    const row rows[] = {
+        {"scalars", "FIT (A,B), F TO D; TYPE A; TYPE B", "  A = 1\n  B = 2\n"},
+        {"a list without brackets", "FIT A, B, F TO D; TYPE B", "  B = 2\n"},
+        {"two pairs", "FUNCTION G(X) = B*X; E = (1&2) &' (2&4); FIT (A,B), F TO D, G TO E; TYPE B",
+         "  B = 2\n"},
+        {"weights",
+         "W = 1&1&1&0; D(4,2) = 99; FIT (A,B), F TO D WITH WEIGHT W; R = ABS(A-1) < 1E-9 AND ABS(B-2) < "
+         "1E-9; TYPE R",
+         "  R = 1\n"},
+        {"a weight function",
+         "FUNCTION W(M,I) = I < 4; D(4,2) = 99; FIT (A,B), F TO D WITH WEIGHT W; R = ABS(B-2) < 1E-9; TYPE R",
+         "  R = 1\n"},
+        {"a matrix of parameters",
+         "P = 0&0; FUNCTION G(X) = P(1)+P(2)*X; FIT P, G TO D; R = ABS(P(1)-1) < 1E-8 AND ABS(P(2)-2) < "
+         "1E-8; TYPE R",
+         "  R = 1\n"},
+        {"constraints", "CONSTRAINTS C = { B < 1.5 }; FIT (A,B), F TO D CONSTRAINTS C; TYPE B",
+         "Warning: FIT: parameter B stands on a constraint, its error does not hold\n  B = 1.5\n"},
+        {"a constraint matrix", "CM = 0&'1&'-1&'1.5; FIT (A,B), F TO D CONSTRAINTS CM; TYPE B",
+         "Warning: FIT: parameter B stands on a constraint, its error does not hold\n  B = 1.5\n"},
+        {"results",
+         "FIT (A,B), F TO D; R = "
+         "NROWS(COVP)+10*NROWS(STDEST)+100*NROWS(DEPVALS)+1000*(SOSQ<1E-20)+10000*RSQUARED; TYPE R",
+         "  R = 11222\n"},
+        {"residuals",
+         "RESIDSW = 1; D(1,2) = 2; FIT (A,B), F TO D; R = ABS(RESID(1)+RESID(2)+RESID(3)+RESID(4)) < 1E-9 "
+         "AND RESID(1) > 0; TYPE R; RESIDSW = 0",
+         "  R = 1\n"},
+        {"no iteration", "MAXITER = 0; FIT (A,B), F TO D; TYPE A",
+         "Warning: FIT: MAXITER is 0, the parameters were not changed\n  A = 0\n"},
+        {"no effect", "Z = 5; FIT (A,B,Z), F TO D; R = STDEST(3) > 1E300; TYPE R; TYPE Z",
+         "Warning: FIT: parameter Z has no effect on the model\n  R = 1\n  Z = 5\n"},
+        {"nothing to fit", "FIT", "##Error: fit dialog not working yet\n"},
+        {"no data", "FIT (A,B)", "##Error: FIT: no data to fit to: FIT (A,B), F TO M\n"},
+        {"data", "FIT (A,B), F TO A", "##Error: FIT: fit data must be a matrix\n"},
+        {"function", "FIT (A,B), A TO D",
+         "##Error: FIT: FIT (A,B), F TO M, F must be a function or differential equation\n"},
+        {"columns", "FIT (A,B), F TO (1:3)",
+         "##Error: #function args = 1 must be (#matrix cols = 1)-1 in FIT\n"},
+        {"weight size", "W = 1:3; FIT (A,B), F TO D WITH WEIGHT W", "##Error: FIT: bad weight matrix size\n"},
+        {"weight shape", "FIT (A,B), F TO D WITH WEIGHT D",
+         "##Error: Incorrect row/col shape of an argument of WEIGHT clause\n\n"},
+        {"weight kind", "FIT (A,B), F TO D WITH WEIGHT A", "##Error: WEIGHT: must be matrix or function\n"},
+        {"parameter", "FIT (A,F), F TO D", "##Error: fitop: an expression is of the wrong type\n"},
+        {"the model fails",
+         "FUNCTION F(X) = A + NOSUCH*X; SYMDSW = 0; FIT A, F TO D", // the redefinition is told first
+         "Redefining F \n##Error: NOSUCH is not a matrix, function, initial, constant or scalar\n"},
+    };
+    compare(rows, line);
+}
+
+TEST_F(SolverStatements, FitReport) {
+    run(line);
+    const std::string said = run("LINEARSW = 1; LSQRPT = 8; D(1,2) = 1.5; FIT (A,B), F TO D");
+    for (const char* text :
+         {"final parameter values\n      value               error                dependency    parameter\n",
+          "           1.35        0.1620185175          0.6428571429   A\n", " iterations\nCONVERGED\n",
+          "best weighted sum of squares = 7.500000e-02\n", "weighted root mean square error = 1.936492e-01\n",
+          "weighted deviation fraction = ", "R squared = 9.956364e-01\n"})
+        EXPECT_NE(said.find(text), std::string::npos) << text << "in\n" << said;
+    EXPECT_EQ(run("LSQRPT = 1; MAXITER = 1; FIT (A,B), F TO D").substr(0, 16), "Begin iteration ");
+}
+
+// A model with known rates and noise: found again within its own errors, and the covariance of the linear
+// theory.
+TEST_F(SolverStatements, FitToASolution) {
+    run("FUNCTION M'T(T) = -K*M; INITIAL M(0) = M0; K = 0.3; M0 = 10; S = POINTS(M,0.5:10:0.5); D = S\n"
+        "FOR I = 1:NROWS(D) { D(I,2) = S(I,2) + 0.05*SIN(37*I*I) }\n"
+        "K = 0.1; M0 = 5; LSQRPT = 0; FIT (K,M0), M TO D; E1 = STDEST(1); E2 = STDEST(2)");
+    EXPECT_LT(std::fabs(scalar("K") - 0.3), 4 * scalar("E1"));
+    EXPECT_LT(std::fabs(scalar("M0") - 10), 4 * scalar("E2"));
+    const double k = scalar("K"), m0 = scalar("M0"), e1 = scalar("E1");
+    // the same model in closed form, with symbolic derivatives
+    run("FUNCTION G(T) = M0*EXP(-K*T); K = 0.1; M0 = 5; FIT (K,M0), G TO D; E1 = STDEST(1)");
+    EXPECT_NEAR(scalar("K"), k, 1e-5);
+    EXPECT_NEAR(scalar("M0"), m0, 1e-4);
+    EXPECT_NEAR(scalar("E1"), e1, 1e-3 * e1);
+}
+
+TEST_F(SolverStatements, Minimize) {
+    const row rows[] = {
+        {"two scalars",
+         "X = 0; Y = 0; Q = MINIMIZE(F,X,Y); R = ABS(X-1) < 1E-5 AND ABS(Y-3) < 1E-5 AND Q < 1E-10; TYPE R",
+         "  R = 1\n"},
+        {"the other sense",
+         "FUNCTION G(X) = 3-(X-2)^2; X = 0; Q = MAXIMIZE(G,X); R = ABS(Q-3) < 1E-9 AND ABS(X-2) < 1E-4; TYPE "
+         "R",
+         "  R = 1\n"},
+        {"a matrix",
+         "V = 0&0; FUNCTION G(M) = (M(1)-1)^2+(M(2)-5)^2; Q = MINIMIZE(G,V); R = ABS(V(2)-5) < 1E-4; TYPE R",
+         "  R = 1\n"},
+        {"a variable that is no argument",
+         "P = 0; FUNCTION G(X) = (X-P)^2+(P-2)^2; X = 9; Q = MINIMIZE(G,X,P); R = ABS(P-2) < 1E-4 AND "
+         "ABS(X-2) < 1E-4; TYPE R",
+         "  R = 1\n"},
+        {"constraints",
+         "CONSTRAINTS C = { X + Y < 2, X > 0 }; X = 0; Y = 0; Q = MINIMIZE(F,X,Y,C); R = ABS(X) < 1E-6 AND "
+         "ABS(Y-2) < 1E-6; TYPE R",
+         "  R = 1\n"},
+        {"a constraint matrix",
+         "CM = 1&'1&'-1&'2; X = 0; Y = 0; Q = MINIMIZE(F,X,Y,CM); R = ABS(X+Y-2) < 1E-6; TYPE R",
+         "  R = 1\n"},
+        {"keeping the Hessian",
+         "KEEPHESS = 2; X = 0; Y = 0; Q = MINIMIZE(F,X,Y); R = ABS(HESSIAN(1,1)-10) < 1E-3 AND "
+         "ABS(HESSIAN(1,2)-8) < 1E-3; TYPE R",
+         "A hessian at the current point is computed.\n  R = 1\n"},
+        {"no function", "X = 0; Q = MINIMIZE(X,X)",
+         "##Error: minimize: an expression is of the wrong type\n"},
+        {"no variable", "Q = MINIMIZE(F,\"A\",\"B\")",
+         "##Error: minimize: an expression is of the wrong type\n"},
+        {"the function fails", "FUNCTION G(X) = NOSUCH+X; X = 0; SYMDSW = 0; Q = MINIMIZE(G,X)",
+         "##Error: NOSUCH is not a matrix, function, initial, constant or scalar\n"},
+    };
+    compare(rows, "FUNCTION F(X,Y) = (X+2*Y-7)^2+(2*X+Y-5)^2\n");
+    run("REPTSW = 512; FUNCTION F(X,Y) = X^2+Y^2; X = 5; Y = 5; CONSTRAINTS C = { X = 2, Y = 3 }");
+    EXPECT_NE(run("Q = MINIMIZE(F,X,Y,C)")
+                  .find("Converged.\nnumber of constraints is equal to the number of variables\n"
+                        "Solution point is on the boundary of the constraints.\n"),
+              std::string::npos);
+    run("CONSTRAINTS C = { X > 2, X < 1 }");
+    EXPECT_NE(run("Q = MINIMIZE(F,X,Y,C)")
+                  .find("Exit due to lack of a feasible region\nCheck your constraint set\n"),
+              std::string::npos);
+}
+
+TEST_F(SolverStatements, SimplexAndLinearPrograms) {
+    const row rows[] = {
+        {"polytope",
+         "FUNCTION F(X,Y) = (X-3)^2+(Y+1)^2; S = NMSIMPLEX(F); R = ABS(S(2)-3) < 1E-5 AND ABS(S(3)+1) < "
+         "1E-5; TYPE R",
+         nullptr},
+        {"no evaluations left", "MAXITER = 0; FUNCTION F(X) = X^2; S = NMSIMPLEX(F); TYPE S(1)",
+         "Warning: MAXITER exceeded in SIMPLEX\nSIMPLEX: 2 function evaluations\n    = 0\n"},
+        {"a bad start", "FUNCTION F(X,Y) = X+Y; S = NMSIMPLEX(F,1:5)",
+         "##Error: NMSIMPLEX: argument out of range\n"},
+        {"product mix",
+         "S = LINPROG(3&5,(1&'0&'-1&'4)&(0&'2&'-1&'12)&(3&'2&'-1&'18)); R = S(1)+10*S(2)+100*S(3); TYPE R",
+         "  R = 3662\n"},
+        {"by names",
+         "FUNCTION F(X,Y) = 3*X+5*Y; CONSTRAINTS C = { X < 4, 2*Y < Z, 3*X+2*Y < 18 }; Z = 12; S = "
+         "LINPROG(F,C); TYPE S(3)",
+         "    = 36\n"},
+        {"any sign", "S = LINPROG(-1&0,(1&'0&'1&'-5)&(0&'1&'-1&'2),1); TYPE S(1)", "    = -5\n"},
+        {"infeasible", "S = LINPROG(1&1,(1&'1&'-1&'1)&(1&'1&'1&'2))",
+         "##Error: LINPROG: no feasible solution\n\n"},
+        {"unbounded", "S = LINPROG(1&1,1&'-1&'-1&'1)", "##Error: LINPROG: solution unbounded\n\n"},
+        {"shapes", "S = LINPROG(1&1&1,1&'-1&'-1&'1)",
+         "##Error: Incorrect row/col shape of an argument of LINPROG\n\n"},
+    };
+    for (const row& r : rows) {
+        run("DELETEALL\nMAXITER = 2000; TOLSOS = 1E-14");
+        const std::string said = run(r.statements);
+        if (r.output)
+            EXPECT_EQ(said, r.output) << r.what;
+        else
+            EXPECT_NE(said.find("  R = 1\n"), std::string::npos) << r.what << said;
+        EXPECT_EQ(run("TYPE 1+1"), "    = 2\n") << r.what;
+    }
+}
+
+} // namespace
