@@ -59,7 +59,7 @@ void overrows(int f, const double* x, size_t rows, size_t cols, double* y, size_
 void copypoints(const harray* points, harray* result) {
     const double* from = cells(points) + 1;
     for (size_t i = 1; i <= points->rows; i++, from += points->cols)
-        std::copy_n(from, points->cols, &at(result, i, 1));
+        for (size_t j = 0; j < points->cols; j++) (&at(result, i, 1))[j] = from[j];
 }
 
 // Columns firstcol.. of result, a column for each function.
