@@ -101,7 +101,7 @@ void putnumber(textsink& out, double x) {
 
 void putsymbol(textsink& out, int idx) {
     const symbol& s = sym(idx);
-    if (s.type == CONSTANT)
+    if (s.type == CONSTANT && s.name[0] == '#')
         putnumber(out, s.val.rval);
     else if (s.name[0] == ' ')
         out.text += "SYM" + std::to_string(idx);
