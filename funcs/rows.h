@@ -6,6 +6,7 @@
 
 void elementaryrows();    // elementary.cpp: exponential, circular, hyperbolic functions, rounding, extremes
 void matrixbasicrows();   // matrixbasic.cpp: numbers from a matrix, reshaping
+void linearrows();        // linearcalls.cpp: inverse, decompositions, linear equations, norms
 void callrows();          // onop.cpp: POINTS and APPLY
 void specialrows();       // specialrows.cpp: the functions of special/
 void specialmatrixrows(); // specialmatrix.cpp: those that take or give matrices

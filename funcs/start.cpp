@@ -11,6 +11,7 @@ void funcsstart() {
     specialmatrixrows();
     matrixbasicrows();
     callrows();
+    linearrows();
     ranrows();
     stringopsstart();
 }

@@ -191,7 +191,7 @@ bool diagonalise(svdwork& w) {
                     break;
                 }
             }
-            if (l == k) break;
+            if (l == k && !split) break;
             if (count >= MAXSWEEPS) return false;
             if (split) {
                 w.d[l - 1] = 0;

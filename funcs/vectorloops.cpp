@@ -30,3 +30,22 @@ FORPROCESSORS double dotproduct(size_t n, const double* x, const double* y) {
     for (size_t k = 0; i < n; i++, k++) sum[k] += x[i] * y[i];
     return ((sum[0] + sum[4]) + (sum[2] + sum[6])) + ((sum[1] + sum[5]) + (sum[3] + sum[7]));
 }
+
+FORPROCESSORS void reflect3(size_t n, double x, double y, double z, double q, double r, double* __restrict a,
+                            double* __restrict b, double* __restrict c) {
+    for (size_t i = 0; i < n; i++) {
+        const double t = x * a[i] + y * b[i] + z * c[i];
+        a[i] -= t;
+        b[i] -= t * q;
+        c[i] -= t * r;
+    }
+}
+
+FORPROCESSORS void reflect2(size_t n, double x, double y, double q, double* __restrict a,
+                            double* __restrict b) {
+    for (size_t i = 0; i < n; i++) {
+        const double t = x * a[i] + y * b[i];
+        a[i] -= t;
+        b[i] -= t * q;
+    }
+}

@@ -11,3 +11,6 @@ void axpy4(size_t n, const double* a, const double* x, size_t stride, double* y)
 // (x, y) := (c x + s y, c y - s x)
 void rotate(size_t n, double c, double s, double* x, double* y);
 double dotproduct(size_t n, const double* x, const double* y);
+// t = x a + y b + z c; a -= t, b -= q t, c -= r t: a reflection of three rows, and of two
+void reflect3(size_t n, double x, double y, double z, double q, double r, double* a, double* b, double* c);
+void reflect2(size_t n, double x, double y, double q, double* a, double* b);

@@ -1,0 +1,214 @@
+// Factorisations of general matrices: residuals at rounding level over easy, graded, deficient and huge ones.
+#include "funcs/linalg.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cfloat>
+#include <cmath>
+#include <functional>
+#include <random>
+#include <string>
+
+namespace {
+
+using vec = std::vector<double>;
+
+vec randommatrix(size_t m, size_t n, unsigned seed) {
+    std::mt19937_64 g(seed);
+    vec a(m * n);
+    for (double& x : a) x = double(g() >> 11) * 0x1p-53 - 0.5;
+    return a;
+}
+double largest(const vec& a) {
+    double most = 0;
+    for (const double x : a) most = std::max(most, std::fabs(x));
+    return most;
+}
+// The largest element of x'x - I for the columns of x.
+double orthogonality(const vec& x, size_t m, size_t p) {
+    double worst = 0;
+    for (size_t j = 0; j < p; j++)
+        for (size_t k = 0; k < p; k++) {
+            double sum = j == k ? -1 : 0;
+            for (size_t i = 0; i < m; i++) sum += x[i * p + j] * x[i * p + k];
+            worst = std::max(worst, std::fabs(sum));
+        }
+    return worst;
+}
+
+struct matrixcase {
+    std::string name;
+    size_t m, n;
+    vec a;
+};
+
+std::vector<matrixcase> cases() {
+    std::vector<matrixcase> all;
+    for (const auto& [m, n] : {std::pair<size_t, size_t>{1, 1},
+                               {1, 7},
+                               {7, 1},
+                               {2, 2},
+                               {6, 4},
+                               {4, 6},
+                               {40, 40},
+                               {60, 20},
+                               {20, 60},
+                               {120, 120}})
+        all.push_back({"random", m, n, randommatrix(m, n, unsigned(m * 1000 + n))});
+    const auto shaped = [&](const char* name, size_t m, size_t n, double (*f)(double, double)) {
+        vec a(m * n);
+        for (size_t i = 0; i < m; i++)
+            for (size_t j = 0; j < n; j++) a[i * n + j] = f(double(i), double(j));
+        all.push_back({name, m, n, a});
+    };
+    shaped("zero", 4, 3, [](double, double) { return 0.0; });
+    shaped("ones", 9, 9, [](double, double) { return 1.0; });
+    shaped("identity", 8, 8, [](double i, double j) { return double(i == j); });
+    shaped("rank 2", 12, 9, [](double i, double j) { return i + 3 * j; });
+    shaped("Hilbert", 12, 12, [](double i, double j) { return 1 / (i + j + 1); });
+    shaped("graded", 10, 10, [](double i, double j) { return std::pow(10, -3 * (i + j)) * (1 + i * j); });
+    shaped("huge", 5, 5, [](double i, double j) { return 1e300 * std::cos(1 + i * 7 + j * j); });
+    shaped("tiny", 5, 5, [](double i, double j) { return 1e-300 * std::cos(1 + i * 7 + j * j); });
+    shaped("wide range", 6, 6, [](double i, double j) { return i == j ? std::pow(10, 100 * (i - 3)) : 0; });
+    shaped("nilpotent", 10, 10, [](double i, double j) { return double(j == i + 1); });
+    shaped("bidiagonal with zeros", 10, 10,
+           [](double i, double j) { return i == j ? double(int(i) % 3 != 0) : double(j == i + 1); });
+    return all;
+}
+
+TEST(svdcore, rebuildsTheMatrixFromOrthonormalFactors) {
+    for (const matrixcase& c : cases()) {
+        SCOPED_TRACE(c.name + " " + std::to_string(c.m) + " by " + std::to_string(c.n));
+        vec w, u, v;
+        ASSERT_TRUE(svdcore(c.a.data(), c.m, c.n, w, u, v));
+        const size_t p = std::min(c.m, c.n);
+        ASSERT_EQ(w.size(), p);
+        EXPECT_TRUE(std::is_sorted(w.rbegin(), w.rend()));
+        EXPECT_GE(w.back(), 0);
+        EXPECT_LT(orthogonality(u, c.m, p), 1e-13);
+        EXPECT_LT(orthogonality(v, c.n, p), 1e-13);
+        const double size = std::max(largest(c.a), DBL_MIN);
+        for (size_t i = 0; i < c.m; i++)
+            for (size_t j = 0; j < c.n; j++) {
+                double sum = -c.a[i * c.n + j] / size;
+                for (size_t k = 0; k < p; k++) sum += u[i * p + k] * (w[k] / size) * v[j * p + k];
+                ASSERT_NEAR(sum, 0, 2e-15 * double(std::max(c.m, c.n)) + 1e-14) << i << ", " << j;
+            }
+    }
+}
+
+// Values from numpy.linalg.svd and, for the Hilbert matrix, mpmath with 50 digits.
+TEST(svdcore, knownValues) {
+    vec w, u, v;
+    const vec spd = {4, 1, 2, 1, 3, 0, 2, 0, 5};
+    ASSERT_TRUE(svdcore(spd.data(), 3, 3, w, u, v));
+    const double values[] = {6.669079088282288, 3.476023602918134, 1.854897308799577};
+    for (int k = 0; k < 3; k++) EXPECT_NEAR(w[size_t(k)], values[k], 1e-14);
+    vec hilbert(64);
+    for (size_t k = 0; k < 64; k++) hilbert[k] = 1.0 / double(k / 8 + k % 8 + 1);
+    ASSERT_TRUE(svdcore(hilbert.data(), 8, 8, w, u, v));
+    EXPECT_NEAR(w[0], 1.6959389969219498, 1e-14);
+    EXPECT_NEAR(w[7], 1.1115389663724424e-10, 1e-15);
+}
+
+// Product of the eigenvectors with A against lambda times them; each of unit length.
+void checkeigen(const matrixcase& c, double tolerance) {
+    SCOPED_TRACE(c.name + " " + std::to_string(c.n));
+    const size_t n = c.n;
+    vec h = c.a, wr, wi, vr, vi;
+    ASSERT_TRUE(eigencore(h, n, wr, wi, vr, vi));
+    const double size = std::max(largest(c.a), DBL_MIN);
+    double trace = 0, sum = 0;
+    for (size_t i = 0; i < n; i++) {
+        trace += c.a[i * n + i] / size;
+        sum += wr[i] / size;
+        double length = 0;
+        for (size_t k = 0; k < n; k++)
+            length += vr[k * n + i] * vr[k * n + i] + vi[k * n + i] * vi[k * n + i];
+        EXPECT_NEAR(length, 1, 1e-13);
+        for (size_t k = 0; k < n; k++) {
+            double re = -(wr[i] * vr[k * n + i] - wi[i] * vi[k * n + i]) / size;
+            double im = -(wr[i] * vi[k * n + i] + wi[i] * vr[k * n + i]) / size;
+            for (size_t j = 0; j < n; j++) {
+                re += c.a[k * n + j] / size * vr[j * n + i];
+                im += c.a[k * n + j] / size * vi[j * n + i];
+            }
+            ASSERT_NEAR(re, 0, tolerance) << i << ", " << k;
+            ASSERT_NEAR(im, 0, tolerance) << i << ", " << k;
+        }
+    }
+    EXPECT_NEAR(sum, trace, tolerance * double(n));
+}
+
+TEST(eigencore, vectorsSatisfyTheirEquation) {
+    for (const matrixcase& c : cases())
+        if (c.m == c.n) checkeigen(c, 1e-14 * double(c.n) + 1e-14);
+    checkeigen({"random", 200, 200, randommatrix(200, 200, 5)}, 5e-12);
+    vec jordan(64 * 64, 0.0), permutation(50 * 50, 0.0), companion(100, 0.0);
+    for (size_t i = 0; i < 64; i++) {
+        jordan[i * 65] = 2;
+        if (i < 63) jordan[i * 65 + 1] = 1;
+    }
+    checkeigen({"Jordan block", 64, 64, jordan}, 1e-13);
+    for (size_t i = 0; i < 50; i++) permutation[i * 50 + (i + 1) % 50] = 1;
+    checkeigen({"cyclic permutation", 50, 50, permutation}, 1e-13);
+    const double cubes[10] = {0, 0, 0, 0, 0, 0, 0, 0, 0, 1}; // x^10 = 1
+    for (size_t j = 0; j < 10; j++) companion[j] = cubes[j];
+    for (size_t i = 1; i < 10; i++) companion[i * 10 + i - 1] = 1;
+    checkeigen({"companion", 10, 10, companion}, 1e-14);
+    // D^-1 R D for powers of ten: bad scaling that balancing takes out
+    vec bad = randommatrix(6, 6, 3);
+    for (size_t i = 0; i < 6; i++)
+        for (size_t j = 0; j < 6; j++) bad[i * 6 + j] *= std::pow(10, 4 * (double(i) - double(j)));
+    checkeigen({"badly scaled", 6, 6, bad}, 1e-14);
+}
+
+// x^3 - 6x^2 + 11x - 6, a rotation with a factor, and a defective matrix with the threefold eigenvalue 1.
+TEST(eigencore, knownValues) {
+    const struct {
+        size_t n;
+        vec a, re, im;
+        double tolerance;
+    } rows[] = {{3, {6, -11, 6, 1, 0, 0, 0, 1, 0}, {1, 2, 3}, {0, 0, 0}, 1e-13},
+                {3, {0, -1, 0, 1, 0, 0, 0, 0, 2}, {0, 0, 2}, {-1, 1, 0}, 1e-15},
+                {3, {1, 1, 0, 0, 1, 1, 0, 0, 1}, {1, 1, 1}, {0, 0, 0}, 1e-15},
+                {2, {1, -1e-200, 1e200, 1}, {1, 1}, {-1, 1}, 1e-14}};
+    for (const auto& row : rows) {
+        vec h = row.a, wr, wi, vr, vi;
+        ASSERT_TRUE(eigencore(h, row.n, wr, wi, vr, vi));
+        std::vector<std::pair<double, double>> found;
+        for (size_t i = 0; i < row.n; i++) found.push_back({std::round(wr[i] * 1e6), wi[i]});
+        std::sort(found.begin(), found.end());
+        std::sort(wr.begin(), wr.end());
+        for (size_t i = 0; i < row.n; i++) {
+            EXPECT_NEAR(wr[i], row.re[i], row.tolerance);
+            EXPECT_NEAR(found[i].second, row.im[i], row.tolerance);
+        }
+    }
+}
+
+TEST(lufactor, solvesForAllRightSides) {
+    for (const size_t n : {1, 2, 15, 16, 17, 33, 100}) {
+        const vec a = randommatrix(n, n, unsigned(n)), x = randommatrix(n, 3, 9);
+        vec lu = a, b(n * 3, 0.0);
+        for (size_t i = 0; i < n; i++)
+            for (size_t j = 0; j < n; j++)
+                for (size_t k = 0; k < 3; k++) b[i * 3 + k] += a[i * n + j] * x[j * 3 + k];
+        std::vector<size_t> perm;
+        ASSERT_TRUE(lufactor(lu.data(), n, perm));
+        lusubstitute(lu.data(), n, perm, b.data(), 3);
+        for (size_t k = 0; k < n * 3; k++) EXPECT_NEAR(b[k], x[k], 1e-11) << n;
+    }
+    vec lu = {0, 2, 3, 0};
+    std::vector<size_t> perm;
+    ASSERT_TRUE(lufactor(lu.data(), 2, perm));
+    EXPECT_EQ(ludeterminant(lu.data(), 2, perm), -6);
+    vec singular = {1, 2, 2, 4};
+    EXPECT_FALSE(lufactor(singular.data(), 2, perm));
+    vec cycle = {0, 1, 0, 0, 0, 1, 1, 0, 0}; // an even permutation
+    ASSERT_TRUE(lufactor(cycle.data(), 3, perm));
+    EXPECT_EQ(ludeterminant(cycle.data(), 3, perm), 1);
+}
+
+} // namespace
