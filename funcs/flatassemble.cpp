@@ -10,16 +10,10 @@
 namespace {
 
 constexpr size_t MOSTROUTINES = 32, MOSTREGS = 30000, MOSTCODE = 60000;
+constexpr int MOSTBLOCKREGS = 4096; // of code that is run by blocks: 8 MB
 
-// What the virtual registers and labels of a routine are in the end.
-struct placement {
-    std::vector<int> reg, label;
-    int field(char kind, int x) const {
-        return kind == 'r' ? reg[size_t(x)] : kind == 'l' ? label[size_t(x)] : x;
-    }
-};
-
-bool holdsuser(const flatroutine& r, int from, int to) {
+// Has code that is not run on rows: loops, routines, number builtins.
+bool leavesrows(const flatroutine& r, int from, int to) {
     for (int pc = from; pc < to; pc++) {
         const int op = r.code[size_t(pc)].op;
         if (op == FLATUSER || op == FLATLOOP || op == FLATSEGMENT || op == FLATNUMBER) return true;
@@ -31,18 +25,14 @@ bool holdsuser(const flatroutine& r, int from, int to) {
 
 // ---- a routine
 
-void flatcompiler::finish() {
-    for (size_t r = 0; r < regs.size(); r++)
-        if (!regs[r].used) needfinite(int(r)); // computed, then dropped: its fault counts all the same
-    placement to;
-    to.reg.assign(regs.size(), -1);
+// The image, the arguments, the rest; labels become places in the code.
+flatplacement flatcompiler::place() const {
+    flatplacement to{std::vector<int>(regs.size(), -1), std::vector<int>(size_t(labels))};
     int next = 0;
     for (int r : imageregs) to.reg[size_t(r)] = next++;
     for (int r : argregs) to.reg[size_t(r)] = next++;
     for (int& r : to.reg)
         if (r < 0) r = next++;
-    out.nregs = next;
-    to.label.assign(size_t(labels), 0);
     int pc = 0;
     for (const flatproto& p : scopes[0].code) {
         if (p.op == FLATLABEL)
@@ -51,35 +41,53 @@ void flatcompiler::finish() {
             pc++;
     }
     if (regs.size() > MOSTREGS || size_t(pc) > MOSTCODE) throw flatrefused{};
+    return to;
+}
+
+void flatcompiler::writecode(const flatplacement& to) {
     for (const flatproto& p : scopes[0].code) {
         if (p.op == FLATLABEL) continue;
         uint16_t field[3] = {};
-        for (size_t k = 0; p.kinds[k]; k++) field[k] = uint16_t(to.field(p.kinds[k], p.field[k]));
+        for (size_t k = 0; p.kinds[k]; k++) {
+            const size_t x = size_t(p.field[k]);
+            field[k] = uint16_t(p.kinds[k] == 'r' ? to.reg[x] : p.kinds[k] == 'l' ? to.label[x] : p.field[k]);
+        }
         const bool checking = p.op >= FLATADD && p.op <= FLATDIV && regs[size_t(p.field[0])].checked;
         out.code.push_back({uint16_t(p.op + checking), field[0], field[1], field[2]});
     }
     out.code.push_back({FLATEND, 0, 0, 0});
+}
+
+void flatcompiler::finish() {
+    for (size_t r = 0; r < regs.size(); r++)
+        if (!regs[r].used) needfinite(int(r)); // computed, then dropped: its fault counts all the same
+    const flatplacement to = place();
+    out.nregs = int(to.reg.size());
+    writecode(to);
+    const auto setreg = [&](int& r) { r = to.reg[size_t(r)]; };
+    const auto setlabel = [&](int& l) { l = to.label[size_t(l)]; };
+    std::vector<int> kept;
     for (flatloop& l : out.loops) {
-        for (int* r : {&l.dummy, &l.high, &l.accumulator, &l.term}) *r = to.reg[size_t(*r)];
-        for (int* at : {&l.body, &l.next, &l.end}) *at = to.label[size_t(*at)];
-        l.blocks = !holdsuser(out, l.body, l.next);
+        for (int* r : {&l.dummy, &l.high, &l.accumulator, &l.term}) setreg(*r);
+        for (int* at : {&l.body, &l.next, &l.end}) setlabel(*at);
+        kept.push_back(l.term);
+        l.blocks = out.nregs <= MOSTBLOCKREGS && !leavesrows(out, l.body, l.next);
         if (!l.blocks) continue;
         l.vary.assign(size_t(out.nregs), 0);
         l.vary[size_t(l.dummy)] = 1;
         flatvarying(out, l.body, l.next, l.vary);
     }
     for (flatsegment& s : out.segments) {
-        for (int* r : {&s.dummy, &s.high, &s.value}) *r = to.reg[size_t(*r)];
-        for (int* at : {&s.body, &s.end}) *at = to.label[size_t(*at)];
+        for (int* r : {&s.dummy, &s.high, &s.value}) setreg(*r);
+        for (int* at : {&s.body, &s.end}) setlabel(*at);
     }
     for (flatnumbercall& c : out.numbercalls)
         for (int& a : c.arg)
-            if (a >= 0) a = to.reg[size_t(a)];
-    for (int& r : argregs) r = to.reg[size_t(r)];
-    std::vector<int> kept;
-    if (number == 0)
-        for (int& r : unit.unit.outputs) kept.push_back(r = to.reg[size_t(r)]);
-    for (const flatloop& l : out.loops) kept.push_back(l.term);
+            if (a >= 0) setreg(a);
+    if (number == 0) {
+        for (int& r : unit.unit.outputs) setreg(r);
+        kept.insert(kept.end(), unit.unit.outputs.begin(), unit.unit.outputs.end());
+    }
     finduses(kept);
 }
 
@@ -199,7 +207,7 @@ bool flatunitcompiler::callsfunctions(int ref) {
     if (calling.empty()) calling.assign(trinodes.at.size(), 0);
     int8_t& answer = calling[size_t(-ref)];
     if (answer == 0) {
-        stackcheck();
+        if (stacklow()) throw flatrefused{};
         const trinode n = tri(ref);
         const bool here = n.op == TREECALL && (isformalref(n.right) || sym(n.right).type >= 0) &&
                           !(issymbolref(n.right) && sym(n.right).type == MATRIX);
@@ -229,8 +237,9 @@ void flatunitcompiler::compileroutine(int k) {
         c.put(FLATRETURN, "nr", made.function, r);
     } else {
         for (int arg = 0; arg < source.nargs; arg++)
-            formals.push_back(source.matrixargs >> arg & 1 ? flatval{FLATMATRIXVALUE, matrix(-1 - arg)}
-                                                           : number());
+            formals.push_back(arg < MOSTFLATARGS && source.matrixargs >> arg & 1
+                                  ? flatval{FLATMATRIXVALUE, matrix(-1 - arg)}
+                                  : number());
         for (int s : source.symbols) c.inputs[s] = number().ref;
         for (int f : source.functions) {
             if (formalcount(f) != source.nargs) throw flatrefused{};
@@ -267,7 +276,8 @@ void flatunitcompiler::complete() {
         if (calleeread.count(d) || stored.count(d)) throw flatrefused{};
     for (int s : source.symbols)
         if (calleeread.count(s) || stored.count(s) || dummies.count(s)) throw flatrefused{};
-    unit.blocks = !holdsuser(unit.routines[0], 0, int(unit.routines[0].code.size()));
+    const flatroutine& entry = unit.routines[0];
+    unit.blocks = entry.nregs <= MOSTBLOCKREGS && !leavesrows(entry, 0, int(entry.code.size()));
     unit.dummies.assign(dummies.begin(), dummies.end());
     unit.sweeps = trinodes.sweeps;
     unit.odeactive = eval.odeactive;

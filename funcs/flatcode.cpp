@@ -114,7 +114,7 @@ flatresult runentry(flatunit& unit, double* frame) {
 
 uint32_t matrixarguments(int p, int nargs) {
     uint32_t mask = 0;
-    for (int k = 1; k <= nargs && k <= 31; k++)
+    for (int k = 1; k <= nargs; k++)
         if (parser.polstack[p + k] > 0 && sym(parser.polstack[p + k]).type == MATRIX) mask |= 1u << (k - 1);
     return mask;
 }
@@ -196,6 +196,7 @@ bool takearguments(flatunit& unit, int p, int nargs, double* frame) {
 } // namespace
 
 flatoutcome flatvalue(int p, int f, int nargs, double& result) {
+    if (nargs > MOSTFLATARGS) return FLATNOCODE;
     const uint32_t matrixargs = matrixarguments(p, nargs);
     flatunit* unit = readyunit(f, nargs, matrixargs, false);
     if (!unit || !cellssuffice(unit->routines[0])) return FLATNOCODE;

@@ -157,8 +157,7 @@ int flatcompiler::finite(int ref) {
 /* Derivatives share subtrees: a node means the same for the same formals and dummies. A call is written out
  * each time, since each sets the last value of the function. */
 flatval flatcompiler::nodevalue(int ref) {
-    stackcheck();
-    if (++unit.visits > MOSTVISITS) throw flatrefused{};
+    if (stacklow() || ++unit.visits > MOSTVISITS) throw flatrefused{};
     const trinode n = tri(ref);
     if (n.op == TREECALL) return call(ref);
     if (n.op == TREEASSIGN) throw flatrefused{};

@@ -58,6 +58,11 @@ struct flatdummy {
     int symbol, reg;
 };
 
+// What virtual registers and labels are in the end.
+struct flatplacement {
+    std::vector<int> reg, label;
+};
+
 struct flatroutinekey {
     int function;
     std::vector<int> binding; // by formal: 0 a number, 1 + matrix, or minus a function's symbol
@@ -142,6 +147,8 @@ struct flatcompiler {
     int routinecall(int callee, const std::vector<flatval>& args, flatcells at);
 
     void finish(); // the routine from what has been put
+    flatplacement place() const;
+    void writecode(const flatplacement& to);
     void finduses(const std::vector<int>& kept);
 };
 

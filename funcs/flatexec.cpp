@@ -80,9 +80,18 @@ bool execution::element(const flatop& o) {
     return true;
 }
 
+// The stacks as they were, also when the builtin refuses.
+struct stacksbefore {
+    const int pol = parser.poltop, scalar = parser.scalartop;
+    ~stacksbefore() {
+        parser.poltop = pol;
+        parser.scalartop = scalar;
+    }
+};
+
 bool execution::number(const flatop& o) {
     const flatnumbercall& call = routine->numbercalls[o.a];
-    const int pol = parser.poltop, scalar = parser.scalartop;
+    const stacksbefore before;
     polpush(call.callee);
     for (int arg : call.arg) {
         if (arg >= 0)
@@ -92,9 +101,7 @@ bool execution::number(const flatop& o) {
         else
             return false;
     }
-    r[o.dst] = call.row->call({pol + 1, int(call.arg.size()), sym(call.callee).type});
-    parser.poltop = pol;
-    parser.scalartop = scalar;
+    r[o.dst] = call.row->call({before.pol + 1, int(call.arg.size()), sym(call.callee).type});
     return fpfinite(r[o.dst]);
 }
 

@@ -132,6 +132,7 @@ struct flatunit {
 };
 
 // What is to be compiled: functions of nargs arguments, the bits of matrixargs telling which are matrices.
+inline constexpr int MOSTFLATARGS = 31;
 struct flatsource {
     std::vector<int> functions;
     int nargs;

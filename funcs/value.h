@@ -45,7 +45,10 @@ bool calledassolution(int idx);    // does a call of idx now mean the solution o
 
 // Error "stack space too low; ..." when less than a safe rest of the machine stack is left.
 [[noreturn]] void stackexhausted();
-inline void stackcheck() {
+inline bool stacklow() {
     const char here = 0;
-    if (&here < eval.stacklimit) stackexhausted();
+    return &here < eval.stacklimit;
+}
+inline void stackcheck() {
+    if (stacklow()) stackexhausted();
 }

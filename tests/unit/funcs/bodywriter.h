@@ -34,7 +34,8 @@ struct bodywriter {
     }
     std::string builtin(int depth, const std::string& dummy) {
         static const char* const one[] = {"EXP", "LOG", "SQRT", "SIN", "COS", "ABS", "FLOOR"};
-        switch (pick(6)) {
+        switch (pick(7)) {
+        case 6: return pick(2) ? "MAXV(M)" : "NROWS(M)";
         case 0: return "ATAN2(" + body(depth - 1, dummy) + "," + body(depth - 1, dummy) + ")";
         case 1: return "MAX(" + body(depth - 1, dummy) + "," + leaf(dummy) + "," + leaf(dummy) + ",2)";
         case 2: return "LOG(" + body(depth - 1, dummy) + "," + leaf(dummy) + ")";

@@ -235,6 +235,7 @@ struct FuncsTest : testing::Test {
         builtin("ROOT", -503, {24, 20, 20, 20});
         builtin("PRODUCT", -504, {24, 20, 20, 20});
         builtin("NROWS", -401, {6});
+        builtin("MAXV", -406, {6});
     }
     static void define(const std::string& text) { treereader{text.c_str()}.definition(); }
     static int set(const char* name, double x) {
