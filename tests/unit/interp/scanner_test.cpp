@@ -12,6 +12,7 @@
 #include <cmath>
 #include <cstdio>
 #include <fstream>
+#include <unistd.h>
 
 namespace {
 
@@ -251,7 +252,7 @@ class Vocabulary : public Scanner {
 protected:
     // The failure of a file that holds this text, or "".
     std::string read(const std::string& text) {
-        const std::string path = testing::TempDir() + "vocabulary.fil";
+        const std::string path = testing::TempDir() + "vocabulary" + std::to_string(getpid()) + ".fil";
         std::ofstream(path, std::ios::binary) << text;
         std::string failure;
         const bool good = symtabinit(path.c_str(), failure);

@@ -161,8 +161,10 @@ TEST_F(Statements, AssignmentByLeftAndRightType) {
         {"X = 1; (X + 1) = 2", "X", "1", "##Syntax Error[43]: illegal assignment LHS\n"},
         {"SIN = 2", "X", "-", "##Error: LHS type for assignment invalid\n"},
         {"X = 1; Y = X = 1", "Y", "1", ""},
-        {"X = Y = 3", "Y", "-", "##Error: only SCALAR or MATRIX types in binary operators\n"},
-        {"X = 1; X = 2, Y = 3", "X", "1", "##Error: only SCALAR or MATRIX types in binary operators\n"},
+        {"X = Y = 3", "Y", "-",
+         "##Error: only SCALAR or MATRIX types in binary operators\nWarning: Y has no value\n"},
+        {"X = 1; X = 2, Y = 3", "X", "1",
+         "##Error: only SCALAR or MATRIX types in binary operators\nWarning: Y has no value\n"},
     });
 }
 
