@@ -3,6 +3,7 @@
 #include "funcs/builtin.h"
 #include "funcs/define.h"
 #include "funcs/trinode.h"
+#include "interp/base/fpfault.h"
 #include "interp/base/hooks.h"
 #include "interp/base/parser.h"
 #include "interp/base/report.h"
@@ -40,6 +41,7 @@ void harnessstart() {
     hooksreset();
     console.write = keepoutput;
     report = reportstate{};
+    fp = fpstate{};
     report.recoveryset = true;
     symtabstart();
     valuesstart();
@@ -56,6 +58,7 @@ void harnessstart() {
     if (!symtabinit(TESTDATADIR "/../../data/TOKEN.FIL", failure)) throw std::runtime_error(failure);
     symtabconstants();
     processstart();
+    sessionrows();
     listingstart();
 }
 
@@ -67,6 +70,7 @@ std::string harnessrun(const std::string& text, feeding how) {
             statementbegin();
             try {
                 polish();
+                fpsummary(false);
             } catch (const recoveryjump&) { harnessrecover(); }
         }
     } catch (const sessionend&) {}
@@ -75,6 +79,7 @@ std::string harnessrun(const std::string& text, feeding how) {
 
 // What an error leaves behind goes; the lines behind the failed one are read on.
 void harnessrecover() {
+    while (!dofiles.stack.empty() && dofiles.stack.back().kind == sourcekind::loop) popsource();
     symtabsweep();
     line.text.clear();
     line.cursor = 0;

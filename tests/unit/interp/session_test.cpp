@@ -141,7 +141,7 @@ TEST_F(Session, EditCorrectsTheStatementBefore) {
 
 TEST_F(Session, ControlCBreaksOff) {
     start();
-    live.breakafter = 2000;
+    live.breakafter = 500;
     type({"FOR I = 1:1000000 { S = I }", "T = 1"});
     EXPECT_NE(live.output.find("Command in progress aborted.\n"
                                "Safest Action: type EXIT, then restart TARN.\n"

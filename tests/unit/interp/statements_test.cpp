@@ -373,7 +373,8 @@ TEST_F(Statements, BoundsOfTheStacks) {
         {repeat("-", 1000) + "1", "##Error: too many waiting operators in a statement: 199 is the limit\n"},
         {"X = 1" + repeat("+1", 100000), ""},
         {"X = 1" + repeat(";", 100000), ""},
-        {"X = " + repeat("9", 100000), "\nFloating Point Error: Overflow\n"},
+        {"X = " + repeat("9", 100000),
+         "\nFloating Point Error: Overflow\nFloating Point Errors: Overflow: 1\r\n"},
         {"X = " + repeat("A", 100000), "##Error: name too long: maximum name length is 27 characters\n"},
         {"X = " + repeat("(", 14) + "1" + repeat(")", 14), ""},
     };
