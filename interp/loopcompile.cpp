@@ -453,6 +453,7 @@ size_t branch(compiler& c, size_t from, size_t to) {
     if (from >= to) throw refused{};
     if (numberat(c, from) != TOKOPEN) return statement(c, from, to);
     const size_t close = closing(c, from, to);
+    if (numberat(c, from + 1) == TOKEND) statementend(c); // the condition was all of its statement
     statementlist(c, from + 1, close);
     statementend(c); // what the branch stood in ends behind it
     return close + 1;

@@ -95,15 +95,15 @@ class LoopCode : public LiveSession {};
 TEST_F(LoopCode, RandomLoopsDoWhatTheirStatementsDo) {
     start();
     run("FUNCTION F(X) = X*X + K");
-    for (uint64_t seed = 1; seed <= 500; seed++) {
+    for (uint64_t seed = 1; seed <= 3000; seed++) {
         generator g{seed};
-        const std::string before =
+        const std::string setting =
             "A = 1:5; B = A*A'; K = 0.5; J = 1; S = 0; T = 2; U = 3; NEW = 0; DELETE NEW\n";
         const twoforms body = g.list(2);
-        std::string writtenout = before;
+        std::string writtenout = setting;
         for (const char* x : {"0", "0.5", "1", "1.5", "2"})
             writtenout += std::string("I = ") + x + "\n" + body.writtenout + "\n";
-        const std::string loop = before + "FOR I = 0:2:0.5 {\n" + body.loop + "\n}\n";
+        const std::string loop = setting + "FOR I = 0:2:0.5 {\n" + body.loop + "\n}\n";
         const std::string looped = run(loop), loopvalues = values();
         ASSERT_EQ(looped, run(writtenout)) << loop;
         ASSERT_EQ(loopvalues, values()) << loop;
