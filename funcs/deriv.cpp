@@ -4,10 +4,12 @@
 #include "funcs/derivbuild.h"
 #include "funcs/derivimpl.h"
 #include "funcs/trinode.h"
+#include "funcs/value.h"
 #include "interp/base/parser.h"
 #include "interp/base/report.h"
 #include "interp/base/symtab.h"
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -33,6 +35,14 @@ struct derivscope {
         parser.funcmode = funcmode;
     }
     derivscope(const derivscope&) = delete;
+};
+
+// Names of the derivatives being made. One that is met within its own making is only named.
+std::vector<int> making;
+struct makingscope {
+    explicit makingscope(int name) { making.push_back(name); }
+    ~makingscope() { making.pop_back(); }
+    makingscope(const makingscope&) = delete;
 };
 
 std::vector<int> formalsof(int f) {
@@ -228,6 +238,7 @@ int diffif(const trinode& node, int x) {
 }
 
 int diffnode(int ref, int x) {
+    stackcheck();
     const trinode node = tri(ref); // a copy: building nodes may move the array
     const int u = node.left, v = node.right;
     switch (node.op) {
@@ -292,6 +303,8 @@ int makederiv(int f, int x) {
     const int name = derivsymbol(f, x);
     if (sym(name).type == USERFUNCTION) return name;
     if (sym(name).type != UNKNOWN) tarnerror("the name %s is not available", sym(name).name);
+    if (std::find(making.begin(), making.end(), name) != making.end()) return name;
+    const makingscope scope(name);
     int result = treediff(funcbody(f), x, f);
     if (result > 0) result = trialloc(TREEIDENTITY, result, 0);
     const int head = trialloc(TREEHEADER, funcformals(f), result);

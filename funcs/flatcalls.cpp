@@ -28,8 +28,11 @@ bool suits(int slot, flatkind kind) {
 }
 
 /* Number builtins that depend on their arguments alone: table lookup, shape, extremes and their places,
- * statistics of columns. Others ask the user, evaluate functions or use the random stream. */
-bool purenumber(int code) { return code >= -410 || (code <= -413 && code >= -420); }
+ * measures of matrices. MENUCHOICE asks the user, QROMB evaluates functions; further down stand solvers and
+ * texts. */
+bool purenumber(int code) {
+    return (code >= -433 && code != -411 && code != -412) || (code <= -444 && code >= -446);
+}
 
 } // namespace
 

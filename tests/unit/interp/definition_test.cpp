@@ -174,6 +174,15 @@ TEST_F(Definition, DeletionOfAFunctionTakesItsDerivativesAlone) {
     EXPECT_EQ(sym(symtablookup("F")).type, USERFUNCTION);
 }
 
+TEST_F(Definition, ADerivativeOfItselfIsOnlyNamed) {
+    harnessrun("FUNCTION F(X) = F'X(X)*2; FUNCTION G(X) = H'X(X)+X; FUNCTION H(X) = G'X(X)*X");
+    for (const char* statement : {"F'X(1)", "G'X(2)", "H(1)"})
+        EXPECT_NE(harnessrun(statement).find("too long.  27 is the maximum length for names"),
+                  std::string::npos)
+            << statement;
+    EXPECT_EQ(definition(".F.X"), "FUNCTION F'X(X) = 2*F'X'X(X)");
+}
+
 TEST_F(Definition, ManyRedefinitionsKeepTheStoreSteady) {
     std::string text;
     for (int k = 0; k < 100; k++) text += "FUNCTION F(X) = X^2+3*X-SIN(X)/(1+X); A = F(2); A = F'X(2)\n";
