@@ -38,10 +38,12 @@ double pochproduct(double a, double n) {
     return p;
 }
 
-// Both a and a+x are poles of gamma: the ratio of their residues.
+// Both a and a+x are poles of gamma: the ratio of their residues, (-1)^x Gamma(1-a)/Gamma(1-a-x).
 double pochresidues(double a, double x) {
-    const double value = std::exp(-loggammaratio(x, 1 - a - x));
-    return std::fmod(x, 2) == 0 ? value : -value;
+    const double b = 1 - a - x;
+    const bool near = std::fabs(x) < 0.9 * std::fmax(b, 1 - a) && b + x > 0;
+    const double ln = near ? -loggammaratio(x, b) : loggamma(1 - a) - loggamma(b);
+    return paritysign(x) * std::exp(ln);
 }
 
 // (a)_x for a > 0, a+x > 0
@@ -84,8 +86,9 @@ double logbeta(double a, double b) {
     const double p = std::fmin(a, b), q = std::fmax(a, b);
     if (q < 10) return loggamma(p) + loggamma(q) - loggamma(p + q);
     if (p < 10) return loggamma(p) + loggammaratio(p, q);
-    const double rest = r9lgmc(p) + r9lgmc(q) - r9lgmc(p + q), h = p / (p + q);
-    return rest + LNSQRT2PI - 0.5 * std::log(q) + (p - 0.5) * std::log(h) + q * std::log1p(-h);
+    const double rest = r9lgmc(p) + r9lgmc(q) - r9lgmc(p + q), t = p / q; // p/(p+q) might overflow
+    return capped("LOGBETA", rest + LNSQRT2PI - 0.5 * std::log(q) +
+                                 (p - 0.5) * (std::log(t) - std::log1p(t)) - q * std::log1p(t));
 }
 
 double poch(double a, double x) { return cappedorpole("POCH", pochopen(a, x)); }

@@ -3,7 +3,7 @@
 #include "interp/base/machine.h"
 #include "special/chebyshev.h"
 #include "special/elementary.h"
-#include "special/fault.h"
+#include "special/range.h"
 #include "special/zeta.h"
 
 #include <cmath>
@@ -73,28 +73,17 @@ double gammazeta(double s, double q) { return gammapower(s, q) * hurwitzscaled(s
 } // namespace
 
 double digamma(double x) {
-    if (x > 0) {
-        const double psi = psipositive(x);
-        if (psi >= MAXNEG) return psi;
-        rangewarn("DIGAMMA");
-        return MAXNEG;
-    }
-    if (x == std::trunc(x)) {
-        rangewarn("DIGAMMA");
-        return 0;
-    }
+    if (x > 0) return capped("DIGAMMA", psipositive(x));
+    if (x == std::trunc(x)) return outofrange("DIGAMMA", 0);
     if (x < -0.5 && std::fabs((x - std::trunc(x - 0.5)) / x) < 1.8249928e-8)
         spnote(SPWARN, "digamma: x too near an integer: reduced precision");
-    return psipositive(1 - x) - PI * cospi(x) / sinpi(x);
+    return capped("DIGAMMA", psipositive(1 - x) - PI * cospi(x) / sinpi(x));
 }
 
 // psi^(n)(x) = (-1)^(n+1) n! zeta(n+1, x). Below zero the sum over k >= 0 is the sum over all
 // integers less the part k < 0, which is a zeta at 1-x.
 double pgamma(double n, double x) {
-    if (!(n >= 0) || n != std::trunc(n) || (x <= 0 && x == std::trunc(x))) {
-        rangewarn("PGAMMA");
-        return 0;
-    }
+    if (!(n >= 0) || n != std::trunc(n) || (x <= 0 && x == std::trunc(x))) return outofrange("PGAMMA", 0);
     if (n == 0) return digamma(x);
     const double s = n + 1, sign = std::fmod(s, 2) == 0 ? 1 : -1;
     double result = gammazeta(s, x > 0 ? x : 1 - x);
@@ -104,9 +93,7 @@ double pgamma(double n, double x) {
             (r > 0 ? nearest : sign * nearest) + gammazeta(s, 1 + r) + sign * (gammazeta(s, 1 - r) - result);
     }
     result *= sign;
-    if (std::isfinite(result)) return result;
-    rangewarn("PGAMMA");
-    return std::isnan(result) ? 0 : std::copysign(MAXPOS, result);
+    return cappedorpole("PGAMMA", result);
 }
 
 /* The differences 1/(a+k) - 1/(a+b+k) until a is large, then the difference of two asymptotic series, with

@@ -115,12 +115,19 @@ double asind(double x) { return std::asin(x) / DEGREE; }
 double acosd(double x) { return std::acos(x) / DEGREE; }
 double atand(double x) { return std::atan(x) / DEGREE; }
 
-double modulus(double a, double b) { return b == 0 ? a : a - std::floor(a / b) * b; }
+double modulus(double a, double b) {
+    if (b == 0) return a;
+    const double q = a / b, plain = a - std::floor(q) * b;
+    if (std::fabs(q) < 0x1p53 && std::isfinite(plain)) return plain;
+    const double r =
+        std::fmod(a, b); // the quotient has no last digit left to round, or the product overflows
+    return r != 0 && (r < 0) != (b < 0) ? r + b : r;
+}
 
 double rdup(double x, double d) {
     const double y = std::fabs(x), scale = std::pow(10, std::fabs(std::trunc(d)));
     const double scaled = d < 0 ? y / scale : y * scale, near = std::round(scaled);
-    if (!std::isfinite(scaled) || scaled >= 0x1p52) return x; // no decimals are left
+    if (x == 0 || scaled >= 0x1p52) return x; // no decimals are left
     const double up = std::fabs(scaled - near) <= 8 * MACHEPS * scaled ? near : std::ceil(scaled);
-    return std::copysign(d < 0 ? up * scale : up / scale, x);
+    return capped("RDUP", std::copysign(d < 0 ? std::fmax(up, 1) * scale : up / scale, x));
 }

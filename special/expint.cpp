@@ -5,6 +5,7 @@
 #include "special/elementary.h"
 #include "special/fault.h"
 #include "special/gamma.h"
+#include "special/incgamma.h"
 #include "special/range.h"
 
 #include <cmath>
@@ -250,7 +251,7 @@ double eipositive(double x) {
 
 /* E_p(x) for p > 0 by the continued fraction DLMF 8.19.17, its even part, by the method of Lentz; good where
  * x or p is large. */
-double enfraction(double p, double x) {
+double enfraction(double p, double x, double factor) {
     double b = x + p, c = 1e300, d = 1 / b, h = d;
     for (int k = 1; k < 1000; k++) {
         const double numerator = -k * (p - 1 + k);
@@ -260,7 +261,7 @@ double enfraction(double p, double x) {
         h *= c * d;
         if (std::fabs(c * d - 1) < 2 * MACHEPS) break;
     }
-    return h * std::exp(-x);
+    return h * factor;
 }
 
 /* E_p(x) for p > 0, x <= 1: the sum of -(-x)^k / (k! (1-p+k)) and Gamma(1-p) x^(p-1), DLMF 8.19.10. With n
@@ -283,14 +284,26 @@ double enseries(double p, double x) {
     return sum;
 }
 
-// E_p(x), x > 0
+// E_p(x), x > 0, p >= 0
 double enpositive(double p, double x) {
     if (p == 1) return e1(x);
     if (p == 0) return std::exp(-x) / x;
-    if (p < 0) return (std::exp(-x) - p * enpositive(p + 1, x)) / x; // DLMF 8.19.12
-    return x > 1 || p > 12 ? enfraction(p, x) : enseries(p, x);
+    return x > 1 || p > 12 ? enfraction(p, x, std::exp(-x)) : enseries(p, x);
 }
 
+/* E_p(x) for p < 0: upwards from the fraction of p by DLMF 8.19.12, where for x > 0 all terms are positive;
+ * the factor exp(-x) is kept apart. Far down as an upper incomplete gamma function, DLMF 8.19.1. */
+double ennegative(double p, double x) {
+    if (p < -200 && x > 0) return igammac(1 - p, x) * std::exp(loggamma(1 - p) - (1 - p) * std::log(x));
+    if (p < -1e4) return -paritysign(p) * HUGE_VAL; // x < 0 and p whole: it grows like (-p)!/x^(1-p)
+    const double steps = -std::floor(p);
+    double q = p + steps, e = q == 0 ? 1 / x : x > 30 ? enfraction(q, x, 1) : std::exp(x) * enpositive(q, x);
+    for (double k = 0; k < steps; k++) {
+        q -= 1;
+        e = (1 - q * e) / x;
+    }
+    return e * std::exp(-x);
+}
 } // namespace
 
 double expint(double x) {
@@ -300,12 +313,9 @@ double expint(double x) {
 
 double expintn(double n, double x) {
     const bool elementary = n <= 0 && n == std::trunc(n);
-    if (std::isnan(n) || std::isnan(x) || (x < 0 && !elementary)) {
-        rangewarn("EXPINTN");
-        return 0;
-    }
+    if (std::isnan(n) || std::isnan(x) || (x < 0 && !elementary)) return outofrange("EXPINTN", 0);
     if (x == 0) return n > 1 ? 1 / (n - 1) : capped("EXPINTN", HUGE_VAL);
-    return capped("EXPINTN", enpositive(n, x));
+    return cappedorpole("EXPINTN", n < 0 ? ennegative(n, x) : enpositive(n, x));
 }
 
 double logint(double x) {

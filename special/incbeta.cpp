@@ -4,7 +4,8 @@
 #include "special/elementary.h"
 #include "special/fault.h"
 #include "special/gamma.h"
-#include "special/quadrature.h"
+#include "special/incgamma.h"
+#include "special/range.h"
 
 #include <cmath>
 
@@ -139,6 +140,15 @@ double uppersmallb(double a, double b, double y) {
     const double ln = b * std::log(y) - loggamma1p(b) - loggammaratio(b, a);
     return -std::expm1(ln) - std::exp(ln) * b * sum;
 }
+/* Where a parameter is beyond all measure: next to 0 the variate sits on an end, and for large b that of
+ * parameter a follows a gamma law in b x, to a relative (b x)^2/b. */
+double betalimit(double a, double b, double x, double y) {
+    if (a < 1e-290 || b < 1e-290) return a < 1e-290 && b < 1e-290 ? b / (a + b) : a < b;
+    if (a < 1e3) return igamma(a, std::fmin(b * x, MAXPOS));
+    if (b < 1e3) return igammac(b, std::fmin(a * y, MAXPOS));
+    spnote(SPERR, "IBETA: a or b too big, or itmax too small");
+    return 0;
+}
 } // namespace
 
 double betaterm(double a, double b, double x, double y) {
@@ -147,12 +157,9 @@ double betaterm(double a, double b, double x, double y) {
 }
 
 double ibetaxy(double a, double b, double x, double y) {
-    if (!(a >= 0 && b >= 0 && a + b > 0 && x >= 0 && y >= 0)) {
-        rangewarn("IBETA");
-        return 0;
-    }
+    if (!(a >= 0 && b >= 0 && a + b > 0 && x >= 0 && y >= 0)) return outofrange("IBETA", 0);
     if (x == 0 || y == 0) return y == 0;
-    if (a == 0 || b == 0) return a == 0;
+    if (a < 1e-290 || b < 1e-290 || b > 1e19 || a > 1e19) return betalimit(a, b, x, y);
     lastbeta.set(a, b);
     const double term = betatermof(lastbeta, x, y);
     if (term == 0) return x * (a + b) > a;

@@ -1,9 +1,9 @@
 #include "special/beta.h"
 
 #include "special/elementary.h"
-#include "special/fault.h"
 #include "special/gamma.h"
 #include "special/quadrature.h"
+#include "special/range.h"
 
 #include <cmath>
 
@@ -72,10 +72,10 @@ double jbetafirst(double a, double b, double x, double y) {
 } // namespace
 
 double jbeta(double a, double b, double x, double which) {
-    if (!(a > 0 && b > 0 && x >= 0 && x <= 1)) {
-        rangewarn("JBETA");
-        return 0;
-    }
+    constexpr double tiny = 1e-140; // below it I is b/(a+b) for both, or 0 or 1, but for the last bits
+    if (!(a > 0 && b > 0 && x >= 0 && x <= 1 && a + b < 1e300)) return outofrange("JBETA", 0);
     if (x == 0 || x == 1) return 0;
-    return which == 2 ? -jbetafirst(b, a, 1 - x, x) : jbetafirst(a, b, x, 1 - x);
+    if (a < tiny && b < tiny) return capped("JBETA", (which == 2 ? a : -b) / (a + b) / (a + b));
+    const double p = std::fmax(a, tiny), q = std::fmax(b, tiny);
+    return which == 2 ? -jbetafirst(q, p, 1 - x, x) : jbetafirst(p, q, x, 1 - x);
 }

@@ -1,10 +1,9 @@
 #include "special/physint.h"
 
-#include "interp/base/machine.h"
 #include "special/elementary.h"
-#include "special/fault.h"
 #include "special/gamma.h"
 #include "special/quadrature.h"
+#include "special/range.h"
 
 #include <cmath>
 #include <complex>
@@ -61,25 +60,17 @@ complex abramsum(double m, complex z) {
 }
 
 bool abramdomain(double m, double re, double im, const char* name) {
-    if (re >= 0 && !std::isnan(m) && !std::isnan(im)) return true;
-    rangewarn(name);
-    return false;
+    return (re >= 0 && !std::isnan(m) && !std::isnan(im)) || outofrange(name, 0);
 }
 
 // f_m(0) = Gamma((m+1)/2)/2
 double abramorigin(double m, const char* name) {
-    const double g = m > -1 ? 0.5 / rgamma(0.5 * (m + 1)) : HUGE_VAL;
-    if (std::isfinite(g)) return g;
-    rangewarn(name);
-    return MAXPOS;
+    return capped(name, m > -1 ? 0.5 / rgamma(0.5 * (m + 1)) : HUGE_VAL);
 }
 } // namespace
 
 double sievert(double x, double theta) {
-    if (!(x >= 0 && std::fabs(theta) <= PI / 2)) {
-        rangewarn("SIEVERT");
-        return 0;
-    }
+    if (!(x >= 0 && std::fabs(theta) <= PI / 2)) return outofrange("SIEVERT", 0);
     if (theta == 0 || x > 750) return 0; // below exp(-x)
     double reach = std::fmin(45, std::asinh(std::tan(std::fabs(theta))));
     if (x > 0) reach = std::fmin(reach, 2 * std::asinh(std::sqrt(22.5 / x)));
@@ -88,12 +79,13 @@ double sievert(double x, double theta) {
 
 double abram(double m, double x) {
     if (!abramdomain(m, x, 0, "ABRAM")) return 0;
-    return x == 0 ? abramorigin(m, "ABRAM") : abramsum(m, x).real();
+    return x == 0 ? abramorigin(m, "ABRAM") : cappedorpole("ABRAM", abramsum(m, x).real());
 }
 
 complexpair cabram(double m, double re, double im) {
     if (!abramdomain(m, re, im, "CABRAM")) return {0, 0};
     if (re == 0 && im == 0) return {abramorigin(m, "CABRAM"), 0};
     const complex f = abramsum(m, complex(re, im));
-    return {f.real(), f.imag()};
+    if (std::isfinite(f.real()) && std::isfinite(f.imag())) return {f.real(), f.imag()};
+    return {outofrange("CABRAM", MAXPOS), 0};
 }

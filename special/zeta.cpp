@@ -72,7 +72,7 @@ double zetaopen(double s) {
 } // namespace
 
 double hurwitzscaled(double s, double q) {
-    if (q > 1e9 && s > 2 * q) return -1 / std::expm1(-s / q); // (1+k/q)^-s is exp(-s/q)^k, and q+1 may be q
+    if (q > 1e9 && s > 0.5 * q) return -1 / std::expm1(-s / q); // (1+k/q)^-s is exp(-s/q)^k, and q+1 may be q
     double sum = 0, x = q;
     const double far = std::fmax(10, s + 8);
     for (; x < far; x++) {
