@@ -12,6 +12,8 @@ void funcsstart() {
     matrixbasicrows();
     callrows();
     linearrows();
+    matrixarrangerows();
+    columnstatsrows();
     ranrows();
     stringopsstart();
 }
