@@ -9,6 +9,8 @@ void matrixbasicrows();   // matrixbasic.cpp: numbers from a matrix, reshaping
 void linearrows();        // linearcalls.cpp: inverse, decompositions, linear equations, norms
 void matrixarrangerows(); // matrixarrange.cpp: sorting, picking rows and diagonals
 void columnstatsrows();   // columnstats.cpp: statistics of columns, diversity
+void matrixseriesrows();  // matrixseries.cpp: Fourier transforms, correlation, histograms
+void interpolaterows();   // interpolate.cpp: tables and grids
 void callrows();          // onop.cpp: POINTS and APPLY
 void specialrows();       // specialrows.cpp: the functions of special/
 void specialmatrixrows(); // specialmatrix.cpp: those that take or give matrices

@@ -14,6 +14,8 @@ void funcsstart() {
     linearrows();
     matrixarrangerows();
     columnstatsrows();
+    matrixseriesrows();
+    interpolaterows();
     ranrows();
     stringopsstart();
 }
