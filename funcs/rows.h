@@ -11,6 +11,7 @@ void matrixarrangerows(); // matrixarrange.cpp: sorting, picking rows and diagon
 void columnstatsrows();   // columnstats.cpp: statistics of columns, diversity
 void matrixseriesrows();  // matrixseries.cpp: Fourier transforms, correlation, histograms
 void interpolaterows();   // interpolate.cpp: tables and grids
+void complexrows();       // complexcalls.cpp: complex matrices, roots of polynomials
 void callrows();          // onop.cpp: POINTS and APPLY
 void specialrows();       // specialrows.cpp: the functions of special/
 void specialmatrixrows(); // specialmatrix.cpp: those that take or give matrices

@@ -16,6 +16,7 @@ void funcsstart() {
     columnstatsrows();
     matrixseriesrows();
     interpolaterows();
+    complexrows();
     ranrows();
     stringopsstart();
 }

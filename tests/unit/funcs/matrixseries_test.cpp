@@ -46,6 +46,7 @@ struct matrixseriestest : funcstest {
         funcstest::SetUp();
         matrixseriesrows();
         interpolaterows();
+        complexrows();
     }
     std::string result(const char* name, const std::vector<int>& args) {
         const int f = symtablookup(name);
@@ -155,6 +156,22 @@ TEST_F(matrixseriestest, grids) {
     }
     EXPECT_EQ(result("INTERP2", {g(), column({1, 2}), scalar(1)}),
               "##Error: Incorrect row/col shape of an argument of INTERP2\n\n");
+}
+
+TEST_F(matrixseriestest, complexMatricesAndRoots) {
+    EXPECT_EQ(result("PROOT", {column({1, -6, 11, -6})}), "3x2: 1 0 2 0 3 0");
+    EXPECT_EQ(result("PROOT", {column({1, 0, 0})}), "2x2: 0 0 0 0");
+    EXPECT_EQ(result("ZROOT", {matrix(3, 2, {1, 0, 0, 0, 0, -2})}), "2x2: -1 -1 1 1");
+    EXPECT_EQ(result("PROOT", {column({0, 1})}),
+              "##Error: zero degree or highest coefficient equal to zero not allowed\n");
+    EXPECT_EQ(result("CINV", {matrix(1, 2, {0, 2})}), "1x2: 0 -0.5");
+    EXPECT_EQ(result("CLINEQ", {matrix(2, 4, {1, 0, 0, 1, 0, 0, 2, 0}), matrix(2, 2, {1, 1, 2, 0})}),
+              "2x2: 1 0 1 0");
+    EXPECT_EQ(result("CINV", {matrix(2, 4, {0})}), "##Error: CINV: numerically singular matrix\n");
+    polpush(symtablookup("PROOT")); // a threefold root is found to the third of the digits
+    polpush(column({1, -3, 3, -1}));
+    const harray* m = matrixof(valuebuiltinrow(-678)->call(callargs{parser.poltop - 1, 1, -678}));
+    for (uint32_t k = 1; k <= 3; k++) EXPECT_NEAR(at(m, k, 1), 1, 1e-5);
 }
 
 } // namespace
