@@ -7,6 +7,7 @@
 #include "interp/base/fpfault.h"
 #include "interp/base/numtext.h"
 #include "interp/base/report.h"
+#include "special/exponential.h"
 
 #include <cmath>
 #include <iterator>
@@ -20,7 +21,7 @@ constexpr double PI = 3.14159265358979323846, LN2 = 0.69314718055994530942;
 double domain(const char* name, double value) { return matherr(MEDOMAIN, name, value); }
 double singular(const char* name, double value) { return matherr(MESING, name, value); }
 
-double expof(double x) { return fpcheck(std::exp(x)); }
+double expof(double x) { return fpcheck(exponential(x)); }
 
 using libraryfunction = double (*)(double);
 template <libraryfunction f> double logarithm(double x, const char* name) {

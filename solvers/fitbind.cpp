@@ -146,13 +146,13 @@ bool modelvalues(void* context, const double* p, double* f) {
 // Where the symbols stand: at the last point that was evaluated.
 void modeljacobian(void* context, double* jac) {
     fitbinding& b = *static_cast<fitbinding*>(context);
-    const size_t n = b.slots.size();
+    const size_t n = b.slots.size(), m = b.y.size();
     std::vector<double*> out(n);
-    const std::vector<size_t> stride(n, n);
+    const std::vector<size_t> stride(n, 1);
     for (size_t k = 0; k < b.pairs.size(); k++) {
         const size_t rows = matrixof(b.pairs[k].data)->rows;
         const blockinputs inputs = inputsof(b, k, b.lastp.data());
-        for (size_t j = 0; j < n; j++) out[j] = jac + b.offset[k] * n + j;
+        for (size_t j = 0; j < n; j++) out[j] = jac + j * m + b.offset[k];
         flatrunblock(*b.derivs[k], rows, inputs.in.data(), inputs.stride.data(), out.data(), stride.data());
     }
 }

@@ -1,5 +1,6 @@
 #include "solvers/fitsolve.h"
 
+#include "funcs/vectorloops.h"
 #include "interp/base/machine.h"
 #include "interp/base/parser.h"
 #include "interp/base/report.h"
@@ -51,8 +52,8 @@ void numericjacobian(fitrun& r) {
         minus = down ? r.ftrial : r.fbest;
         p[j] = t;
         const double width = (up + down) * delta;
-        for (int i = 0; i < r.m; i++)
-            r.jac[size_t(i) * r.n + j] = width > 0 ? (plus[i] - minus[i]) / width : 0;
+        double* column = &r.jac[size_t(j) * size_t(r.m)];
+        for (int i = 0; i < r.m; i++) column[i] = width > 0 ? (plus[i] - minus[i]) / width : 0;
     }
 }
 
@@ -63,21 +64,24 @@ void fitjacobian(fitrun& r) {
         numericjacobian(r);
 }
 
-// J'WJ and J'W resid, a row of J at a time; the inner loop runs along rows of the upper triangle.
+// J'WJ and J'W resid, a block of observations at a time, so that its part of each column stays in the cache.
 void normalequations(fitrun& r) {
-    const int n = r.n;
+    constexpr size_t BLOCK = 512;
+    const size_t n = size_t(r.n), m = size_t(r.m);
     std::fill(r.normal.begin(), r.normal.end(), 0.0);
     std::fill(r.ptpdia.begin(), r.ptpdia.end(), 0.0);
     std::fill(r.dgrad.begin(), r.dgrad.end(), 0.0);
-    for (int i = 0; i < r.m; i++) {
-        const double* row = &r.jac[size_t(i) * n];
-        const double residual = r.resid[i] = r.y[i] - r.fbest[i];
-        for (int j = 0; j < n; j++) {
-            const double a = r.w[i] * row[j];
-            r.dgrad[j] += a * residual;
-            r.ptpdia[j] += a * row[j];
-            double* normal = &r.normal[size_t(j) * n];
-            for (int k = j + 1; k < n; k++) normal[k] += a * row[k];
+    for (size_t i = 0; i < m; i++) r.resid[i] = r.y[i] - r.fbest[i];
+    double weighted[BLOCK];
+    for (size_t from = 0; from < m; from += BLOCK) {
+        const size_t count = std::min(BLOCK, m - from);
+        for (size_t j = 0; j < n; j++) {
+            const double* column = &r.jac[j * m + from];
+            for (size_t i = 0; i < count; i++) weighted[i] = r.w[from + i] * column[i];
+            r.dgrad[j] += dotproduct(count, weighted, &r.resid[from]);
+            r.ptpdia[j] += dotproduct(count, weighted, column);
+            for (size_t k = j + 1; k < n; k++)
+                r.normal[j * n + k] += dotproduct(count, weighted, &r.jac[k * m + from]);
         }
     }
 }
@@ -149,14 +153,13 @@ void jumpuseless(fitrun& r, double e) {
 }
 
 // The sum that the linear model promises for the step.
-double promisedsum(const fitrun& r) {
+double promisedsum(fitrun& r) {
+    const size_t m = size_t(r.m);
+    std::vector<double>& d = r.ftrial; // its values have been taken
+    d = r.resid;
+    for (size_t j = 0; j < size_t(r.n); j++) axpy(m, r.p0[j] - r.p[j], &r.jac[j * m], d.data());
     double sum = 0;
-    for (int i = 0; i < r.m; i++) {
-        double d = r.resid[i];
-        const double* row = &r.jac[size_t(i) * r.n];
-        for (int j = 0; j < r.n; j++) d -= (r.p[j] - r.p0[j]) * row[j];
-        sum += r.w[i] * d * d;
-    }
+    for (size_t i = 0; i < m; i++) sum += r.w[i] * d[i] * d[i];
     return sum;
 }
 

@@ -25,7 +25,8 @@ struct fitmodel {
     void* context = nullptr;
     // Model values at p, all m of them; false when the model has none there (the trial counts as failed).
     bool (*values)(void* context, const double* p, double* f) = nullptr;
-    // Symbolic Jacobian where the last evaluation was, m by n row by row; null: central differences.
+    // Symbolic Jacobian where the last evaluation was: n columns of m derivatives, one behind the other;
+    // null: central differences.
     void (*jacobian)(void* context, double* jac) = nullptr;
     // User weights w0 at p, where weight functions are given; null: they stay.
     void (*weights)(void* context, const double* p, double* w0) = nullptr;

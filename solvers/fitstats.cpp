@@ -40,13 +40,19 @@ longnormal buildnormal(const fitrun& r) {
     const size_t n = size_t(r.n);
     longnormal normal{std::vector<long double>(n * n, 0), std::vector<long double>(n, 0),
                       std::vector<long double>(n, 0)};
-    for (size_t i = 0; i < size_t(r.m); i++) {
-        const double* row = &r.jac[i * n];
-        for (size_t j = 0; j < n; j++) {
-            const long double a = static_cast<long double>(r.w[i]) * row[j];
-            normal.diagonal[j] += a * row[j];
+    const size_t m = size_t(r.m);
+    for (size_t j = 0; j < n; j++) {
+        const double* column = &r.jac[j * m];
+        for (size_t i = 0; i < m; i++) {
+            const long double a = static_cast<long double>(r.w[i]) * column[i];
+            normal.diagonal[j] += a * column[i];
             normal.gradient[j] += a * (r.y[i] - r.fbest[i]);
-            for (size_t k = j + 1; k < n; k++) normal.a[j * n + k] += a * row[k];
+        }
+        for (size_t k = j + 1; k < n; k++) {
+            const double* other = &r.jac[k * m];
+            long double sum = 0;
+            for (size_t i = 0; i < m; i++) sum += static_cast<long double>(r.w[i]) * column[i] * other[i];
+            normal.a[j * n + k] = sum;
         }
     }
     return normal;
