@@ -252,25 +252,10 @@ def physintrows():
 
 @table("elementary")
 def elementaryrows():
-    deg = m.pi / 180
-    x = [1e-10, 0.3, 1, 1.57, 3, -2.5, 20]
-    out = []
-    for name, f in [("COTAN", m.cot), ("SEC", m.sec), ("COSEC", m.csc), ("ACOTAN", m.acot), ("COTANH", m.coth)]:
-        out += rows(name, f, x, 1e-15)
-    for name, f in [("COSECH", m.csch), ("SECH", m.sech), ("ACOSECH", m.acsch)]:
-        out += rows(name, f, x + [-300, 700, 710.5], 1e-15)
-    out += rows("ACOSECH", m.acsch, [1e-300], 1e-15)
-    beyond = [1, -1, 1 + 2.0**-40, -1.001, 1.5, -40, 1e200]
-    out += rows("ASEC", m.asec, beyond, 1e-15) + rows("ACOSEC", m.acsc, beyond, 1e-15)
-    out += rows("ACOTANH", m.acoth, beyond[2:], 1e-15)
-    out += rows("ASECH", m.asech, [1, 1 - 2.0**-40, 0.9, 0.5, 0.1, 1e-300], 1e-15)
-    d = [1, 29, 30.5, 44, 46, 89.999, 91, 133, -77, 179.9, 200, 271, 359, 1e6 + 0.1, -1e10 - 1]
-    out += rows("SIND", lambda t: m.sin(t * deg), d, 1e-15) + rows("COSD", lambda t: m.cos(t * deg), d, 1e-15)
-    out += rows("TAND", lambda t: m.tan(t * deg), d, 1e-15)
-    u = [0.1, -0.5, 0.99, 1, -1, 1e-5]
-    out += rows("ASIND", lambda t: m.asin(t) / deg, u, 1e-15) + rows("ACOSD", lambda t: m.acos(t) / deg, u, 1e-15)
-    out += rows("ATAND", lambda t: m.atan(t) / deg, u + [1e10], 1e-15)
-    return out
+    x = [-0.999, -0.75, -0.5, -0.49, -0.2, -0.03, -1e-3, -1e-9, 1e-300, 1e-160, 1e-15, 1e-4, 0.02, 0.065, 0.3, 0.33]
+    f = lambda t: m.log1p(t) - t
+    with mp.workdps(360):
+        return rows("LOG1PMX", f, [v for v in x if abs(v) > 1e-150] + [0.99, 1, 1.5, 100, 1e10], 1e-15)
 
 
 if __name__ == "__main__":

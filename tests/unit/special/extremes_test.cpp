@@ -3,7 +3,6 @@
 #include "reftable.h"
 #include "special/beta.h"
 #include "special/combin.h"
-#include "special/elementary.h"
 #include "special/errorfn.h"
 #include "special/expint.h"
 #include "special/gamma.h"
@@ -30,17 +29,13 @@ TEST(extremes, oneargument) {
     const struct {
         const char* name;
         double (*f)(double);
-    } rows[] = {{"GAMMA", gammafn},  {"LOGGAMMA", loggamma}, {"DIGAMMA", digamma}, {"FACT", fact},
-                {"CATNUM", catnum},  {"BERNUM", bernum},     {"EULNUM", eulnum},   {"PARTU", partu},
-                {"PARTD", partd},    {"HARNUM", harnum},     {"ERF", erffn},       {"ERFC", erfcfn},
-                {"ERFI", erfinv},    {"ERFCI", erfcinv},     {"EXPINT", expint},   {"LOGINT", logint},
-                {"SININT", sinint},  {"COSINT", cosint},     {"SINHINT", sinhint}, {"COSHINT", coshint},
-                {"LOGREL", logrel},  {"ZETA", zeta},         {"LAMBDA", lambdafn}, {"BETACAT", betacat},
-                {"DILOG", dilog},    {"CLAUSEN", clausen},   {"COTAN", cotan},     {"SEC", secant},
-                {"COSEC", cosecant}, {"ACOTAN", acotan},     {"ASEC", asecant},    {"ACOSEC", acosecant},
-                {"COTANH", cotanh},  {"SECH", sech},         {"COSECH", cosech},   {"ACOTANH", acotanh},
-                {"ASECH", asech},    {"ACOSECH", acosech},   {"SIND", sind},       {"COSD", cosd},
-                {"TAND", tand}};
+    } rows[] = {{"GAMMA", gammafn}, {"LOGGAMMA", loggamma}, {"DIGAMMA", digamma}, {"FACT", fact},
+                {"CATNUM", catnum}, {"BERNUM", bernum},     {"EULNUM", eulnum},   {"PARTU", partu},
+                {"PARTD", partd},   {"HARNUM", harnum},     {"ERF", erffn},       {"ERFC", erfcfn},
+                {"ERFI", erfinv},   {"ERFCI", erfcinv},     {"EXPINT", expint},   {"LOGINT", logint},
+                {"SININT", sinint}, {"COSINT", cosint},     {"SINHINT", sinhint}, {"COSHINT", coshint},
+                {"LOGREL", logrel}, {"ZETA", zeta},         {"LAMBDA", lambdafn}, {"BETACAT", betacat},
+                {"DILOG", dilog},   {"CLAUSEN", clausen}};
     for (const auto& r : rows)
         for (double x : extremes) EXPECT_TRUE(std::isfinite(r.f(x))) << r.name << ' ' << x;
 }
@@ -52,8 +47,7 @@ TEST(extremes, twoarguments) {
     } rows[] = {{"PGAMMA", pgamma},   {"BETA", betafn},     {"LOGBETA", logbeta}, {"IGAMMA", igamma},
                 {"IGAMMAC", igammac}, {"JGAMMA", jgamma},   {"POCH", poch},       {"POCH1", poch1},
                 {"RFACT", rfact},     {"BINCOEF", bincoef}, {"STIRL1", stirl1},   {"STIRL2", stirl2},
-                {"IERFC", ierfc},     {"EXPINTN", expintn}, {"SIEVERT", sievert}, {"ABRAM", abram},
-                {"MOD", modulus},     {"RDUP", rdup}};
+                {"IERFC", ierfc},     {"EXPINTN", expintn}, {"SIEVERT", sievert}, {"ABRAM", abram}};
     for (const auto& r : rows) everywhere(r.name, r.f);
 }
 
