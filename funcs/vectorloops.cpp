@@ -1,56 +1,44 @@
 #include "funcs/vectorloops.h"
 
-// clang, which builds the fuzz targets, gives clones a name that callers elsewhere do not find.
-#ifdef __clang__
-#define FORPROCESSORS
-#else
-#define FORPROCESSORS __attribute__((target_clones("default", "avx2", "avx512f")))
-#endif
+namespace {
 
-FORPROCESSORS void axpy(size_t n, double alpha, const double* __restrict x, double* __restrict y) {
-    for (size_t i = 0; i < n; i++) y[i] += alpha * x[i];
-}
+struct looptable {
+    void (*axpy)(size_t, double, const double*, double*);
+    void (*axpy4)(size_t, const double*, const double*, size_t, double*);
+    void (*rotate)(size_t, double, double, double*, double*);
+    double (*dotproduct)(size_t, const double*, const double*);
+};
 
-FORPROCESSORS void axpy4(size_t n, const double* __restrict a, const double* __restrict x, size_t stride,
-                         double* __restrict y) {
-    const double a0 = a[0], a1 = a[1], a2 = a[2], a3 = a[3];
-    const double *x0 = x, *x1 = x + stride, *x2 = x + 2 * stride, *x3 = x + 3 * stride;
-    for (size_t i = 0; i < n; i++) y[i] = (((y[i] + a0 * x0[i]) + a1 * x1[i]) + a2 * x2[i]) + a3 * x3[i];
-}
+namespace anyprocessor {
+#include "funcs/vectorloopsrun.h"
+} // namespace anyprocessor
 
-FORPROCESSORS void rotate(size_t n, double c, double s, double* __restrict x, double* __restrict y) {
-    for (size_t i = 0; i < n; i++) {
-        const double p = x[i], q = y[i];
-        x[i] = c * p + s * q;
-        y[i] = c * q - s * p;
-    }
-}
+#pragma GCC push_options
+#pragma GCC target("avx2")
+namespace avx2 {
+#include "funcs/vectorloopsrun.h"
+} // namespace avx2
+#pragma GCC pop_options
 
-// Eight partial sums, added in a fixed order.
-FORPROCESSORS double dotproduct(size_t n, const double* x, const double* y) {
-    double sum[8] = {};
-    size_t i = 0;
-    for (; i + 8 <= n; i += 8)
-        for (size_t k = 0; k < 8; k++) sum[k] += x[i + k] * y[i + k];
-    for (size_t k = 0; i < n; i++, k++) sum[k] += x[i] * y[i];
-    return ((sum[0] + sum[4]) + (sum[2] + sum[6])) + ((sum[1] + sum[5]) + (sum[3] + sum[7]));
-}
+#pragma GCC push_options
+#pragma GCC target("avx512f")
+namespace avx512 {
+#include "funcs/vectorloopsrun.h"
+} // namespace avx512
+#pragma GCC pop_options
 
-FORPROCESSORS void reflect3(size_t n, double x, double y, double z, double q, double r, double* __restrict a,
-                            double* __restrict b, double* __restrict c) {
-    for (size_t i = 0; i < n; i++) {
-        const double t = x * a[i] + y * b[i] + z * c[i];
-        a[i] -= t;
-        b[i] -= t * q;
-        c[i] -= t * r;
-    }
+const looptable& pickloops() {
+    if (__builtin_cpu_supports("avx512f")) return avx512::loops;
+    if (__builtin_cpu_supports("avx2")) return avx2::loops;
+    return anyprocessor::loops;
 }
+const looptable& picked = pickloops();
 
-FORPROCESSORS void reflect2(size_t n, double x, double y, double q, double* __restrict a,
-                            double* __restrict b) {
-    for (size_t i = 0; i < n; i++) {
-        const double t = x * a[i] + y * b[i];
-        a[i] -= t;
-        b[i] -= t * q;
-    }
+} // namespace
+
+void axpy(size_t n, double alpha, const double* x, double* y) { picked.axpy(n, alpha, x, y); }
+void axpy4(size_t n, const double* a, const double* x, size_t stride, double* y) {
+    picked.axpy4(n, a, x, stride, y);
 }
+void rotate(size_t n, double c, double s, double* x, double* y) { picked.rotate(n, c, s, x, y); }
+double dotproduct(size_t n, const double* x, const double* y) { return picked.dotproduct(n, x, y); }

@@ -1,0 +1,34 @@
+/* funcs/vectorloopsrun.h - the bodies of funcs/vectorloops.h, compiled once for each kind of processor.
+ * Owns:    nothing. Callers: funcs/vectorloops.cpp includes it inside a namespace a kind. Never: included
+ * elsewhere. */
+
+void axpy(size_t n, double alpha, const double* __restrict x, double* __restrict y) {
+    for (size_t i = 0; i < n; i++) y[i] += alpha * x[i];
+}
+
+void axpy4(size_t n, const double* __restrict a, const double* __restrict x, size_t stride,
+           double* __restrict y) {
+    const double a0 = a[0], a1 = a[1], a2 = a[2], a3 = a[3];
+    const double *x0 = x, *x1 = x + stride, *x2 = x + 2 * stride, *x3 = x + 3 * stride;
+    for (size_t i = 0; i < n; i++) y[i] = (((y[i] + a0 * x0[i]) + a1 * x1[i]) + a2 * x2[i]) + a3 * x3[i];
+}
+
+void rotate(size_t n, double c, double s, double* __restrict x, double* __restrict y) {
+    for (size_t i = 0; i < n; i++) {
+        const double p = x[i], q = y[i];
+        x[i] = c * p + s * q;
+        y[i] = c * q - s * p;
+    }
+}
+
+// Eight partial sums, added in a fixed order.
+double dotproduct(size_t n, const double* x, const double* y) {
+    double sum[8] = {};
+    size_t i = 0;
+    for (; i + 8 <= n; i += 8)
+        for (size_t k = 0; k < 8; k++) sum[k] += x[i + k] * y[i + k];
+    for (size_t k = 0; i < n; i++, k++) sum[k] += x[i] * y[i];
+    return ((sum[0] + sum[4]) + (sum[2] + sum[6])) + ((sum[1] + sum[5]) + (sum[3] + sum[7]));
+}
+
+constexpr looptable loops = {axpy, axpy4, rotate, dotproduct};
