@@ -7,6 +7,8 @@ struct looptable {
     void (*axpy4)(size_t, const double*, const double*, size_t, double*);
     void (*rotate)(size_t, double, double, double*, double*);
     double (*dotproduct)(size_t, const double*, const double*);
+    void (*reflect3)(size_t, double, double, double, double, double, double*, double*, double*);
+    void (*reflect2)(size_t, double, double, double, double*, double*);
 };
 
 namespace anyprocessor {
@@ -42,3 +44,9 @@ void axpy4(size_t n, const double* a, const double* x, size_t stride, double* y)
 }
 void rotate(size_t n, double c, double s, double* x, double* y) { picked.rotate(n, c, s, x, y); }
 double dotproduct(size_t n, const double* x, const double* y) { return picked.dotproduct(n, x, y); }
+void reflect3(size_t n, double x, double y, double z, double q, double r, double* a, double* b, double* c) {
+    picked.reflect3(n, x, y, z, q, r, a, b, c);
+}
+void reflect2(size_t n, double x, double y, double q, double* a, double* b) {
+    picked.reflect2(n, x, y, q, a, b);
+}

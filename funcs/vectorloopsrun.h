@@ -31,4 +31,22 @@ double dotproduct(size_t n, const double* x, const double* y) {
     return ((sum[0] + sum[4]) + (sum[2] + sum[6])) + ((sum[1] + sum[5]) + (sum[3] + sum[7]));
 }
 
-constexpr looptable loops = {axpy, axpy4, rotate, dotproduct};
+void reflect3(size_t n, double x, double y, double z, double q, double r, double* __restrict a,
+              double* __restrict b, double* __restrict c) {
+    for (size_t i = 0; i < n; i++) {
+        const double t = x * a[i] + y * b[i] + z * c[i];
+        a[i] -= t;
+        b[i] -= t * q;
+        c[i] -= t * r;
+    }
+}
+
+void reflect2(size_t n, double x, double y, double q, double* __restrict a, double* __restrict b) {
+    for (size_t i = 0; i < n; i++) {
+        const double t = x * a[i] + y * b[i];
+        a[i] -= t;
+        b[i] -= t * q;
+    }
+}
+
+constexpr looptable loops = {axpy, axpy4, rotate, dotproduct, reflect3, reflect2};
