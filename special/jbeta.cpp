@@ -8,6 +8,14 @@
 #include <cmath>
 
 namespace {
+// exp(x) - 1 - x
+double expm1mx(double x) {
+    if (std::fabs(x) > 0.5) return std::expm1(x) - x;
+    double sum = 0;
+    for (int k = 15; k >= 2; k--) sum = (1 + sum) * x / k;
+    return sum * x;
+}
+
 /* The derivative of I_x(a,b) by a is the integral of t^(a-1) (1-t)^(b-1) (ln t + psi(a+b) - psi(a)) / B(a,b)
  * over t < x, or less that over t > x, since the whole is 0. The last factor changes its sign once, about the
  * mean a/(a+b), so the side of x away from it has no cancellation. With t = z exp(-s) or 1-t = z exp(-s) the
@@ -17,16 +25,21 @@ struct jbetajob {
     double delta; // psi(a+b) - psi(a)
     double lnx;   // ln x + delta without cancellation
     bool below;   // t < x
-    double p, q;  // the powers of t and 1-t in this order below, 1-t and t above
+    double p, q;  // the powers of t and 1-t in this order below, of 1-t and t above
+    double ratio; // of z to 1-z
+    double slope; // of the exponent at s = 0
 
-    double z() const { return below ? x : y; }
-    // ln of the power of 1 - z exp(-s), relative to s = 0
-    double lnpower(double s) const {
-        const double ratio = below ? x / y : y / x;
-        return (q - 1) * std::log1p(-ratio * std::expm1(-s));
+    // ln of exp(-p s) (1 - z exp(-s))^(q-1), relative to s = 0; large terms linear in s are taken out into
+    // the slope
+    double exponent(double s) const {
+        const double u = -ratio * std::expm1(-s);
+        return slope * s + (q - 1) * (log1pmx(u) - ratio * expm1mx(-s));
     }
-    double exponent(double s) const { return lnpower(s) - p * s; }
-    double logfactor(double s) const { return below ? lnx - s : delta + std::log1p(-y * std::exp(-s)); }
+    double logfactor(double s) const {
+        if (below) return lnx - s;
+        const double grow = -y * std::expm1(-s); // t = x + grow
+        return a < 10 ? delta + std::log(x + grow) : lnx + std::log1p(grow / x);
+    }
 };
 
 double wholeintegrand(double s, void* context) {
@@ -38,7 +51,7 @@ double wholeintegrand(double s, void* context) {
  * resting value is integrated in closed form, and this is what is left. */
 double restintegrand(double s, void* context) {
     const jbetajob& j = *static_cast<const jbetajob*>(context);
-    const double v = j.z() * std::exp(-s), power = std::expm1((j.q - 1) * std::log1p(-v));
+    const double v = (j.below ? j.x : j.y) * std::exp(-s), power = std::expm1((j.q - 1) * std::log1p(-v));
     const double rest = j.below ? power * j.logfactor(s) : power * j.logfactor(s) + std::log1p(-v);
     return std::exp(-j.p * s) * rest;
 }
@@ -51,7 +64,8 @@ double jbetaintegral(jbetajob& j) {
         const double resting = (j.below ? j.lnx - 1 / j.p : j.delta) / j.p;
         return term * std::pow(other, -j.q) * (resting + quadthirds(restintegrand, &j, 0, 42, 1e-15));
     }
-    double reach = 1e-3;
+    double reach = 1;
+    while (j.exponent(reach) < -70) reach *= 0.7;
     while (j.exponent(reach) > -45) reach *= 1.5;
     return term / other * quadthirds(wholeintegrand, &j, 0, reach, 1e-15);
 }
@@ -65,7 +79,8 @@ double jbetafirst(double a, double b, double x, double y) {
     // smooth and, x being next to an end, cancels little
     const bool below =
         lnx < 0 ? -std::log1p(-y) * std::fmax(1, a) > 0.1 : -std::log1p(-x) * std::fmax(1, b) <= 0.1;
-    jbetajob j = {a, b, x, y, delta, lnx, below, below ? a : b, below ? b : a};
+    const double slope = below ? -((a * y - b * x) + x) / y : ((a * y - b * x) - y) / x;
+    jbetajob j = {a, b, x, y, delta, lnx, below, below ? a : b, below ? b : a, below ? x / y : y / x, slope};
     const double integral = jbetaintegral(j);
     return below ? integral : -integral;
 }
