@@ -1,9 +1,11 @@
 /* special/besselimpl.h - what the files of the Bessel functions share.
  * Owns:    nothing.
- * Callers: bessel*.cpp, cbessel.cpp, sphbessel.cpp, struve.cpp.
+ * Callers: bessel*.cpp, cbessel.cpp, kelvin.cpp, sphbessel.cpp, struve.cpp.
  * Never:   checks a domain; x is above 0, nu at least 0 (named mu: at most 1/2 in magnitude) but
  *          where any order is said. */
 #pragma once
+
+#include "special/spcomplex.h"
 
 // J_nu and Y_nu, or nothing.
 struct besjy {
@@ -49,3 +51,6 @@ double beskraw(double nu, double x, int shift);
 
 // The value m exp(e); 0 or infinity beyond the range of doubles.
 double joinexponent(double m, double e);
+
+// As cbess for z not 0, as m exp(e) and without a fault noted; false where no method reaches.
+bool cbesswide(double kind, double nu, spcomplex z, spcomplex* m, double* e);

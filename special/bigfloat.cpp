@@ -183,3 +183,11 @@ bigfloat bigdiv(const bigfloat& a, const bigfloat& b, size_t width) {
     settle(r, width);
     return r;
 }
+
+bigfloat bigscale(bigfloat a, int64_t power) {
+    if (a.zero()) return a;
+    const int64_t whole = power >= 0 ? power / 32 : -((31 - power) / 32);
+    a = bigmul(a, bigfloat(std::ldexp(1.0, static_cast<int>(power - 32 * whole))), a.digit.size() + 2);
+    a.exponent += whole;
+    return a;
+}

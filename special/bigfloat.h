@@ -16,7 +16,7 @@ struct bigfloat {
 
     bigfloat() = default;
     bigfloat(double x); // exact; x finite
-    bigfloat(dd x);    // exact
+    bigfloat(dd x);     // exact
 
     bool zero() const { return digit.empty(); }
     // The value with an error below 1e-31, as first 2^power; power is 0 for zero.
@@ -28,6 +28,7 @@ struct bigfloat {
 bigfloat bigadd(const bigfloat& a, const bigfloat& b, size_t width);
 bigfloat bigmul(const bigfloat& a, const bigfloat& b, size_t width);
 bigfloat bigdiv(const bigfloat& a, const bigfloat& b, size_t width); // b not zero
+bigfloat bigscale(bigfloat a, int64_t power);                        // a 2^power, exact
 inline bigfloat bigneg(bigfloat a) {
     a.negative = !a.negative;
     return a;

@@ -87,6 +87,13 @@ inline ddcomplex operator*(ddcomplex a, ddcomplex b) {
 inline ddcomplex operator*(ddcomplex a, dd b) { return {a.re * b, a.im * b}; }
 inline ddcomplex operator/(ddcomplex a, dd b) { return {a.re / b, a.im / b}; }
 inline ddcomplex operator/(ddcomplex a, ddcomplex b) {
+    const double size = std::fmax(std::fabs(b.re.hi), std::fabs(b.im.hi));
+    if ((size < 1e-100 && size > 0) ||
+        (size > 1e100 && std::isfinite(size))) { // its square would leave the doubles
+        const int power = std::ilogb(size);
+        const ddcomplex q = a / ddcomplex{ddscale(b.re, -power), ddscale(b.im, -power)};
+        return {ddscale(q.re, -power), ddscale(q.im, -power)};
+    }
     const dd n = b.re * b.re + b.im * b.im;
     return {(a.re * b.re + a.im * b.im) / n, (a.im * b.re - a.re * b.im) / n};
 }

@@ -258,6 +258,66 @@ def orthopolyrows():
     return out
 
 
+def complexrows(name, f, args, tol=2e-14):
+    """Rows name.RE and name.IM; the error allowed of a part is that of the whole, in which both count."""
+    out = []
+    for a in args:
+        a = tuple(mpf(float(x)) for x in a)
+        w = m.mpc(f(*a))
+        c = mpf(1)
+        for i, x in enumerate(a):
+            if x == 0 or (x == int(x) and i < len(a) - 2):
+                continue
+            c += abs((m.mpc(f(*(a[:i] + (x * (1 + mpf(10) ** -12),) + a[i + 1:]))) - w) / w) * mpf(10) ** 12
+        for part, v in (("RE", w.real), ("IM", w.imag)):
+            allowed = tol * c * (abs(w / v) if v else abs(w))
+            if allowed < 1e-4:
+                out.append(row(name + "." + part, [float(x) for x in a], v, max(1e-14, float("%.1g" % allowed))))
+    return out
+
+
+@table("complexfn")
+def complexfunctionrows():
+    z = [(0.7, 0.3), (-1.2, 2.5), (3.3, -0.4), (-0.2, -4.1), (12.5, 7.7), (0, 1.5), (2.5, 0), (-3.5, 0), (1e-9, 2e-9), (-2.0001, 0.001)]
+    far = z + [(30, -60), (-25.5, 0.3), (-45, 20), (0.999, 1e-5)]
+    of = lambda f: lambda x, y: f(m.mpc(x, y))
+    psi = lambda v: m.digamma(v) if v.real > 0 else m.digamma(1 - v) - m.pi * m.cot(m.pi * v)
+    rest = lambda v: m.loggamma(v) - (v - mpf(1) / 2) * m.log(v) + v - m.log(2 * m.pi) / 2
+    out = []
+    for name, f in (("CLOG", m.log), ("CLNREL", lambda v: m.log(1 + v)), ("CPSI", psi), ("CLNGAM", m.loggamma)):
+        out += complexrows(name, of(f), far + [(1.001, 0.002), (2.001, -0.002)])
+    out += complexrows("CGAMMA", of(m.gamma), z + [(0.999, 1e-5), (1.5, 20), (-9.5, 3), (30, -6)])
+    out += complexrows("C9LGMC", of(rest), far)
+    out += complexrows("CCE1", of(m.e1), [a for a in far if a != (0, 0)] + [(-41, 3), (5, 40.5), (0.1, 3.9)])
+    functions = {1: m.exp, 2: m.log, 3: m.log10, 67: lambda v: m.log(v) / m.log(2), 4: m.sqrt, 5: m.sin, 7: m.cos, 9: m.tan,
+                 64: m.cot, 74: m.sec, 75: m.csc, 11: m.sinh, 12: m.cosh, 13: m.tanh, 111: m.csch, 112: m.sech, 113: m.coth,
+                 14: m.asin, 15: m.acos, 16: m.atan, 79: m.acot, 80: m.asec, 81: m.acsc, 46: m.asinh, 47: m.acosh,
+                 48: m.atanh, 49: m.acoth, 50: m.asech, 51: m.acsch, 269: lambda v: m.log(1 + v)}
+    some = [(0.7, 0.3), (-1.2, 2.5), (2.5, 0), (-3.5, 0), (0, -2.5), (0.001, -0.002)]
+    for k, f in functions.items():
+        out += complexrows("CMATH", lambda s, x, y: f(m.mpc(x, y)), [(k,) + a for a in some])
+    power = lambda u, v, x, y: m.mpc(x, y) ** m.mpc(u, v)  # the exponent first
+    out += complexrows("CPOW", power, grid([2.5, -3, 7], [0, 1.25], [0.4, -1.5], [0.3, -7]))
+    return out
+
+
+@table("cbessel")
+def complexbesselrows():
+    kinds = {1: m.besselj, 2: m.bessely, 3: m.besseli, 4: m.besselk, 5: m.hankel1, 6: m.hankel2}
+    z = [(0.4, 0.3), (-1.5, 1.9), (2.2, -7.5), (-12, -16), (0, 4), (40, 1.5), (0.5, -60), (1e-5, 1e-6)]
+    nu = [0, 1, 3.7, 20, -1.3]
+    f = lambda k, v, x, y: kinds[int(k)](v, m.mpc(x, y))
+    with mp.workdps(90):
+        out = complexrows("CBESS", f, [(k, v) + a for k in kinds for v in nu for a in z if k != 2 or v != 20 or a[0] > 1e-3])
+        out += complexrows("CBESS", f, [(1, 150.5, 120, 60), (3, 80, 30, 200), (4, 80, 30, 200), (2, 60.3, 50, 8)])
+        kelvin = {1: m.ber, 2: m.bei, 3: m.ker, 4: m.kei}
+        x = [0.001, 0.4, 2.2, 9.9, 10.1, 33, 130]
+        out += rows("KELVIN", lambda v, x, k: kelvin[int(k)](v, x), grid([0, 1, 2, 0.5, -3], x, [1, 2, 3, 4]), inexact=(0, 1))
+        slope = lambda v, x, k: m.diff(lambda t: kelvin[int(k) - 4](v, t), x)
+        out += rows("KELVIN", slope, grid([0, 2, 1.5], [0.03, 2.2, 14, 70], [5, 6, 7, 8]), inexact=(1,))
+    return out
+
+
 if __name__ == "__main__":
     for name in sys.argv[1:] or TABLES:
         lines = TABLES[name]()
