@@ -368,7 +368,8 @@ void readbody(forloop& f) {
         if (number == TOKNUMBER || number == TOKSTRING) tempfree(index);
         int at = 0;
         if (s && s->kind == sourcekind::file) at = s->in.number;
-        if (const forloop* outer = runningloop(); outer && outer->body.next <= outer->lines.size())
+        if (const forloop* outer = runningloop();
+            outer && outer->body.next > 0 && outer->body.next <= outer->lines.size())
             at = outer->lines[outer->body.next - 1];
         f.lines.resize(f.body.tokens.size(), at);
     }

@@ -18,6 +18,7 @@ struct pendingtest : funcstest {
         fp.limit = 3;
     }
     std::mt19937 random{4};
+    int names = 0; // given so far
     int pick(int n) { return int(random() % unsigned(n)); }
 
     harrayptr large(bool faulty) {
@@ -41,9 +42,8 @@ struct pendingtest : funcstest {
         }
         harrayptr m = large(faulty), copy(harraydup(m.get()));
         if (kind == 1) return {symtabmatrix(0, 0, std::move(m)), std::move(copy)};
-        char name[8];
-        snprintf(name, sizeof name, "M%d", pick(1000000));
-        const int idx = named(name, MATRIX);
+        const std::string name = "M" + std::to_string(++names);
+        const int idx = named(name.c_str(), MATRIX);
         sym(idx).val.ptr = m.release();
         return {idx, std::move(copy)};
     }

@@ -97,6 +97,7 @@ TEST_F(stringopstest, namedOperandsAreKept) {
     stringbinop(6, name, name);
     EXPECT_STREQ(stringval(polpop()), "abab");
     EXPECT_STREQ(stringval(name), "ab");
+    symtabdelete(name);
 }
 
 TEST_F(stringopstest, refusals) {
