@@ -87,6 +87,8 @@ void removebykind(int idx) {
 } // namespace
 
 void symtabstart() {
+    for (symbol& s : symtab.at) // what an earlier start has left
+        if (s.name[0] && s.name[0] != '@') release(s);
     symtabkindrow kinds[std::size(symtab.kind)];
     memcpy(kinds, symtab.kind, sizeof kinds);
     symtab = symtabstate{};
