@@ -71,8 +71,8 @@ struct funcstest : testing::Test {
     }
     void TearDown() override {
         report = reportstate{};
-        for (symbol& s : symtab.at)
-            if (s.type > 0 && symtab.kind[s.type].release) symtab.kind[s.type].release(s);
+        symtabsweep();
+        symtabstart();
     }
 
     // What f prints; the error it ends in is printed too.

@@ -205,9 +205,6 @@ struct FuncsTest : testing::Test {
     void TearDown() override {
         report.capture = nullptr;
         symtabsweep();
-        for (int k = 1; k < SYMTABSIZE; k++)
-            if (sym(k).type == MATRIX && sym(k).name[0] != '@')
-                harrayfree(static_cast<harray*>(sym(k).val.ptr));
         symtabstart();
     }
 
