@@ -18,6 +18,7 @@ constexpr int KREADCODE = -78, LASTSCALARCODE = -399;
 constexpr int SLOTANY = 20,
               SLOTNUMERIC = 22; // kinds of a builtin's arguments that take a scalar, beside SCALAR
 constexpr size_t INNERROOM = 100;
+constexpr int NESTROOM = 100; // IFs and loops inside each other
 
 struct refused {}; // there is no code for this statement
 
@@ -34,6 +35,7 @@ struct compiler {
     loopcode& out;
     size_t at = 0;          // token where the statement begins
     bool callsuser = false; // the statement calls a user function, which may change any variable
+    int nested = 0;         // IFs and loops around the statement
     std::vector<size_t>* leaves = nullptr; // the RETURNs of the inner loop around the statement
 };
 
@@ -544,9 +546,13 @@ size_t returnstatement(compiler& c, size_t from, size_t to) {
 // Returns where it ends: at an end of statement, an ELSE, or `to`.
 size_t statement(compiler& c, size_t from, size_t to) {
     c.at = from;
-    if (numberat(c, from) == TOKIF) return ifstatement(c, from, to);
-    if (numberat(c, from) == TOKFOR) return forstatement(c, from, to);
     if (numberat(c, from) == TOKRETURN) return returnstatement(c, from, to);
+    if (numberat(c, from) == TOKIF || numberat(c, from) == TOKFOR) {
+        if (++c.nested > NESTROOM) throw refused{};
+        const size_t end = numberat(c, from) == TOKIF ? ifstatement(c, from, to) : forstatement(c, from, to);
+        c.nested--;
+        return end;
+    }
     const size_t end = findoutside(c, from, to, {TOKEND, TOKELSE});
     plainstatement(c, from, end);
     return end;
@@ -598,6 +604,8 @@ void body(compiler& c) {
             c.out.guards.resize(before.guards);
             c.out.inner.resize(before.inner);
             c.out.complete = false;
+            c.nested = 0;
+            c.leaves = nullptr;
             c.at = from;
             emit(c, LOOPPARSE);
             end = skipped(c, from, to);

@@ -121,6 +121,31 @@ extern "C" void onleave(int signalnumber) {
     errno = savederrno;
 }
 
+// A fault of the program: the terminal is given back before it ends as the system would have it.
+extern "C" void onfault(int signalnumber) {
+    if (tty.raw) settermios(tty.original);
+    char text[80];
+    const int n =
+        snprintf(text, sizeof text, "\nunhandled exception, catcherr: 0x%8x\n", unsigned(signalnumber));
+    if (write(STDERR_FILENO, text, size_t(n)) < 0) _exit(1);
+    signal(signalnumber, SIG_DFL);
+    raise(signalnumber);
+}
+
+// Runs on a stack of its own: the machine stack may be what is used up.
+void catchfaults() {
+    static char stack[1 << 16];
+    stack_t own{};
+    own.ss_sp = stack;
+    own.ss_size = sizeof stack;
+    if (sigaltstack(&own, nullptr) != 0) return;
+    struct sigaction action {};
+    action.sa_handler = onfault;
+    action.sa_flags = SA_ONSTACK | SA_NODEFER;
+    sigemptyset(&action.sa_mask);
+    for (const int s : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT}) sigaction(s, &action, nullptr);
+}
+
 void onsignal(int signalnumber, void (*handler)(int)) {
     struct sigaction action {};
     action.sa_handler = handler;
@@ -286,6 +311,7 @@ void constart(bool plain) {
     if (!con.screen) return;
     onsignal(SIGWINCH, onresize);
     for (const int s : {SIGTSTP, SIGTERM, SIGHUP, SIGQUIT}) onsignal(s, onleave);
+    catchfaults();
     windowsize();
     rawmodes();
 }

@@ -269,17 +269,31 @@ def test_window_size_is_followed():
 def test_stopped_and_continued():
     with Session() as s:
         s.prompted()
+        os.kill(s.process, signal.SIGTSTP)
         os.kill(s.process, signal.SIGSTOP)
         os.kill(s.process, signal.SIGCONT)
-        s.line("1 + 1")
+        time.sleep(0.3)
+        assert not s.modes()[3] & termios.ECHO
+        s.send("1 + 1" + ENTER)
+        s.expect("= 2")
+
+
+def test_text_of_the_statement_stays_under_the_pasted_one():
+    """Keys that come while a statement runs are echoed once, at their line."""
+    with Session() as s:
+        s.prompted()
+        s.send("A = 1" + ENTER + "B = 2" + ENTER + "A + B" + ENTER)
+        s.expect("= 3")
+        assert s.screen.lines()[:3] == ["* A = 1", "* B = 2", "* A + B"]
 
 
 def test_killed_from_outside_gives_the_terminal_back():
-    with Session() as s:
-        s.prompted()
-        os.kill(s.process, signal.SIGTERM)
-        assert s.end() == -signal.SIGTERM
-        assert s.modes()[3] & termios.ECHO
+    for number in (signal.SIGTERM, signal.SIGHUP, signal.SIGQUIT, signal.SIGSEGV):
+        with Session() as s:
+            s.prompted()
+            os.kill(s.process, number)
+            assert s.end() == -number
+            assert s.modes()[3] & termios.ECHO
 
 
 def test_colours_only_when_asked_and_allowed():

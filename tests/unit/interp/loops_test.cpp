@@ -64,6 +64,25 @@ TEST_F(Loops, BodyMayChangeTheMatrix) {
     EXPECT_EQ(run("A = 1:3; FOR I = A { IF I = 3 THEN DELETE A; TYPE I }"), "  I = 1\n  I = 2\n  I = 3\n");
 }
 
+TEST_F(Loops, RefusedInnerLoopLeavesNothingForALaterReturn) {
+    EXPECT_EQ(run("X = 0; FOR I = 1:6 { FOR J = 1:2 { TYPE J }; IF I = 4 THEN RETURN; X = I }; TYPE X"),
+              "  J = 1\n  J = 2\n  J = 1\n  J = 2\n  J = 1\n  J = 2\n  J = 1\n  J = 2\n  X = 3\n");
+    EXPECT_EQ(run("X = 0; FOR I = 1:6 { FOR J = 1:2 { IF I = 9 THEN RETURN; TYPE J }; X = X + 1; IF I = 4 "
+                  "THEN RETURN };"
+                  " TYPE X")
+                  .substr(64),
+              "  X = 4\n");
+}
+
+TEST_F(Loops, DeepNestingIsNoDanger) {
+    std::string deep;
+    for (int k = 0; k < 2000; k++) deep += "IF I THEN ";
+    EXPECT_EQ(run("X = 0; FOR I = 1:5 { " + deep + "X = X + I }; TYPE X"), "  X = 15\n");
+    const std::string open(5000, '('), close(5000, ')');
+    EXPECT_EQ(run("FOR I = 1:5 { X = " + open + "I" + close + " }").substr(0, 8), "##Error:");
+    EXPECT_EQ(run("1+1"), "    = 2\n");
+}
+
 TEST_F(Loops, BodyMayDeleteTheVariable) {
     EXPECT_EQ(run("FOR I = 1:3 { TYPE I; DELETE I; J = 7 }; TYPE J"), "  I = 1\n  I = 2\n  I = 3\n  J = 7\n");
 }
