@@ -42,14 +42,22 @@ void consoletext(const char* text, size_t length) {
     console.write(text, length);
 }
 
+void logandconsole(const char* text, size_t length) {
+    if (report.log) fwrite(text, 1, length, report.log);
+    consoletext(text, length);
+}
+
 void show(const std::string& text) { tarnprinttext(text.data(), text.size()); }
 
-// An error must reach the user even while output goes to a listing or into a string.
+// An error must reach the user even while output goes to a listing.
 [[noreturn]] void fail(const std::string& text) {
     if (heldback()) throw recoveryjump{-1};
     if (!report.recoveryset) conout("%%%%error: setjmp not initialized: exiting...\n");
     report.errors++;
-    show(text);
+    if (report.listing && !report.capture)
+        logandconsole(text.data(), text.size());
+    else
+        show(text);
     if (report.batch) console.errortext(text.c_str());
     throw recoveryjump{-1};
 }
@@ -66,8 +74,7 @@ void tarnprinttext(const char* text, size_t length) {
         fwrite(text, 1, length, report.listing);
         return;
     }
-    if (report.log) fwrite(text, 1, length, report.log);
-    consoletext(text, length);
+    logandconsole(text, length);
 }
 
 void tarnprint(const char* format, ...) {
