@@ -53,8 +53,8 @@ double asindof(double x) { return asinof(x) * DEGREESPERRADIAN; }
 double acosdof(double x) { return acosof(x) * DEGREESPERRADIAN; }
 double atandof(double x) { return std::atan(x) * DEGREESPERRADIAN; }
 double atan2of(double y, double x) { return std::atan2(y, x); }
-// The angle in (0, pi), without loss for large x.
-double acotanof(double x) { return std::atan2(1, x); }
+// The principal value arctan(1/x) (DLMF 4.23.9), pi/2 at 0.
+double acotanof(double x) { return x == 0 ? PI / 2 : std::atan(1 / x); }
 // sqrt(x^2 - 1) without overflow, and without loss next to 1; x >= 1.
 double rootbelow(double x) { return std::sqrt(x - 1) * std::sqrt(x + 1); }
 double asecof(double x) {

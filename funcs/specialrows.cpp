@@ -4,6 +4,7 @@
 #include "special/airy.h"
 #include "special/bessel.h"
 #include "special/beta.h"
+#include "special/cbessel.h"
 #include "special/combin.h"
 #include "special/elliptic.h"
 #include "special/errorfn.h"
@@ -33,9 +34,9 @@ constexpr scalarrow zetarows[] = {
     {-255, zeta}, {-257, lambdafn}, {-256, betacat}, {-235, dilog}, {-251, clausen},
 };
 constexpr scalarrow besselrows[] = {
-    {-26, bessj},   {-27, bessy},   {-28, bessi},   {-29, bessk},    {-274, abessj},    {-275, abessy},
-    {-276, abessi}, {-277, abessk}, {-278, beskes}, {-279, besks},   {-270, spbj},      {-271, spby},
-    {-272, spbi},   {-273, spbk},   {-229, bairy},  {-254, ibessi0}, {-280, ibessjoxi},
+    {-26, bessj},   {-27, bessy},   {-28, bessi},   {-29, bessk},   {-274, abessj},  {-275, abessy},
+    {-276, abessi}, {-277, abessk}, {-278, beskes}, {-279, besks},  {-270, spbj},    {-271, spby},
+    {-272, spbi},   {-273, spbk},   {-229, bairy},  {-240, kelvin}, {-254, ibessi0}, {-280, ibessjoxi},
 };
 
 constexpr scalarrow combinrows[] = {

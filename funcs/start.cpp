@@ -9,6 +9,7 @@ void funcsstart() {
     elementaryrows();
     specialrows();
     specialmatrixrows();
+    complexfunctionrows();
     matrixbasicrows();
     callrows();
     linearrows();

@@ -200,7 +200,10 @@ TEST_F(callstest, codesWithoutRoutine) {
     EXPECT_EQ(result(unchecked(-990), {scalar(1)}), "##Error: invalid string function\n");
     EXPECT_EQ(result(named("PROBE", SCALAR, 3), {scalar(1)}),
               "##Error: PROBE is not a user-defined or builtin function\n");
-    EXPECT_EQ(result("GAMMA", {matrix(1, 3, {1})}), "##Error: GAMMA: an expression is of the wrong type\n");
+    const int f = unchecked(-398);
+    sym(f).val.argd[0] = 1;
+    sym(f).val.argd[1] = 22;
+    EXPECT_EQ(result(f, {matrix(1, 3, {1})}), "##Error: PROBE: an expression is of the wrong type\n");
 }
 
 TEST_F(callstest, whatIsNoFunctionIsSubscripted) {

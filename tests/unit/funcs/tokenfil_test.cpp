@@ -50,6 +50,8 @@ struct vocabularytest : funcstest {
         elementaryrows();
         specialrows();
         specialmatrixrows();
+        complexfunctionrows();
+        complexrows();
         matrixbasicrows();
         ranrows();
         stringopsstart();
