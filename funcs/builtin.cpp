@@ -14,6 +14,7 @@ struct builtintable {
     const scalarrow* scalar[SCALARCODES];
     const numberrow* number[NUMBERCODES];
     const valuerow* value[VALUECODES];
+    columnroutine column[SCALARCODES];
 };
 builtintable table;
 
@@ -62,6 +63,12 @@ void builtinreset() { table = builtintable{}; }
 void builtinadd(const scalarrow* rows, int count) { enter(table.scalar, rows, count); }
 void builtinadd(const numberrow* rows, int count) { enter(table.number, rows, count); }
 void builtinadd(const valuerow* rows, int count) { enter(table.value, rows, count); }
+void builtinadd(const columnrow* rows, int count) {
+    for (int k = 0; k < count; k++) table.column[-rows[k].code] = rows[k].run;
+}
+columnroutine scalarbuiltincolumn(int code) {
+    return code < 0 && -code < SCALARCODES ? table.column[-code] : nullptr;
+}
 const scalarrow* scalarbuiltinrow(int code) { return find(table.scalar, code); }
 const numberrow* numberbuiltinrow(int code) { return find(table.number, code); }
 const valuerow* valuebuiltinrow(int code) { return find(table.value, code); }

@@ -8,6 +8,7 @@
 #include "interp/base/symtab.h"
 #include "special/fault.h"
 
+#include <cstddef>
 #include <cstdint>
 
 // Codes -1..-399: scalar functions of up to seven scalars. A missing argument takes its default (argument 2
@@ -77,12 +78,22 @@ struct valuerow {
     int (*call)(const callargs& a);
 };
 
+// A scalar function of one number on a column of them, with the same bits as its routine. It tells nothing:
+// where there is something to tell, its result is not finite.
+using columnroutine = void (*)(const double* x, double* y, size_t n);
+struct columnrow {
+    int16_t code;
+    columnroutine run;
+};
+
 void funcsstart(); // empties the table and enters the rows of this room and of special/
 void builtinreset();
 void builtinadd(const scalarrow* rows, int count);
 void builtinadd(const numberrow* rows, int count);
 void builtinadd(const valuerow* rows, int count);
+void builtinadd(const columnrow* rows, int count);
 const scalarrow* scalarbuiltinrow(int code); // null: no routine
+columnroutine scalarbuiltincolumn(int code); // null: one at a time
 const numberrow* numberbuiltinrow(int code);
 const valuerow* valuebuiltinrow(int code);
 

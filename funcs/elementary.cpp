@@ -7,7 +7,8 @@
 #include "interp/base/fpfault.h"
 #include "interp/base/numtext.h"
 #include "interp/base/report.h"
-#include "special/exponential.h"
+#include "special/expcolumn.h"
+#include "special/sincolumn.h"
 
 #include <cmath>
 #include <iterator>
@@ -21,7 +22,7 @@ constexpr double PI = 3.14159265358979323846, LN2 = 0.69314718055994530942;
 double domain(const char* name, double value) { return matherr(MEDOMAIN, name, value); }
 double singular(const char* name, double value) { return matherr(MESING, name, value); }
 
-double expof(double x) { return fpcheck(exponential(x)); }
+double expof(double x) { return fpcheck(expone(x)); }
 
 using libraryfunction = double (*)(double);
 template <libraryfunction f> double logarithm(double x, const char* name) {
@@ -36,8 +37,8 @@ double log10of(double x) { return logarithm<std::log10>(x, "log10"); }
 double log2of(double x) { return logarithm<std::log2>(x, "log2"); }
 double sqrtof(double x) { return x >= 0 ? std::sqrt(x) : domain("sqrt", 0); }
 
-double sinof(double x) { return std::sin(x); }
-double cosof(double x) { return std::cos(x); }
+double sinof(double x) { return sinone(x); }
+double cosof(double x) { return cosone(x); }
 double tanof(double x) { return std::tan(x); }
 double sindof(double x) { return std::sin(x * DEGREE); }
 double cosdof(double x) { return std::cos(x * DEGREE); }
@@ -156,6 +157,19 @@ constexpr scalarrow rows[] = {
     {-206, smallest}, {-83, gcdof},         {-85, lcmof},     {-100, typeout, IMPURE},
 };
 
+void sqrtcolumn(const double* x, double* y, size_t n) {
+    for (size_t i = 0; i < n; i++) y[i] = std::sqrt(x[i]);
+}
+void abscolumn(const double* x, double* y, size_t n) {
+    for (size_t i = 0; i < n; i++) y[i] = std::fabs(x[i]);
+}
+
+constexpr columnrow columns[] = {
+    {-1, expcolumn}, {-4, sqrtcolumn}, {-5, sincolumn}, {-7, coscolumn}, {-23, abscolumn}};
+
 } // namespace
 
-void elementaryrows() { builtinadd(rows, int(std::size(rows))); }
+void elementaryrows() {
+    builtinadd(rows, int(std::size(rows)));
+    builtinadd(columns, int(std::size(columns)));
+}

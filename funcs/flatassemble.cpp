@@ -191,6 +191,7 @@ int flatunitcompiler::row(const scalarrow* r) {
     const auto at = std::find(unit.rows.begin(), unit.rows.end(), r);
     if (at != unit.rows.end()) return int(at - unit.rows.begin());
     unit.rows.push_back(r);
+    unit.columns.push_back(scalarbuiltincolumn(r->code));
     return int(unit.rows.size()) - 1;
 }
 

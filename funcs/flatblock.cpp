@@ -6,14 +6,10 @@
 #include "interp/base/fpfault.h"
 #include "values/harray.h"
 
-#include "special/exponential.h"
-
 #include <algorithm>
 #include <cmath>
 
 namespace {
-
-constexpr int CODEEXP = -1; // EXP runs over a block as vector code, with the digits of its routine
 
 namespace anyprocessor {
 #include "funcs/flatblockrun.h"

@@ -74,19 +74,11 @@ bool power(const blockrun& run, const flatop& o) {
     return !domain && finite(d, n);
 }
 
-void exponentials(const blockrun& run, const flatop& o) {
-    const column a = run.operand(o.a);
-    double* d = run.result(o.dst);
-    const int n = run.rows(o.dst);
-    if (!a.varies) return std::fill(d, d + n, exponential(a.x[0]));
-#pragma GCC ivdep
-    for (int i = 0; i < n; i++) d[i] = exponential(a.x[i]);
-}
-
 bool call1(const blockrun& run, const flatop& o) {
     const scalarrow& row = *run.unit.rows[o.b];
-    if (row.code == CODEEXP)
-        exponentials(run, o);
+    const columnroutine whole = run.unit.columns[o.b];
+    if (whole && run.vary[o.a])
+        whole(run.rowsof(o.a), run.rowsof(o.dst), size_t(run.n));
     else
         apply1(run, o, row.f1);
     return finite(run, o.dst);

@@ -120,10 +120,11 @@ struct flatunit {
     std::vector<flatguard> guards;
     std::vector<flatmatrix> matrices;
     std::vector<const scalarrow*> rows;
-    std::vector<int16_t> stored;  // functions whose last value a run sets
-    std::vector<double> saved;    // and what it was before
-    std::vector<int16_t> dummies; // names that the operators with a dummy bind
-    uint32_t sweeps = 0;          // trinodes.sweeps when it was made
+    std::vector<columnroutine> columns; // of the same functions; null where there is none
+    std::vector<int16_t> stored;        // functions whose last value a run sets
+    std::vector<double> saved;          // and what it was before
+    std::vector<int16_t> dummies;       // names that the operators with a dummy bind
+    uint32_t sweeps = 0;                // trinodes.sweeps when it was made
     bool odedependent = false, odeactive = false;
     bool blocks = false;       // the entry can be run on blocks of rows
     std::vector<uint8_t> vary; // by register, for the arguments that vary as below

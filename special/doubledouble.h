@@ -12,38 +12,38 @@ struct dd {
 };
 
 // The exact sum and product of two doubles.
-inline dd ddsum(double a, double b) {
+constexpr dd ddsum(double a, double b) {
     const double s = a + b, t = s - a;
     return {s, (a - (s - t)) + (b - t)};
 }
-inline dd ddquicksum(double a, double b) { // needs |a| >= |b| or a = 0
+constexpr dd ddquicksum(double a, double b) { // needs |a| >= |b| or a = 0
     const double s = a + b;
     return {s, b - (s - a)};
 }
-inline dd ddprod(double a, double b) {
+constexpr dd ddprod(double a, double b) {
     constexpr double split = 134217729.0; // 2^27 + 1
     const double p = a * b, ta = split * a, tb = split * b;
     const double ah = ta - (ta - a), al = a - ah, bh = tb - (tb - b), bl = b - bh;
     return {p, ((ah * bh - p) + ah * bl + al * bh) + al * bl};
 }
 
-inline dd operator-(dd a) { return {-a.hi, -a.lo}; }
-inline dd operator+(dd a, dd b) {
+constexpr dd operator-(dd a) { return {-a.hi, -a.lo}; }
+constexpr dd operator+(dd a, dd b) {
     const dd s = ddsum(a.hi, b.hi), t = ddsum(a.lo, b.lo);
     const dd u = ddquicksum(s.hi, s.lo + t.hi);
     return ddquicksum(u.hi, u.lo + t.lo);
 }
-inline dd operator-(dd a, dd b) { return a + -b; }
-inline dd operator*(dd a, dd b) {
+constexpr dd operator-(dd a, dd b) { return a + -b; }
+constexpr dd operator*(dd a, dd b) {
     const dd p = ddprod(a.hi, b.hi);
     return ddquicksum(p.hi, p.lo + (a.hi * b.lo + a.lo * b.hi));
 }
-inline dd operator*(dd a, double b) {
+constexpr dd operator*(dd a, double b) {
     const dd p = ddprod(a.hi, b);
     return ddquicksum(p.hi, p.lo + a.lo * b);
 }
-inline dd operator*(double a, dd b) { return b * a; }
-inline dd operator/(dd a, dd b) {
+constexpr dd operator*(double a, dd b) { return b * a; }
+constexpr dd operator/(dd a, dd b) {
     const double q1 = a.hi / b.hi;
     dd r = a - b * q1;
     const double q2 = r.hi / b.hi;
