@@ -1,0 +1,81 @@
+/* vellum/vlpicture.h - the records of pictures and patches and the words of a display list.
+ * Owns:    their layout, the handle table, recording. Callers: the files of vellum/. Never:   sees a device's
+ * format. */
+#pragma once
+
+#include "vellum/vlstate.h"
+
+struct vlchunk {
+    static constexpr int room = 250;
+    uint16_t count = 0;
+    uint32_t words[room];
+};
+
+struct vlpicture {
+    vlpicture* next = nullptr;
+    vlpicture* prev = nullptr;
+    int16_t state = -1;
+    int refs = 1; // one for the client, one for each call in another picture
+    double priority = 0;
+    std::vector<std::unique_ptr<vlchunk>> list;
+    double offx = 0, offy = 0; // normal units
+    int colorindex = 1;        // at the start
+    uint32_t handle = 0;
+    double lastx = 0, lasty = 0; // where it ends
+};
+
+enum vlpatchflags { VLCHILD = 1, VLMEMORY = 2, VLDISABLED = 4 };
+
+struct vlpatch {
+    int w = 0, h = 0;
+    int flags = 0;
+    int depth = 1;
+    std::unique_ptr<uint8_t[]> bits; // of a memory patch: rows from the bottom, msb first, not padded
+    vlpatch* parent = nullptr;
+    vlpatch* child = nullptr;
+    vlpatch* sibling = nullptr;
+    int stride = 0;         // pixels from row to row
+    int subx = 0, suby = 0; // within the parent
+    int offx = 0, offy = 0; // on the device or within the root
+    uint32_t handle = 0;
+};
+
+enum vlkind : uint32_t {
+    VLMOVEWORD = 0,
+    VLLINEWORD = 1u << 30,
+    VLPOINTWORD = 2u << 30,
+    VLCONTROLWORD = 3u << 30
+};
+enum vlopcode : uint32_t {
+    VLOPCOLOR = 0xc0000000,
+    VLOPTRANSFORM = 0xc4000000, // 32 words: 16 doubles, low word first
+    VLOPCALL = 0xc8000000,      // 1 word
+    VLOPCALLRESTORE = 0xcc000000,
+    VLOPPATCH = 0xd0000000, // 1 word
+    VLOPTEXT = 0xdc000000,  // bitmap text: (dx, dy), (fg, bg), (font, length), bytes; native: size, (length,
+                            // mode), bytes
+    VLOPWIDTH = 0xe0000000
+};
+constexpr uint32_t vlopmask = 0xfc000000, vloperandmask = 0x03ffffff;
+constexpr double vlunit = 1.0 / 16384; // of a coordinate in a word
+
+// Appends a word to the open picture; nothing when none is open.
+void vlputword(uint32_t word);
+// Records the pen's place (normal units) if the open picture does not stand there.
+void vlputmove(double nx, double ny);
+void vlputline(double nx, double ny);
+void vlputpoint(double nx, double ny);
+
+// A closed picture of its own with these words, on no client's hands: for glyphs. Freed by its last caller or
+// by DQUIT.
+vlpicture* vlmakepicture(std::span<const uint32_t> words);
+// Records a call of a picture at the pen; with a matrix its transform goes before. restore: the pen comes
+// back.
+void vlputcall(vlpicture* picture, const double* matrix, bool restore);
+// Plays a picture at a point (normal units) into the target, under a matrix or null; the pen's place is not
+// changed.
+void vlplayat(const vlpicture* picture, double nx, double ny, const double* matrix);
+
+// The picture or patch of a handle, null for none.
+vlpicture* vlpictureof(uint32_t handle);
+vlpatch* vlpatchof(uint32_t handle);
