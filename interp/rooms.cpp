@@ -18,6 +18,7 @@
 #include "interp/process.h"
 #include "interp/session.h"
 #include "interp/textcalls.h"
+#include "plot/plotobj.h"
 #include "solvers/start.h"
 #include "values/harray.h"
 
@@ -37,6 +38,7 @@ void roomsstart() {
     flatstart();
     solversstart();
     evalstart();
+    plotobjstart();
     dofilesreset();
     editing = editstate{};
     processstart();

@@ -21,6 +21,7 @@ void hooksreset() {
     upper.pushtoken = [](int, int) {};
     upper.subscript = [](int, int) {};
     upper.runstatement = [](const char*) {};
+    upper.usequietly = [](const char*) {};
     upper.redraw = [] {};
     upper.closeplot = [] {};
     upper.shutdowngraphics = [] {};

@@ -30,6 +30,7 @@ struct upperhooks {
     void (*pushtoken)(int number, int index);  // one token of pushback
     void (*subscript)(int base, int symidx);   // matrixhandler: subscripts of a matrix at statement level
     void (*runstatement)(const char* text);    // runs one statement's text now (definitions from save files)
+    void (*usequietly)(const char* file);      // USE of a start-up file, without a word if it is missing
     void (*redraw)();                          // automatic redraw after plot objects changed
     void (*closeplot)();                       // a printer device is open when control-C comes
     void (*shutdowngraphics)();

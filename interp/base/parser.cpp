@@ -52,8 +52,8 @@ void clausereset() {
     clausestate& c = clause;
     c.insym = 0;
     c.placex = c.placey = c.linetype = c.pointtype = c.pointfont = c.font = c.labelfont = c.labelmatrix =
-        c.colorn = c.wclip = -1;
-    std::fill(std::begin(c.linedash), std::end(c.linedash), -1.0);
+        c.colorn = c.wclip = c.pointcolor = c.linecolor = c.labelcolor = c.pointsizes = -1;
+    std::fill(std::begin(c.linedash), std::end(c.linedash), MAXPOS);
     c.linethick = c.linefill = -1;
     c.pointsize = c.textsize = c.textshift = c.textangle = c.labelsize = c.atx = c.aty = c.offsetx =
         c.offsety = c.priority = MAXPOS;

@@ -47,7 +47,11 @@ inline int argnumber() {
 struct clausestate {
     int16_t insym;
     int16_t placex, placey, linetype, pointtype, pointfont, font, labelfont, labelmatrix, colorn, wclip;
-    double linedash[5], linethick, linefill; // -1
+    int16_t pointcolor, linecolor, labelcolor; // COLOR; colorn is its last number
+    int16_t pointsizes;                        // the matrix of PTSIZE, for which pointsize is -2
+    double linedash[5];                        // seg1, gap, seg2, tick1, tick2
+    double linethick, linefill;                // -1
+    double to[2][2];                           // the ends of the TO clauses
     double pointsize, textsize, textshift, textangle, labelsize, atx, aty, offsetx, offsety, priority;
     int16_t adjust[4], format[6];
     int16_t unitat, unitoffset, unitsize, unitlabelsize;

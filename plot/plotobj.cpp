@@ -1,0 +1,107 @@
+#include "plot/plotobj.h"
+
+#include "interp/base/hooks.h"
+#include "interp/base/operand.h"
+#include "interp/base/report.h"
+#include "plot/plotstate.h"
+
+#include <algorithm>
+#include <utility>
+
+plotstate plotting;
+plothooks plotfns;
+
+namespace {
+
+// Gives the undefined entry idx its record, alone in a ring of its own.
+void enter(int idx, int type, void* record) {
+    symbol& s = sym(idx);
+    s.type = int16_t(type);
+    s.index = int16_t(idx);
+    s.val.ptr = record;
+}
+
+void makewindow(int idx) {
+    if (sym(idx).type == UNKNOWN) windowenter(idx, defaultwindow());
+    if (!iswindow(idx)) tarnerror("%s is not a window", isstringtype(idx) ? stringval(idx) : sym(idx).name);
+}
+
+// W, as the user's own DW.SAV or the system's describes it.
+int standardwindow() {
+    const int idx = symtabenter("W");
+    if (sym(idx).type != UNKNOWN || plotting.dwread) return idx;
+    plotting.dwread = true;
+    upper.usequietly("DW.SAV");
+    return symtabenter("W");
+}
+
+} // namespace
+
+window defaultwindow() {
+    window w;
+    w.fxmax = screen.aspectx, w.fymax = screen.aspecty;
+    w.ixmin = 0.125 * w.fxmax, w.ixmax = 0.875 * w.fxmax;
+    w.iymin = 0.125 * w.fymax, w.iymax = 0.875 * w.fymax;
+    return w;
+}
+
+curve curvecopy(const curve& c) {
+    curve copy;
+    static_cast<curvelook&>(copy) = c;
+    copy.data.reset(harraydup(c.data.get()));
+    copy.labels.reset(harraydup(c.labels.get()));
+    copy.ptsizes.reset(harraydup(c.ptsizes.get()));
+    return copy;
+}
+
+void windowenter(int idx, window w) { enter(idx, WINDOWTYPE, new window(std::move(w))); }
+void curveenter(int idx, curve c) { enter(idx, CURVETYPE, new curve(std::move(c))); }
+void titleenter(int idx, title t) { enter(idx, TITLETYPE, new title(std::move(t))); }
+
+void joinring(int member, int win) {
+    sym(member).index = int16_t(member);
+    std::swap(sym(member).index, sym(win).index);
+}
+
+void leavering(int member) {
+    int before = member;
+    while (sym(before).index != member) before = sym(before).index;
+    sym(before).index = sym(member).index;
+    sym(member).index = int16_t(member);
+}
+
+int windowofmember(int idx) {
+    int k = sym(idx).index;
+    while (k != idx && !iswindow(k)) k = sym(k).index;
+    return k != idx ? k : 0;
+}
+
+int ringnext(int idx) {
+    const int next = sym(idx).index;
+    return iswindow(next) ? 0 : next;
+}
+
+int newautoname(char letter) {
+    for (;;) {
+        plotting.autoname = int16_t(plotting.autoname < INT16_MAX ? plotting.autoname + 1 : 1);
+        const std::string name = letter + std::to_string(plotting.autoname);
+        if (symtablookup(name.c_str()) < 0) return symtabenter(name.c_str());
+    }
+}
+
+void plotobjstart() {
+    plotting = {};
+    screen = {};
+    plotfns = {[](int color) { return color; }, [](int rgb) { return rgb; }, nullptr};
+    plotkinds();
+}
+
+int getwindow(int idx) {
+    if (idx != 0) {
+        while (!iswindow(idx)) idx = sym(idx).index;
+        return idx;
+    }
+    if (clause.insym == 0) clause.insym = int16_t(standardwindow());
+    makewindow(clause.insym);
+    return clause.insym;
+}
