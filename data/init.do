@@ -1,5 +1,5 @@
 /* The system variables as a session finds them. The program runs this file without start-up files and
-   saves what it defines as INIT.SAV. docs/switches.md tells what each one means and why it is so. */
+   saves what it defines as INIT.SAV. docs/reference/switches.md tells what each one means and why it is so. */
 
 /* Fitting */
 MAXITER = 1000

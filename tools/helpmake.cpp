@@ -61,6 +61,12 @@ std::string plain(const std::string& s) {
     return out;
 }
 
+// Names of the system are written in capitals; what is not one stands for what the user puts there.
+bool isname(const std::string& word) {
+    return !word.empty() && word[0] != '.' &&
+           std::none_of(word.begin(), word.end(), [](unsigned char c) { return std::islower(c) != 0; });
+}
+
 // The names in a heading such as "SIN(X), COS(X)" or "`MAXITER`": the words before brackets, blanks and "=".
 std::vector<std::string> headingnames(const std::string& heading) {
     std::vector<std::string> names;
@@ -69,7 +75,7 @@ std::vector<std::string> headingnames(const std::string& heading) {
     bool taken = false;
     for (const char c : plain(heading) + ",") {
         if (depth == 0 && c == ',') {
-            if (!word.empty()) { names.push_back(lowered(word)); }
+            if (isname(word)) { names.push_back(lowered(word)); }
             word.clear();
             taken = false;
             continue;
@@ -100,28 +106,30 @@ void wrap(const std::string& text, const std::string& indent, std::vector<std::s
 
 // Collects the lines of a topic: paragraphs are gathered and wrapped, code and tables stay line by line.
 struct gatherer {
-    std::vector<std::string>* out;
+    topic* out = nullptr;
     std::string paragraph;
     bool code = false;
+    int table = 0; // 0 outside tables, 1 in one, 2 in one whose first column gives names
 
     void flush() {
         if (!paragraph.empty()) {
             const bool item = paragraph.compare(0, 2, "- ") == 0;
-            wrap(plain(paragraph), item ? "  " : "", *out);
+            wrap(plain(paragraph), item ? "  " : "", out->lines);
             paragraph.clear();
         }
     }
 
     void add(const std::string& line) {
         const std::string s = trimmed(line);
+        table = s.empty() || s[0] != '|' ? 0 : table;
         if (s.compare(0, 3, "```") == 0) {
             flush();
             code = !code;
         } else if (code) {
-            out->push_back("  " + line);
+            out->lines.push_back("  " + line);
         } else if (s.empty()) {
             flush();
-            if (!out->empty() && !out->back().empty()) { out->emplace_back(); }
+            if (!out->lines.back().empty()) { out->lines.emplace_back(); }
         } else if (s[0] == '|') {
             flush();
             tablerow(s);
@@ -133,16 +141,22 @@ struct gatherer {
 
     void tablerow(const std::string& s) {
         if (s.find_first_not_of("|-: ") == std::string::npos) { return; }
-        std::string text;
-        std::size_t at = 1;
-        while (at < s.size()) {
-            std::size_t bar = at;
+        std::vector<std::string> cells;
+        for (std::size_t at = 1, bar = 1; at < s.size(); at = ++bar) {
             while (bar < s.size() && (s[bar] != '|' || s[bar - 1] == '\\')) { bar++; }
-            const std::string cell = trimmed(s.substr(at, bar - at));
-            text += (text.empty() || cell.empty() ? "" : ": ") + cell;
-            at = bar + 1;
+            cells.push_back(trimmed(s.substr(at, bar - at)));
         }
-        wrap(plain(text), "    ", *out);
+        if (table == 0) {
+            table = cells[0] == "Name" || cells[0] == "Call" ? 2 : 1;
+            return;
+        }
+        if (table == 2) {
+            const auto names = headingnames(cells[0]);
+            out->names.insert(out->names.end(), names.begin(), names.end());
+        }
+        std::string text;
+        for (const std::string& cell : cells) { text += (text.empty() || cell.empty() ? "" : ": ") + cell; }
+        wrap(plain(text), "    ", out->lines);
     }
 };
 
@@ -152,7 +166,7 @@ struct book {
 
     void enter(topic t) {
         for (const std::string& name : t.names) {
-            if (!byname.emplace(name, topics.size()).second) {
+            if (byname.emplace(name, topics.size()).first->second != topics.size()) {
                 throw std::runtime_error("two topics are called \"" + name + "\"");
             }
         }
@@ -183,7 +197,7 @@ void readpage(const std::string& path, book& b) {
     std::ifstream in(path);
     if (!in) { throw std::runtime_error("cannot read " + path); }
     std::vector<topic> found;
-    gatherer text{nullptr, "", false};
+    gatherer text;
     for (std::string line; std::getline(in, line);) {
         const auto marks = text.code ? 0 : line.find_first_not_of('#');
         if (marks == std::string::npos || marks < 1 || marks > 3 || line[marks] != ' ') {
@@ -197,7 +211,7 @@ void readpage(const std::string& path, book& b) {
         t.names = t.level == 3 ? headingnames(heading) : std::vector<std::string>{lowered(plain(heading))};
         t.lines = {plain(heading), ""};
         found.push_back(std::move(t));
-        text.out = &found.back().lines;
+        text.out = &found.back();
     }
     if (found.empty()) { throw std::runtime_error(path + " has no heading"); }
     text.flush();
@@ -268,17 +282,17 @@ std::string helpfile(const book& b) {
 
 void checkmenus(const book& b) {
     constexpr std::size_t MAXMENU = 97; // the reader's 100 less its three fixed entries
+    std::string wrong;
     for (const topic& t : b.topics) {
-        if (t.menu.size() > MAXMENU) {
-            throw std::runtime_error("the topic \"" + t.names[0] + "\" has more than 97 entries");
-        }
+        if (t.menu.size() > MAXMENU) { wrong += "\n  \"" + t.names[0] + "\" has more than 97 entries"; }
         for (const menuline& entry : t.menu) {
             if (b.byname.count(entry.target) == 0) {
-                throw std::runtime_error("\"" + t.names[0] + "\" points to \"" + entry.target +
-                                         "\", which no page describes");
+                wrong +=
+                    "\n  \"" + t.names[0] + "\" points to \"" + entry.target + "\", which no page describes";
             }
         }
     }
+    if (!wrong.empty()) { throw std::runtime_error("the pages do not hold together:" + wrong); }
 }
 
 } // namespace

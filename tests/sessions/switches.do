@@ -1,4 +1,4 @@
-/* Every system variable is there at the start and stays: the defaults that docs/switches.md tells. */
+/* Every system variable is there at the start and stays: the defaults that docs/reference/switches.md tells. */
 TYPE MAXITER, TOLSOS, FITNORM, SYMDSW, DGRADSW, LINEARSW, RESIDSW, LSQRPT
 TYPE METHOD, ERRFAC, JACSW, MANDSW, DISASTERSW, ODERPT, ODESTR
 TYPE STATPSW, MATHEX, ROUNDSW, MAXPOS, MAXNEG, MACHEPS
