@@ -57,6 +57,14 @@ bool hankelseries(double nu, spcomplex z, int s, spcomplex* sum) {
     return false;
 }
 
+// sinh(e)/e by its series, |e| < 0.5.
+spcomplex sinhover(spcomplex e) {
+    const spcomplex square = e * e;
+    spcomplex sum = {1, 0};
+    for (double k = 14; k > 0; k -= 2) sum = spcomplex{1, 0} + square * sum / (k * (k + 1));
+    return sum;
+}
+
 // Re z >= 0 from here to the end of the basic pair; z not 0. K of orders mu and mu + 1, |mu| <= 1/2, times
 // exp(z).
 void temmepair(double mu, spcomplex z, spcomplex* k0, spcomplex* k1) { // |z| <= 2; see besselik.cpp
@@ -65,7 +73,7 @@ void temmepair(double mu, spcomplex z, spcomplex* k0, spcomplex* k1) { // |z| <=
     const double sinc = mu == 0 ? 1 : PI * mu / sinpi(mu);
     const spcomplex grown = cexpfn(e), shrunk = cexpfn(-e);
     const spcomplex cosh = 0.5 * (grown + shrunk);
-    const spcomplex sinhc = magnitude(e) < 1e-4 ? spcomplex{1, 0} + e * e / 6 : 0.5 * (grown - shrunk) / e;
+    const spcomplex sinhc = magnitude(e) < 0.5 ? sinhover(e) : 0.5 * (grown - shrunk) / e;
     spcomplex f = sinc * (g.gam1 * cosh + g.gam2 * (sinhc * d));
     spcomplex p = grown / (2 * g.rplus), q = shrunk / (2 * g.rminus), c = {1, 0}, sum = f, sum1 = p;
     const spcomplex v = 0.25 * (z * z);

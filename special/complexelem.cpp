@@ -42,6 +42,11 @@ double logmagnitude(double x, double y) {
     return over.hi > -0.5 ? std::log1p(over.hi) / 2 : std::log(std::hypot(x, y));
 }
 
+// Without the zeros of negative sign, which would lie below a cut (or left of it).
+spcomplex unsignedzeros(spcomplex z) { return {z.re + 0.0, z.im + 0.0}; }
+
+spcomplex reciprocal(spcomplex z) { return unsignedzeros(cdivide({1, 0}, z)); }
+
 spcomplex csinh(spcomplex z) {
     const double s = std::sin(z.im), c = std::cos(z.im);
     if (std::fabs(z.re) < 700) return {std::sinh(z.re) * c, z.im == 0 ? 0 : std::cosh(z.re) * s};
@@ -65,6 +70,20 @@ spcomplex ctanh(spcomplex z) { // over sinh(x)^2 + cos(y)^2
 // f(z) = -i g(i z), which ties circular and hyperbolic functions.
 template <class F> spcomplex turned(F g, spcomplex z) { return -timesi(g(timesi(z))); }
 
+// 1/sinh and 1/cosh, which underflow where those overflow.
+spcomplex ccosech(spcomplex z) {
+    if (std::fabs(z.re) < 20) return reciprocal(csinh(z));
+    const double twice = 2 * std::exp(-std::fabs(z.re)), sign = z.re < 0 ? -1 : 1;
+    return {sign * twice * std::cos(z.im), -twice * std::sin(z.im)};
+}
+spcomplex csech(spcomplex z) {
+    if (std::fabs(z.re) < 20) return reciprocal(ccosh(z));
+    const double twice = 2 * std::exp(-std::fabs(z.re)), sign = z.re < 0 ? -1 : 1;
+    return {twice * std::cos(z.im), -sign * twice * std::sin(z.im)};
+}
+spcomplex ccosec(spcomplex z) { return timesi(ccosech(timesi(z))); }
+spcomplex csec(spcomplex z) { return csech(timesi(z)); }
+
 spcomplex csin(spcomplex z) { return turned(csinh, z); }
 spcomplex ccos(spcomplex z) { return ccosh(timesi(z)); }
 spcomplex ctan(spcomplex z) { return turned(ctanh, z); }
@@ -72,21 +91,40 @@ spcomplex ctan(spcomplex z) { return turned(ctanh, z); }
 // The cuts keep odd functions odd: the left one is continued from above, the right one from below.
 spcomplex oncut(spcomplex z, spcomplex f) { return z.im == 0 && z.re > 1 ? conjugate(f) : f; }
 
-spcomplex casin(spcomplex z) {
-    const spcomplex minus = csqrtfn({1 - z.re, -z.im}), plus = csqrtfn({1 + z.re, z.im});
-    const spcomplex f = {std::atan2(z.re, (minus * plus).re), std::asinh((conjugate(minus) * plus).im)};
-    return oncut(z, f);
+// A number with its distances to the branch points. That of a reciprocal 1/v keeps the digits of v next to
+// them.
+struct sided {
+    spcomplex z, below, above; // z, 1 - z, 1 + z
+};
+sided direct(spcomplex z) { return {z, {1 - z.re, -z.im}, {1 + z.re, z.im}}; }
+sided inverse(spcomplex v) {
+    sided s = direct(reciprocal(v));
+    if (magnitude(v) > 2 || magnitude(v) < 0.5) return s;
+    s.below = spcomplex{v.re - 1, v.im} / v;
+    s.above = spcomplex{v.re + 1, v.im} / v;
+    if (s.z.im == 0) s.below.im = -0.0, s.above.im = 0;
+    return s;
 }
-spcomplex cacos(spcomplex z) {
-    const spcomplex minus = csqrtfn({1 - z.re, -z.im}), plus = csqrtfn({1 + z.re, z.im});
+
+spcomplex arcsine(const sided& s) {
+    const spcomplex minus = csqrtfn(s.below), plus = csqrtfn(s.above);
+    const spcomplex f = {std::atan2(s.z.re, (minus * plus).re), std::asinh((conjugate(minus) * plus).im)};
+    return oncut(s.z, f);
+}
+spcomplex arccosine(const sided& s) {
+    const spcomplex minus = csqrtfn(s.below), plus = csqrtfn(s.above);
     const spcomplex f = {2 * std::atan2(minus.re, plus.re), std::asinh((conjugate(plus) * minus).im)};
-    return oncut(z, f);
+    return oncut(s.z, f);
 }
-spcomplex cacosh(spcomplex z) {
-    const spcomplex minus = csqrtfn({z.re - 1, z.im}), plus = csqrtfn({z.re + 1, z.im});
+spcomplex areacosine(const sided& s) {
+    const spcomplex minus = csqrtfn({-s.below.re, -s.below.im}), plus = csqrtfn(s.above);
     return {std::asinh((conjugate(minus) * plus).re), 2 * std::atan2(minus.im, plus.re)};
 }
+spcomplex casin(spcomplex z) { return arcsine(direct(z)); }
 spcomplex casinh(spcomplex z) { return turned(casin, z); }
+spcomplex cacosech(spcomplex z) { // i/z is the reciprocal of -i z
+    return -timesi(arcsine(inverse(unsignedzeros(-timesi(z)))));
+}
 
 spcomplex catanh(spcomplex z) {
     const double x = std::fabs(z.re), y = z.im;
@@ -102,10 +140,18 @@ spcomplex catanh(spcomplex z) {
 }
 spcomplex catan(spcomplex z) { return turned(catanh, z); }
 
-// Without the zeros of negative sign, which would lie below a cut (or left of it).
-spcomplex unsignedzeros(spcomplex z) { return {z.re + 0.0, z.im + 0.0}; }
-
-spcomplex reciprocal(spcomplex z) { return unsignedzeros(cdivide({1, 0}, z)); }
+// artanh(1/z): the real part is that of artanh(z), the imaginary one half the angle of (z + 1)/(z - 1).
+spcomplex cacotanh(spcomplex z) {
+    const double x = z.re, y = z.im, away = std::fmin(std::fabs(x - 1), std::fabs(x + 1));
+    if (std::fmax(away, std::fabs(y)) > 0.5) return catanh(reciprocal(z));
+    const double re = catanh(z).re;
+    if (y == 0) return {re, std::fabs(x) >= 1 ? 0 : x > 0 ? -PI / 2 : PI / 2};
+    return {re, std::atan2(-2 * y, (x - 1) * (x + 1) + y * y) / 2};
+}
+spcomplex cacotan(spcomplex z) {
+    if (z.re == 0 && z.im == 0) return {PI / 2, 0};
+    return -timesi(cacotanh(unsignedzeros(-timesi(z))));
+}
 
 } // namespace
 
@@ -171,29 +217,26 @@ constexpr cmathrow cmathrows[] = {
     {7, ccos},
     {9, ctan},
     {64, [](spcomplex z) { return reciprocal(ctan(z)); }},
-    {74, [](spcomplex z) { return reciprocal(ccos(z)); }},
-    {75, [](spcomplex z) { return reciprocal(csin(z)); }},
+    {74, csec},
+    {75, ccosec},
     {11, csinh},
     {12, ccosh},
     {13, ctanh},
-    {111, [](spcomplex z) { return reciprocal(csinh(z)); }},
-    {112, [](spcomplex z) { return reciprocal(ccosh(z)); }},
+    {111, ccosech},
+    {112, csech},
     {113, [](spcomplex z) { return reciprocal(ctanh(z)); }},
     {14, casin},
-    {15, cacos},
+    {15, [](spcomplex z) { return arccosine(direct(z)); }},
     {16, catan},
-    {79,
-     [](spcomplex z) {
-         return z.re == 0 && z.im == 0 ? spcomplex{PI / 2, 0} : catan(reciprocal(z));
-     }},
-    {80, [](spcomplex z) { return cacos(reciprocal(z)); }},
-    {81, [](spcomplex z) { return casin(reciprocal(z)); }},
+    {79, cacotan},
+    {80, [](spcomplex z) { return arccosine(inverse(z)); }},
+    {81, [](spcomplex z) { return arcsine(inverse(z)); }},
     {46, casinh},
-    {47, cacosh},
+    {47, [](spcomplex z) { return areacosine(direct(z)); }},
     {48, catanh},
-    {49, [](spcomplex z) { return catanh(reciprocal(z)); }},
-    {50, [](spcomplex z) { return cacosh(reciprocal(z)); }},
-    {51, [](spcomplex z) { return casinh(reciprocal(z)); }},
+    {49, cacotanh},
+    {50, [](spcomplex z) { return areacosine(inverse(z)); }},
+    {51, cacosech},
     {17, clngam},
     {69, cpsi},
     {70, cgamma},

@@ -219,6 +219,10 @@ spcomplex e1far(spcomplex z) { // DLMF 6.12.1
         if (magnitude(term) < 1e-18) break;
     }
     const double half = -z.re / 2; // in two steps: the quotient may be finite where exp is not
+    if (half > 700) {
+        const spcomplex way = cexpfn({0, -z.im}) * sum / z;
+        return {std::copysign(HUGE_VAL, way.re), std::copysign(HUGE_VAL, way.im)};
+    }
     return std::exp(half) * (cexpfn({half, -z.im}) * sum / z);
 }
 

@@ -187,6 +187,7 @@ constexpr double alnrcs[] = {0,
                              -3.5955073465265150011e-18};
 
 constexpr double eizero = 0x1.7d72952b4b5fcp-2, eizerorest = 1.3140183414386028201e-17;
+constexpr double lizero = 0x1.738cef263ea25p+0, lizerorest = -4.8271364269603301007e-17;
 
 // A table in 1/x over low <= x <= high
 template <int n> double inverseseries(const double* table, double x, double low, double high) {
@@ -205,10 +206,9 @@ double einseries(double x) {
     return sum;
 }
 
-/* Ei near its zero z: Ei(x) - Ei(z) is log(x/z) and the sum of (x^k - z^k)/(k k!), where x - z is taken out
- * of each difference. */
-double einearzero(double x) {
-    const double d = (x - eizero) - eizerorest;
+/* Ei at x = z + d near its zero z: Ei(x) - Ei(z) is log(x/z) and the sum of (x^k - z^k)/(k k!), where d is
+ * taken out of each difference. */
+double einearzero(double x, double d) {
     double p = 1, zk = 1, factorial = 1, sum = 0; // p = x^(k-1) + x^(k-2) z + .. + z^(k-1)
     for (int k = 1; k < 18; k++) {
         factorial *= k;
@@ -243,7 +243,7 @@ double e1(double x) {
 }
 
 double eipositive(double x) {
-    if (std::fabs(x - eizero) < 0.12) return einearzero(x);
+    if (std::fabs(x - eizero) < 0.12) return einearzero(x, (x - eizero) - eizerorest);
     if (x < 6) return EULERGAMMA + std::log(x) + einseries(x);
     if (x > 720) return HUGE_VAL;
     return std::exp(x - 20) * (eiscaled(x) / x * 485165195.40979027797); // exp(20)
@@ -291,11 +291,26 @@ double enpositive(double p, double x) {
     return x > 1 || p > 12 ? enfraction(p, x, std::exp(-x)) : enseries(p, x);
 }
 
+/* E_-n(x) for x < 0: with |x| > n the finite sum exp(-x)/x (1 + n/x + n(n-1)/x^2 + ..), else what the whole
+ * integral n!/x^(n+1) leaves, exp(-x)/(n+1) (1 + x/(n+2) + x^2/((n+2)(n+3)) + ..). Neither sum cancels. */
+double enfinite(double n, double x) {
+    double term = 1, sum = 1;
+    if (-x > n) {
+        for (double k = n; k > 0 && std::fabs(term) > 1e-18; k--) sum += term *= k / x;
+        return std::exp(-x) / x * sum;
+    }
+    double whole = 1 / x;
+    for (double k = 1; k <= n; k++) whole *= k / x;
+    for (double k = n + 2; std::fabs(term) > 1e-18; k++) sum += term *= x / k;
+    return whole - std::exp(-x) / (n + 1) * sum;
+}
+
 /* E_p(x) for p < 0: upwards from the fraction of p by DLMF 8.19.12, where for x > 0 all terms are positive;
  * the factor exp(-x) is kept apart. Far down as an upper incomplete gamma function, DLMF 8.19.1. */
 double ennegative(double p, double x) {
     if (p < -200 && x > 0) return igammac(1 - p, x) * std::exp(loggamma(1 - p) - (1 - p) * std::log(x));
     if (p < -1e4) return -paritysign(p) * HUGE_VAL; // x < 0 and p whole: it grows like (-p)!/x^(1-p)
+    if (x < 0) return enfinite(-p, x);
     const double steps = -std::floor(p);
     double q = p + steps, e = q == 0 ? 1 / x : x > 30 ? enfraction(q, x, 1) : std::exp(x) * enpositive(q, x);
     for (double k = 0; k < steps; k++) {
@@ -324,6 +339,8 @@ double logint(double x) {
         return 0;
     }
     if (x == 0) return 0;
+    if (std::fabs(x - lizero) < 0.1)
+        return einearzero(std::log(x), std::log1p(((x - lizero) - lizerorest) / lizero));
     return x == 1 ? capped("LOGINT", -HUGE_VAL) : expint(std::log(x));
 }
 

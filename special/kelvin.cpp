@@ -26,12 +26,18 @@ ddcomplex ddturn(dd t) { return {ddcospi(t), ddsinpi(t)}; } // exp(i pi t)
 kelvinpair berseries(double nu, double x, bool derivative) {
     const dd v = ddprod(x / 2, x / 2);
     dd parts[4] = {0, 0, 0, 0}, term = 1; // by k mod 4
-    double top = 0;
-    for (int k = 0; k < 2000; k++) {
-        if (k) term = term * v / ((dd(nu) + double(k)) * double(k));
-        parts[k % 4] += derivative ? term * ((dd(nu) + 2.0 * k) / dd(x)) : term;
+    if (derivative)
+        parts[0] = dd(nu) / dd(x);
+    else
+        parts[0] = 1;
+    double top = 1;
+    for (int k = 1; k < 2000; k++) {
+        const dd below = term / ((dd(nu) + double(k)) * double(k));
+        term = below * v;
+        parts[k % 4] +=
+            derivative ? below * (x / 4) * (dd(nu) + 2.0 * k) : term; // x/4 = v/x: v may underflow
         top = std::fmax(top, term.hi);
-        if (term.hi < 1e-34 && term.hi < 1e-40 * top) break;
+        if (k > 3 && term.hi < 1e-34 && term.hi < 1e-40 * top) break;
     }
     kelvinpair r;
     const double front = ascendingfactor(nu, x, &r.e);
@@ -39,41 +45,87 @@ kelvinpair berseries(double nu, double x, bool derivative) {
     return r;
 }
 
-/* ker + i kei of whole order n, DLMF 10.65.3: the series of K at x exp(i pi/4), turned by -n pi/2. */
-ddcomplex kerseries(int n, double x) {
-    const dd half = dd(x) / 2.0, v = half * half;
-    ddcomplex finite = {0, 0}, s = {0, 0}, t = {0, 0};
-    dd below = 1; // (n-k-1)!/k! v^k, turned by -i each time
-    for (int k = 2; k < n; k++) below *= double(k);
-    for (int k = 0; k < n; k++) {
-        const ddcomplex turned[] = {{below, 0}, {0, -below}, {-below, 0}, {0, below}};
-        finite = finite + turned[k % 4];
-        if (k + 1 < n) below = below * v / (dd(k + 1.0) * double(n - k - 1));
+// a p / q, in one double where 32 digits would overflow on the way.
+dd times(dd a, dd p, dd q) {
+    if (const double plain = a.hi / q.hi * p.hi; std::fabs(plain) > 1e250) return plain;
+    return a / q * p;
+}
+
+// A sum of numbers in the eight directions exp(i pi k/4). A part keeps off what has no share in it, which may
+// be infinite; what is near the end of the doubles is added apart.
+struct turnedsum {
+    ddcomplex sum = {0, 0};
+    spcomplex wide;
+
+    void add(dd value, int eighths) {
+        static const dd root = ddsqrt(0.5);
+        const int k = (eighths % 8 + 8) % 8;
+        const dd share = k % 2 ? times(value, root, 1) : value;
+        if (k % 4 != 2) put(k > 2 && k < 6 ? -share : share, sum.re, wide.re);
+        if (k % 4 != 0) put(k > 4 ? -share : share, sum.im, wide.im);
     }
-    dd power = 1, psi1 = -DDEULER, psi2 = -DDEULER; // v^k/(k! (n+k)!), psi(k+1), psi(n+k+1)
+    ddcomplex value() const {
+        return {wide.re != 0 ? wide.re + sum.re.hi : sum.re, wide.im != 0 ? wide.im + sum.im.hi : sum.im};
+    }
+
+private:
+    static void put(dd share, dd& to, double& towide) {
+        if (std::fabs(share.hi) > 1e250)
+            towide += share.hi;
+        else
+            to += share;
+    }
+};
+
+// (n-k-1)!/(2 k!) (x/2)^(2k-n), k < n, from the middle of the powers outwards; or the derivatives by x.
+void kerfinite(int n, double x, bool derivative, turnedsum* sum) {
+    const dd half = dd(x) / 2.0;
+    const auto add = [&](int k, dd power) {
+        if (!derivative)
+            sum->add(power, -3 * n - 2 * k);
+        else if (2 * k != n)
+            sum->add(times(power, 2 * k - n, x), -3 * n - 2 * k);
+    };
+    const int middle = n / 2;
+    dd start = n % 2 ? dd(0.5) / half : dd(0.5);
+    for (int j = middle + 1; j < n - middle; j++) start *= double(j);
+    for (int j = n - middle; j <= middle; j++) start /= dd(j);
+    dd power = start;
+    for (int k = middle; k < n; k++) {
+        add(k, power);
+        if (k + 1 < n) power = power * half * half / (dd(k + 1.0) * double(n - k - 1));
+    }
+    power = start;
+    for (int k = middle; k > 0; k--) {
+        power = times(times(power, k, half), n - k, half);
+        add(k - 1, power);
+    }
+}
+
+/* ker + i kei of whole order n, DLMF 10.65.3, or the derivative: the series of K at x exp(i pi/4), turned by
+ * -n pi/2. */
+ddcomplex kerseries(int n, double x, bool derivative) {
+    const dd half = dd(x) / 2.0, loghalf = ddlog(half);
+    turnedsum sum;
+    if (n > 0) kerfinite(n, x, derivative, &sum);
+    // power: (x/2)^(n+2k)/(k! (n+k)!), of the derivative divided by x/2; psi: (psi(k+1) + psi(n+k+1))/2
+    dd power = derivative ? dd(1) / half : dd(1), psi = -DDEULER;
     for (int k = 1; k <= n; k++) {
-        power /= dd(k);
-        psi2 += dd(1) / dd(k);
+        power = power * half / dd(k);
+        psi += dd(0.5) / dd(k);
     }
     for (int k = 0; k < 200; k++) {
-        const dd weighted = power * (psi1 + psi2);
-        const ddcomplex i = k % 4 == 0   ? ddcomplex{1, 0}
-                            : k % 4 == 1 ? ddcomplex{0, 1}
-                            : k % 4 == 2 ? ddcomplex{-1, 0}
-                                         : ddcomplex{0, -1};
-        s = s + i * power;
-        t = t + i * weighted;
-        if (power.hi < 1e-40) break;
-        power = power * v / (dd(k + 1.0) * double(n + k + 1));
-        psi1 += dd(1) / dd(k + 1.0);
-        psi2 += dd(1) / dd(n + k + 1.0);
+        const dd outer = derivative ? power * (0.5 * n + k) : power;
+        if (k || n || !derivative) {
+            sum.add(outer * (psi - loghalf), 3 * n + 2 * k);
+            sum.add(outer * DDPI / 4.0, 3 * n + 2 * k - 2);
+        }
+        if (derivative) sum.add(power / -2.0, 3 * n + 2 * k);
+        if (k && power.hi < 1e-40) break;
+        power = power * half * half / (dd(k + 1.0) * double(n + k + 1));
+        psi += dd(0.5) / dd(k + 1.0) + dd(0.5) / dd(n + k + 1.0);
     }
-    dd grown = 1; // (x/2)^n
-    for (int k = 0; k < n; k++) grown *= half;
-    const ddcomplex logarithm = {ddlog(half), DDPI / 4.0};
-    const ddcomplex regular = (t * dd(0.5) - logarithm * s) * grown;
-    const ddcomplex first = n == 0 ? ddcomplex{0, 0} : ddturn(dd(-0.75 * n)) * finite / (grown * 2.0);
-    return first + ddturn(dd(0.75 * n)) * regular;
+    return sum.value();
 }
 
 // J (kind 1) or K (kind 4) at x times a corner of the square.
@@ -108,14 +160,16 @@ kelvinpair ber(double nu, double x, bool derivative) {
 
 // ker + i kei of any real order, x > 0.
 kelvinpair ker(double nu, double x, bool derivative) {
+    const double n = std::fabs(nu);
+    if (isinteger(n) && n <= KERORDER && x <= KERFAR) {
+        kelvinpair r;
+        r.m = kerseries(static_cast<int>(n), x, derivative);
+        if (nu < 0 && paritysign(n) < 0) r.m = {-r.m.re, -r.m.im};
+        return r;
+    }
     if (derivative) // DLMF 10.29.1 at x exp(i pi/4)
         return (ddturn(0.75) * dd(0.5)) * difference(ker(nu - 1, x, false), ker(nu + 1, x, false));
-    const double n = std::fabs(nu);
-    kelvinpair r;
-    if (isinteger(n) && n <= KERORDER && x <= KERFAR)
-        r.m = kerseries(static_cast<int>(n), x);
-    else
-        r = ddturn(dd(n) * -0.5) * bycomplex(4, n, x, 1);
+    const kelvinpair r = ddturn(dd(n) * -0.5) * bycomplex(4, n, x, 1);
     return nu < 0 ? ddturn(n) * r : r;
 }
 

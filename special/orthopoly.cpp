@@ -119,10 +119,19 @@ double alaguerre(double n, double a, double x) {
     if (std::isnan(n + a + x)) return NAN;
     if (badorder("ALAGUERRE", n) || badparameters(!(a > -1))) return 0;
     if (n == 0) return 1;
-    scaledpair p{1, a + 1 - x};
-    for (double k = 1; k < n; k++) // DLMF 18.9.1
-        p.step(((2 * k + 1 + a - x) * p.now - (k + a) * p.last) / (k + 1));
-    return capped("ALAGUERRE", p.value());
+    // DLMF 18.9.1 for the value and its last increment, which keeps the digits of a small x
+    double value = 1, increment = a - x;
+    int power = 0;
+    for (double k = 1; k <= n; k++) {
+        if (k > 1) increment = ((k - 1 + a) * increment - x * value) / k;
+        value += increment;
+        if (std::fabs(value) > 1e150) {
+            value = std::ldexp(value, -400);
+            increment = std::ldexp(increment, -400);
+            power += 400;
+        }
+    }
+    return capped("ALAGUERRE", std::ldexp(value, power));
 }
 
 double laguerre(double n, double x) { return alaguerre(n, 0, x); }

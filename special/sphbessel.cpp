@@ -41,16 +41,19 @@ bool refused(const char* name, double n, double x, double* result) {
     return false;
 }
 
+// By the ascending series: keeps tiny arguments from sqrt(x) sqrt(1/x), and small values from underflow.
+double ascendinghalf(double n, double x, int s) {
+    double e;
+    const double m = ascendingfactor(n + 0.5, x, &e);
+    return joinexponent(half(x, m * ascending(n + 0.5, x * x / 4, s)), e);
+}
+
 double jhalf(double n, double x) { // n >= 0 or fractional, x > 0
     if (isinteger(n) && n >= 0 && n <= SHORT && n <= x) {
         const double s = std::sin(x), c = std::cos(x);
         return climb(n, x, s / x, (s / x - c) / x, -1);
     }
-    if (n >= -0.5 && x * x / 4 < n + 1.5) { // keeps tiny arguments from sqrt(x) sqrt(1/x)
-        double e;
-        const double m = ascendingfactor(n + 0.5, x, &e);
-        return joinexponent(half(x, m * ascending(n + 0.5, x * x / 4, -1)), e);
-    }
+    if (n >= -0.5 && x * x / 4 < n + 1.5) return ascendinghalf(n, x, -1);
     return half(x, besjraw(n + 0.5, x));
 }
 
@@ -89,6 +92,7 @@ double spbi(double n, double x) {
     const double a = std::fabs(x), sign = x < 0 ? paritysign(n) : 1;
     if (n == 0 && a < 709) return a < 1e-5 ? 1 + a * a / 6 : std::sinh(a) / a;
     if (n == -1 && a < 709) return sign * std::cosh(a) / a;
+    if (n >= -0.5 && a * a / 4 < n + 1.5) return sign * ascendinghalf(n, a, 1);
     return capped("SPBI", sign * joinexponent(half(a, besiraw(n + 0.5, a, 1)), a));
 }
 

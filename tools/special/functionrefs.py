@@ -66,9 +66,11 @@ def besselrows():
     moderate = [a for a in ordinary + edges if a[1] < 700 and not (a[1] > 200 and a[0] > 200)]
     out += rows("BESSI", I, moderate + negative + [(2, -3.5), (3, -3.5), (-3, -3.5), (50.5, 600), (0, 690.5), (75, 2)])
     out += rows("BESSK", K, moderate + negative + [(50.5, 600), (1, 660.5), (75, 20)])
-    out += rows("BESKES", lambda n, x: K(n, x) * m.exp(x), [(0, 0.1), (0.3, 3), (-2.5, 10), (7, 1000), (60, 3000.5)])
-    out += rows("BESIES", lambda n, x: I(n, x) * m.exp(-abs(x)), [(0, 0.1), (2, -3.5), (-2.5, 10), (7, 1000), (60, 3000.5)])
+    scaled = grid([0, 1, 3.3], [1e-5, 0.3, 1.9, 2.1, 12]) + [(0, 0.1), (-2.5, 10), (7, 1000), (60, 3000.5), (0.5, 1e5)]
+    out += rows("BESKES", lambda n, x: K(n, x) * m.exp(x), scaled + [(0.3, 3)])
+    out += rows("BESIES", lambda n, x: I(n, x) * m.exp(-abs(x)), scaled + [(2, -3.5)])
     large = [(0, 30), (2.5, 50), (30, 70.5), (60, 40), (61.5, 10), (100, 100.5), (1.25, 3), (-2.5, 7)]
+    large += grid([0, 1, 20.5], [0.5, 9, 26, 180]) + [(200, 33), (150.5, 151)]
     for name, f in (("ABESSJ", J), ("ABESSY", Y), ("ABESSI", I), ("ABESSK", K)):
         out += rows(name, f, large)
     return out
@@ -77,24 +79,25 @@ def besselrows():
 @table("sphbessel")
 def sphericalrows():
     out = []
-    args = grid([0, 1, 2, 10, 40, 2.5], [0.001, 0.9, 4.5, 33.3, 150]) + [(-1, 2), (-4, 3.3), (-2.5, 4), (0, 1e-200)]
+    args = grid([0, 1, 2, 10, 40, 2.5], [0.001, 0.9, 4.5, 33.3, 150]) + [(-1, 2), (-4, 3.3), (-2.5, 4), (0, 1e-200), (240, 10.5)]
     for name, f in (("SPBJ", J), ("SPBY", Y), ("SPBI", I), ("SPBK", K)):
         out += rows(name, lambda n, x: m.sqrt(m.pi / (2 * x)) * f(n + mpf(1) / 2, x), args)
-    out += rows("IBESSI0", lambda x: x * m.hyper([0.5], [1, 1.5], x * x / 4), [1e-9, 0.5, 3, 12, 39.9, 40.1, 300, 712, -2])
+    out += rows("IBESSI0", lambda x: x * m.hyper([0.5], [1, 1.5], x * x / 4), [1e-9, 0.5, 3, 12, 39.9, 40.1, 300, 712, -2, 1e-200, 0.01, 1,
+         1.7, 5.5, 8, 19, 60, 100, -33, 500])
 
     def j0overt(x):
         with mp.workdps(int(60 + x)):
             v = x * x / 4
             return -m.euler - m.log(x / 2) + v / 2 * m.hyper([1, 1], [2, 2, 2], -v)
 
-    out += rows("IBESSJOXI", j0overt, [1e-200, 0.01, 0.5, 1.2, 3, 5.5, 7.99, 8.01, 9.5, 12, 20, 33.3, 60, 99.5])
+    out += rows("IBESSJOXI", j0overt, [1e-200, 0.01, 0.5, 1.2, 3, 5.5, 7.99, 8.01, 9.5, 12, 20, 33.3, 60, 99.5, 1e-9, 0.1, 2, 4.4, 7.3, 15])
     return out
 
 
 @table("airy")
 def airyrows():
     x = [-123.4, -50, -20.2, -10.51, -10.49, -9.5, -7.3, -5, -3.49, -2.338107410459767, -2, -1.1, -0.5, -1e-5, 0, 1e-200]
-    x += [0.3, 0.5, 1, 1.7, 2.5, 3.3, 4.51, 6.2, 8.8, 9.99, 10.49, 10.51, 12.3, 20, 45.6, 80]
+    x += [0.3, 0.5, 0.75, 1, 1.7, 2.5, 3.3, 4.51, 6.2, 8.8, 9.99, 10.49, 10.51, 12.3, 20, 45.6, 80]
     out = rows("AIRYAI", m.airyai, x) + rows("AIRYAIP", lambda x: m.airyai(x, derivative=1), x)
     out += rows("BAIRY", lambda x, k: m.airybi(x), [(v, 0) for v in x], inexact=(0,))
     out += rows("BAIRY", lambda x, k: m.airybi(x, derivative=1), [(v, 1) for v in x if v], inexact=(0,))
@@ -115,7 +118,8 @@ def airyrows():
 @table("elliptic")
 def ellipticrows():
     m0 = [0, 0.3, 0.5, 0.9, 0.999999, 1 - 1e-14, 1e-10, -0.7, -40, -1e6]
-    out = rows("ELLIPK", m.ellipk, m0) + rows("ELLIPE", m.ellipe, m0 + [1])
+    more = [0.1, 0.2, 0.7, 0.8, 0.99, 1 - 1e-6, -1e-3, -3, -500, -1e12]
+    out = rows("ELLIPK", m.ellipk, m0 + more) + rows("ELLIPE", m.ellipe, m0 + more + [1])
     phi = [1e-9, 0.2, -0.8, 1.3, 1.5707963, 1.7, -4.5, 12.3]
     out += rows("ELLIPF", m.ellipf, grid(phi, m0) + [(1.2, 1), (0.4, 3.3), (-0.2, 20)])
     out += rows("ELLIPEINC", m.ellipe, grid(phi, m0) + [(1.2, 1), (0.4, 3.3), (-0.2, 20)])
@@ -136,7 +140,7 @@ def ellipticrows():
     for kind in ("sn", "cn", "dn"):
         out += rows("JACOBI" + kind.upper(), fun(kind), grid(u, k))
     for kind in ("ns", "nc", "nd", "sc", "sd", "cs", "cd", "ds", "dc"):
-        out += rows("JACOBI" + kind.upper(), fun(kind), grid([0.4, -1.1, 7.7], [0.1, 0.95, -0.6, 1.3]))
+        out += rows("JACOBI" + kind.upper(), fun(kind), grid([0.4, -1.1, 7.7, 0.02, 3.3], [0.1, 0.95, -0.6, 1.3]))
 
     def amplitude(u, k):
         period = 2 * m.ellipk(k)
@@ -181,7 +185,7 @@ def hypergeorows():
     out += rows("CHU", u, grid([0.3, 1, 4.4, -2.2, -3, 30], [0.5, 1, 3, -2.7, 12.2], [0.05, 1.3, 9, 120]))
     out += rows("CHU", u, [(-0.5, 2 + 1e-10, 3), (-30.5, 4, 11), (0.01, 40, 2), (2, -3, 1e-9), (1.5, 0.5, 1e5), (0.5, 0.2, 0)])
     out += rows("CHU", u, [(-3, 2, -1.5), (2.5, 4.5, 3), (60, 1, 0.001), (-7, -3, 0.4)])
-    out += rows("R9CHU", lambda a, b, v: v ** a * u(a, b, v), [(0.5, 1, 30), (2, 0.3, 5000), (-1.5, 2, 8), (1, 1, 0.5)])
+    out += rows("R9CHU", lambda a, b, v: v ** a * u(a, b, v), grid([0.5, 1, -1.5, 3.3], [0.3, 1, 2], [0.5, 8]) + [(2, 0.3, 5000)])
     nu = [0, 1, 2, 0.5, 3.3, 17, -0.5, -1, -2.5, -1.7]
     with mp.workdps(60):
         out += rows("STRUVED", m.struveh, grid(nu, [0.01, 1.7, 9.9, 25, 60.3]) + [(0, 1e4), (40, 38.5), (3, -4.4), (0, -2)])
@@ -220,7 +224,7 @@ def orthopolyrows():
     far = [-3, 0.45, 6.6, 35, 300]
     laguerre = recurrence(lambda n, a, v: a + 1 - v, lambda k, p, q, n, a, v: ((2 * k + 1 + a - v) * p - (k + a) * q) / (k + 1))
     out += rows("ALAGUERRE", laguerre, grid(n, [0, -0.6, 5], far), inexact=(1, 2), tol=4e-14)
-    out += rows("LAGUERRE", lambda n, v: laguerre(n, mpf(0), v), grid([0, 1, 7, 20], far), inexact=(1,), tol=4e-14)
+    out += rows("LAGUERRE", lambda n, v: laguerre(n, mpf(0), v), grid([0, 1, 7, 20], far) + [(175, 0.0215), (191, 0.0564), (150, 1e-5)], inexact=(1,), tol=4e-14)
     out += rows("HERMITE", recurrence(lambda n, v: 2 * v, lambda k, p, q, n, v: 2 * v * p - 2 * k * q), grid(n[:-1], far), inexact=(1,))
     out += rows("HERMITE2", recurrence(lambda n, v: v, lambda k, p, q, n, v: v * p - k * q), grid(n[:-1], far), inexact=(1,))
     charlier = recurrence(lambda n, a, v: 1 - v / a, lambda k, p, q, n, a, v: ((k + a - v) * p - k * q) / a)
@@ -279,23 +283,26 @@ def complexrows(name, f, args, tol=2e-14):
 @table("complexfn")
 def complexfunctionrows():
     z = [(0.7, 0.3), (-1.2, 2.5), (3.3, -0.4), (-0.2, -4.1), (12.5, 7.7), (0, 1.5), (2.5, 0), (-3.5, 0), (1e-9, 2e-9), (-2.0001, 0.001)]
-    far = z + [(30, -60), (-25.5, 0.3), (-45, 20), (0.999, 1e-5)]
+    far = z + [(30, -60), (-25.5, 0.3), (-45, 20), (0.999, 1e-5), (0.1, -0.7), (1.7, 3.9), (-6.6, -1.1), (5, -8), (0.5, 0.01), (150, 90)]
     of = lambda f: lambda x, y: f(m.mpc(x, y))
     psi = lambda v: m.digamma(v) if v.real > 0 else m.digamma(1 - v) - m.pi * m.cot(m.pi * v)
     rest = lambda v: m.loggamma(v) - (v - mpf(1) / 2) * m.log(v) + v - m.log(2 * m.pi) / 2
     out = []
     for name, f in (("CLOG", m.log), ("CLNREL", lambda v: m.log(1 + v)), ("CPSI", psi), ("CLNGAM", m.loggamma)):
         out += complexrows(name, of(f), far + [(1.001, 0.002), (2.001, -0.002)])
-    out += complexrows("CGAMMA", of(m.gamma), z + [(0.999, 1e-5), (1.5, 20), (-9.5, 3), (30, -6)])
+    out += complexrows("CGAMMA", of(m.gamma), z + [(0.999, 1e-5), (1.5, 20), (-9.5, 3), (30, -6), (0.1, -0.7), (1.7, 3.9), (-6.6, -1.1), (5, -8),
+                                                   (0.5, 0.01), (60, 20)])
     out += complexrows("C9LGMC", of(rest), far)
     out += complexrows("CCE1", of(m.e1), [a for a in far if a != (0, 0)] + [(-41, 3), (5, 40.5), (0.1, 3.9)])
     functions = {1: m.exp, 2: m.log, 3: m.log10, 67: lambda v: m.log(v) / m.log(2), 4: m.sqrt, 5: m.sin, 7: m.cos, 9: m.tan,
                  64: m.cot, 74: m.sec, 75: m.csc, 11: m.sinh, 12: m.cosh, 13: m.tanh, 111: m.csch, 112: m.sech, 113: m.coth,
                  14: m.asin, 15: m.acos, 16: m.atan, 79: m.acot, 80: m.asec, 81: m.acsc, 46: m.asinh, 47: m.acosh,
                  48: m.atanh, 49: m.acoth, 50: m.asech, 51: m.acsch, 269: lambda v: m.log(1 + v)}
-    some = [(0.7, 0.3), (-1.2, 2.5), (2.5, 0), (-3.5, 0), (0, -2.5), (0.001, -0.002)]
+    some = [(0.7, 0.3), (-1.2, 2.5), (2.5, 0), (-3.5, 0), (0, -2.5), (0.001, -0.002), (1 + 1e-7, 2e-8), (-1, 1e-6), (1e-6, -1)]
     for k, f in functions.items():
         out += complexrows("CMATH", lambda s, x, y: f(m.mpc(x, y)), [(k,) + a for a in some])
+    for k in (74, 75, 111, 112):  # where what they are the reciprocals of is too large
+        out += complexrows("CMATH", lambda s, x, y: functions[int(s)](m.mpc(x, y)), [(k, 300, 25), (k, -25, -300)])
     power = lambda u, v, x, y: m.mpc(x, y) ** m.mpc(u, v)  # the exponent first
     out += complexrows("CPOW", power, grid([2.5, -3, 7], [0, 1.25], [0.4, -1.5], [0.3, -7]))
     return out
@@ -309,12 +316,18 @@ def complexbesselrows():
     f = lambda k, v, x, y: kinds[int(k)](v, m.mpc(x, y))
     with mp.workdps(90):
         out = complexrows("CBESS", f, [(k, v) + a for k in kinds for v in nu for a in z if k != 2 or v != 20 or a[0] > 1e-3])
-        out += complexrows("CBESS", f, [(1, 150.5, 120, 60), (3, 80, 30, 200), (4, 80, 30, 200), (2, 60.3, 50, 8)])
+        out += complexrows("CBESS", f, [(1, 150.5, 120, 60), (3, 80, 30, 200), (4, 80, 30, 200), (2, 60.3, 50, 8), (4, 2e-4, 0.006, 0.028)])
         kelvin = {1: m.ber, 2: m.bei, 3: m.ker, 4: m.kei}
         x = [0.001, 0.4, 2.2, 9.9, 10.1, 33, 130]
         out += rows("KELVIN", lambda v, x, k: kelvin[int(k)](v, x), grid([0, 1, 2, 0.5, -3], x, [1, 2, 3, 4]), inexact=(0, 1))
         slope = lambda v, x, k: m.diff(lambda t: kelvin[int(k) - 4](v, t), x)
         out += rows("KELVIN", slope, grid([0, 2, 1.5], [0.03, 2.2, 14, 70], [5, 6, 7, 8]), inexact=(1,))
+        # next to 0: the leading terms of the series
+        out += rows("KELVIN", lambda v, x, k: x / 2, [(0, 1e-230, 6), (0, 1e-290, 6)], inexact=(1,))
+        out += rows("KELVIN", lambda v, x, k: -x ** 3 / 16, [(0, 1e-50, 5)], inexact=(1,))
+        out += rows("KELVIN", lambda v, x, k: mpf(1) / 2, [(2, 1e-9, 3), (-2, 1e-250, 3)], inexact=(1,))
+        out += rows("KELVIN", lambda v, x, k: 2 / x ** 2, [(2, 1e-40, 4)], inexact=(1,))
+        out += rows("KELVIN", lambda v, x, k: -m.pi * x / 16, [(2, 1e-12, 7), (2, 1e-200, 7)], inexact=(1,))
     return out
 
 
