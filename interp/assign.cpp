@@ -8,8 +8,7 @@
 #include "interp/base/symtab.h"
 #include "interp/dofiles.h"
 #include "interp/matrixtext.h"
-#include "interp/process.h"
-#include "interp/tokenfil.h"
+#include "plot/plotobj.h"
 #include "values/harray.h"
 #include "values/stringarray.h"
 
@@ -117,7 +116,7 @@ void assignnew(int rhs, int lhs) {
     case TEMPSTRING: setobject(l, STRINGTYPE, taketext(rhs)); break;
     case MATRIX: setobject(l, MATRIX, takematrix(rhs)); break;
     case STRINGMATRIX: setobject(l, STRINGMATRIX, takestrings(rhs)); break;
-    case WINDOWTYPE: notavailable(TOKWINDOW);
+    case WINDOWTYPE: copywindow(rhs, lhs); break;
     default: tarnerror("bad RHS type in assignment");
     }
 }

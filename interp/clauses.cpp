@@ -11,19 +11,13 @@
 
 namespace {
 
-// A whole number for a clause; what no clause can mean is kept out of range instead of wrapping into it.
-int16_t shortvalue(int idx) {
-    const double x = scalarval(idx);
-    return int16_t(std::clamp(x, double(INT16_MIN), double(INT16_MAX)));
-}
-
 int operand(const processop&) {
     needoperands(1);
     return parser.polstack[parser.poltop];
 }
 
 void setshort(const processop& op, int16_t& variable) {
-    variable = shortvalue(operand(op));
+    variable = shortval(operand(op));
     freeoperands(1);
 }
 
@@ -48,8 +42,8 @@ void setpair(const processop& op, const char* what, double& x, double& y) {
 void place(const processop& op) {
     if (argnumber() != 2) tarnerror("PLACE must have two parenthesized arguments");
     needpair(op, "PLACE");
-    clause.placex = shortvalue(op.p2nd);
-    clause.placey = shortvalue(op.ptop);
+    clause.placex = shortval(op.p2nd);
+    clause.placey = shortval(op.ptop);
     freeoperands(2);
 }
 

@@ -1,4 +1,5 @@
 // The kinds of objects that this room saves, and the rows of SAVE and USE.
+#include "interp/base/hooks.h"
 #include "interp/base/operand.h"
 #include "interp/base/parser.h"
 #include "interp/base/report.h"
@@ -89,6 +90,7 @@ constexpr processrow rows[] = {{8, save}, {59, use}};
 
 void diskstart() {
     diskforget();
+    upper.usequietly = usequietly;
     savekindadd(kinds, int(std::size(kinds)));
     processadd(rows, int(std::size(rows)));
 }

@@ -11,6 +11,7 @@
 #include "interp/disknames.h"
 #include "interp/dofiles.h"
 #include "values/saveblock.h"
+#include "values/stringarray.h"
 
 #include <cstring>
 #include <filesystem>
@@ -46,6 +47,7 @@ bool damaged(const usestate& u, const char* name, const char* what) {
     logout("USE: %s is damaged: %s\n", name, what);
     if (u.quiet) return false;
     tarnprint("\n");
+    if (u.in.verbatim) tarnerror("%s", what);
     tarnerror("USE: %s is damaged: %s", name, what);
 }
 
@@ -181,7 +183,35 @@ bool readsavefile(const std::string& path, std::string& bytes) {
     return !std::filesystem::is_character_file(path, fault) && readwhole(path.c_str(), bytes);
 }
 
+// Sets what a statement under way must not notice of a USE inside it, and sets it back.
+struct quietuse {
+    const clausestate clauses = clause;
+    const bool quiet = report.quiet;
+    void (*const redraw)() = upper.redraw;
+    quietuse() {
+        report.quiet = true;
+        upper.redraw = [] {};
+    }
+    ~quietuse() {
+        clause = clauses;
+        report.quiet = quiet;
+        upper.redraw = redraw;
+    }
+    quietuse(const quietuse&) = delete;
+    quietuse& operator=(const quietuse&) = delete;
+};
+
 } // namespace
+
+void usequietly(const char* file) {
+    const quietuse quiet;
+    const int name = symtabtext(0, 0, file);
+    clause.insym = int16_t(name);
+    try {
+        if (!diskuse(TOKUSEOVER, "", true)) diskuse(TOKUSEOVER, report.tarnpath.c_str(), true);
+    } catch (const recoveryjump&) {} // a file that is no good counts as none
+    tempfree(name);
+}
 
 bool diskuse(int mode, const char* directory, bool quiet) {
     const std::string path = clause.insym ? diskpath(clause.insym, directory) : "";

@@ -18,6 +18,10 @@ void disksave(int op);
  * opened, or with quiet, it is damaged. */
 bool diskuse(int mode, const char* directory, bool quiet);
 
+// Reads the objects of a start-up file, of the current directory or else of the program's, inside a
+// statement; nothing is told of a file that is missing or damaged.
+void usequietly(const char* file);
+
 void diskpredefined(); // what is defined now are the start-up files' own objects
 void diskforget();     // there are none
 void diskstart();      // adds the kinds of objects that this room saves, and the rows of the two statements

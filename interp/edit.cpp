@@ -7,6 +7,7 @@
 #include "interp/base/symtab.h"
 #include "interp/dofiles.h"
 #include "interp/source.h"
+#include "plot/titleop.h"
 #include "solvers/conset.h"
 
 #include <strings.h>
@@ -27,6 +28,7 @@ std::string edittext(int symbol) {
     case USERFUNCTION:
     case INITIALVALUE: return functext(symbol, true);
     case STRINGTYPE: return "     " + name + " = " + quoted(stringval(symbol));
+    case TITLETYPE: return titletoedit(symbol);
     case CONSETTYPE: return constraints2text(symbol, true);
     case UNKNOWN: tarnerror("illegal EDIT argument");
     default: tarnerror("Only a FUNCTION, INITIAL, STRING, TITLE, FILE or CONSTRAINT may be edited");

@@ -194,7 +194,7 @@ void formatop(const processop&) {
         tarnerror("FORMAT needs 6 scalars");
     for (int k = FIELDS - 1; k >= 0; k--) {
         const int idx = polpop();
-        clause.format[k] = int16_t(std::clamp(scalarval(idx), double(INT16_MIN), double(INT16_MAX)));
+        clause.format[k] = shortval(idx);
         tempfree(idx);
     }
 }

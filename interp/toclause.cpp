@@ -1,19 +1,20 @@
 // TO belongs to FIT and to the windows' statements: the statement that runs decides.
 #include "interp/base/parser.h"
 #include "interp/base/report.h"
+#include "interp/base/tokens.h"
 #include "interp/process.h"
 #include "interp/rooms.h"
-#include "interp/tokenfil.h"
+#include "plot/clauses.h"
 #include "solvers/fit.h"
 
 namespace {
 
-void toclause(const processop& op) {
+void toclause(const processop&) {
     switch (opcommand()) {
     case TOKFIT: return fittoclause();
     case TOKWINDOW:
     case TOKFRAME:
-    case TOKIMAGE: notavailable(op.token);
+    case TOKIMAGE: return windowtoclause();
     default: tarnerror("no TO clause with this operator");
     }
 }

@@ -52,8 +52,9 @@ bool finddata(int win, datalimits& d) {
 
 void widen(limits& l) {
     if (l.lo != l.hi) return;
-    l.lo -= 0.5;
-    l.hi += 0.5;
+    const double half = l.lo - 0.5 < l.lo ? 0.5 : std::abs(l.lo) * 0x1p-50;
+    l.lo -= half;
+    l.hi += half;
 }
 
 pads padsfor(const limits& data, int locode, int hicode) {

@@ -3,6 +3,7 @@
 #include "interp/base/hooks.h"
 #include "interp/base/operand.h"
 #include "interp/base/report.h"
+#include "plot/colornames.h"
 #include "plot/plotstate.h"
 
 #include <algorithm>
@@ -92,8 +93,16 @@ int newautoname(char letter) {
 void plotobjstart() {
     plotting = {};
     screen = {};
-    plotfns = {[](int color) { return color; }, [](int rgb) { return rgb; }, nullptr};
+    plotfns = {colortorgb15, colorfromrgb15, nullptr};
+    colornamestart();
     plotkinds();
+    plotclauserows();
+    curverows();
+    titlerows();
+    windowrows();
+    plotcallrows();
+    plotsaverows();
+    plotlistrows();
 }
 
 int getwindow(int idx) {

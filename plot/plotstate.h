@@ -18,7 +18,8 @@ int newautoname(char letter); // enters the next name of the letter that is new,
 void plotclauserows(); // LINETYPE, COLOR, PTSIZE, ADJUST
 void curverows();      // DRAW and the axes
 void titlerows();      // TITLE
-void windowrows();     // WINDOW, FRAME, IMAGE, the boxes, BLANK; the inquiries
+void windowrows();     // WINDOW, FRAME, IMAGE, the boxes, BLANK
+void plotcallrows();   // what a window or a curve holds
 void plotkinds();      // how the objects are deleted
 void plotsaverows();   // how a window is saved
 void plotlistrows();   // how TYPE shows them

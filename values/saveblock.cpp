@@ -99,8 +99,8 @@ savereader savereaderon(const std::string& bytes) {
     return {p, p + bytes.size()};
 }
 
-void readfault(savereader& in, const char* what) {
-    if (!in.fault) in.fault = what;
+void readfault(savereader& in, const char* what, bool verbatim) {
+    if (!in.fault) in.fault = what, in.verbatim = verbatim;
     in.p = in.end;
 }
 

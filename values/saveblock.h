@@ -33,11 +33,12 @@ struct savereader {
     const unsigned char* p;
     const unsigned char* end;
     const char* fault = nullptr; // what is wrong, once something is
+    bool verbatim = false;       // the fault is the whole message
 };
 
 savereader savereaderon(const std::string& bytes);
 inline size_t bytesleft(const savereader& in) { return size_t(in.end - in.p); }
-void readfault(savereader& in, const char* what); // keeps the first
+void readfault(savereader& in, const char* what, bool verbatim = false); // keeps the first
 
 int getshort(savereader& in); // signed
 uint32_t getlong(savereader& in);

@@ -2,6 +2,8 @@
 
 #include "interp/base/report.h"
 
+#include <algorithm>
+
 operandhooks operandfns;
 
 bool isscalartype(int type) {
@@ -18,6 +20,10 @@ double scalarval(int idx) {
     if (isscalartype(s.type)) return s.val.rval;
     if (s.type == MATRIX) return operandfns.first(static_cast<const harray*>(s.val.ptr));
     tarnerror("%s is not a scalar type as expected", s.name);
+}
+
+int16_t shortval(int idx) {
+    return int16_t(std::clamp(scalarval(idx), double(INT16_MIN), double(INT16_MAX)));
 }
 
 harray* matrixval(int idx, int& temp) {

@@ -6,6 +6,8 @@
 
 #include "interp/base/symtab.h"
 
+#include <cstdint>
+
 struct harray; // values/harray.h
 
 bool isscalartype(int type); // CONSTANT, SCALAR, USERFUNCTION, INITIALVALUE
@@ -15,6 +17,7 @@ inline bool isstringtype(int idx) { return sym(idx).type == STRINGTYPE || sym(id
 const char* stringval(int idx); // text of a string entry (never null)
 
 double scalarval(int idx); // scalar class, or the first element of a matrix; else an error
+int16_t shortval(int idx); // the same as a whole number; what goes beyond 16 bits is kept at their end
 harray* matrixval(int idx,
                   int& temp); // the matrix; for a scalar a 1 by 1 temporary, its index in temp (else 0)
 int scalartemp(int idx);      // a 1 by 1 temporary matrix from a scalar-class entry

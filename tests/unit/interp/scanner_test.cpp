@@ -148,10 +148,15 @@ TEST_F(Scanner, WrongNumbers) {
 
 TEST_F(Scanner, CaseSwitchKeepsNamesAndFindsTheSystemsOwn) {
     symtabprotect();
-    sym(symtabenter("C1")).type = CURVETYPE;
+    const auto plotobject = [](const char* name, int type) {
+        symbol& s = sym(symtabenter(name));
+        s.type = int16_t(type);
+        s.val.ptr = nullptr;
+    };
+    plotobject("C1", CURVETYPE);
     sym(symtabenter("T2")).type = SCALAR;
-    sym(symtabenter("W3")).type = WINDOWTYPE;
-    sym(symtabenter("W")).type = WINDOWTYPE;
+    plotobject("W3", WINDOWTYPE);
+    plotobject("W", WINDOWTYPE);
     sym(symtabenter("SYMBOLS")).type = CONSTANT;
     sym(symtabenter("MAXITER")).type = SCALAR;
     symtabenter("W.XAXIS");

@@ -1,0 +1,258 @@
+#include "plot/clauses.h"
+
+#include "interp/base/operand.h"
+#include "interp/base/report.h"
+#include "plot/plotobj.h"
+#include "plot/plotstate.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace {
+
+// The count of the list just closed, with its operands certain to be there, the first in `first`.
+int listed(const int16_t*& first) {
+    const int n = argnumber();
+    if (n < 1 || parser.poltop + 1 < n) tarnerror("polstack[] empty, cannot be popped");
+    first = &parser.polstack[parser.poltop - n + 1];
+    return n;
+}
+
+void release(int count) {
+    for (; count > 0; count--) tempfree(polpop());
+}
+
+// ---- LINETYPE ----
+
+// The seven numbers of a line of one's own, in their order in the clause.
+double* const linecells[] = {&clause.linedash[0], &clause.linedash[1], &clause.linedash[2],
+                             &clause.linedash[3], &clause.linedash[4], &clause.linethick,
+                             &clause.linefill};
+constexpr size_t LINENUMBERS = std::size(linecells);
+
+void linematrix(const harray* m) {
+    const size_t n = harraycount(m);
+    if (n < 1) tarnerror("improper number of arguments to LINETYPE");
+    for (size_t k = 0; k < std::min(n, LINENUMBERS); k++) *linecells[k] = cells(m)[k + 1];
+}
+
+void linetype(const processop&) {
+    const int16_t* operand;
+    const int n = listed(operand);
+    const bool scalars = std::all_of(operand, operand + n, [](int idx) { return isscalar(idx); });
+    if (n == 1 && ismatrix(*operand)) {
+        linematrix(static_cast<const harray*>(sym(*operand).val.ptr));
+    } else if (!scalars) {
+        tarnerror("bad argument type in LINETYPE (LINE)");
+    } else if (n == 1) {
+        clause.linetype = shortval(*operand);
+    } else if (n == int(LINENUMBERS)) {
+        for (size_t k = 0; k < LINENUMBERS; k++) *linecells[k] = scalarval(operand[k]);
+    } else {
+        tarnerror("improper number of arguments to LINETYPE");
+    }
+    release(n);
+}
+
+// ---- COLOR, PTSIZE, ADJUST ----
+
+void color(const processop&) {
+    const int16_t* operand;
+    const int n = listed(operand);
+    if (n > 3) tarnerror("wrong number of arguments for COLOR clause");
+    clause.pointcolor = shortval(operand[0]);
+    clause.linecolor = shortval(operand[n == 3 ? 1 : 0]);
+    clause.labelcolor = clause.colorn = shortval(operand[n - 1]);
+    release(n);
+}
+
+// The first column holds the sizes; others hold angles and lengths that some shapes take.
+void checksizes(const harray* m) {
+    if (harraycount(m) == 0) tarnerror("illegal point size");
+    for (size_t i = 1; i <= m->rows; i++)
+        if (at(m, i, 1) < 0) tarnerror("point sizes must be non-negative");
+}
+
+void pointsize(const processop& op) {
+    if (!op.ptop) tarnerror("polstack[] empty, cannot be popped");
+    if (ismatrix(op.ptop)) {
+        checksizes(static_cast<const harray*>(sym(op.ptop).val.ptr));
+        clause.pointsize = SIZEBYPOINT;
+        clause.pointsizes = int16_t(polpop());
+        return;
+    }
+    if (!isscalar(op.ptop)) tarnerror("illegal point size");
+    if (scalarval(op.ptop) < 0) tarnerror("point sizes must be non-negative");
+    clause.pointsize = scalarval(op.ptop);
+    release(1);
+}
+
+void adjust(const processop&) {
+    const int16_t* operand;
+    const int n = listed(operand);
+    if (n != 1 && n != 4) tarnerror("ADJUST must have 1 or 4 arguments");
+    for (int k = 0; k < 4; k++) {
+        const double code = scalarval(operand[n == 4 ? k : 0]);
+        if (!(code >= 0 && code <= 15)) tarnerror("ADJUST arguments must be in [0,15]");
+        clause.adjust[k] = int16_t(code);
+    }
+    release(n);
+}
+
+// ---- what the cells may hold ----
+
+bool isplacecode(int code, std::initializer_list<int> codes) {
+    return std::find(codes.begin(), codes.end(), code) != codes.end();
+}
+
+void checklabels() {
+    if (!given(clause.labelmatrix)) return;
+    const symbol& s = sym(clause.labelmatrix);
+    if (s.type != MATRIX && !isscalartype(s.type)) tarnerror("LABEL argument must be matrix or scalar");
+    if (s.type == MATRIX && static_cast<const harray*>(s.val.ptr)->cols > 2)
+        tarnerror("label matrix must have 1 or 2 cols");
+}
+
+bool isformatgiven() {
+    return std::any_of(std::begin(clause.format), std::end(clause.format), [](int f) { return f != -1; });
+}
+
+template <class T, class U> void take(T& field, U cell) {
+    if (given(cell)) field = T(cell);
+}
+
+void applyline(curve& c) {
+    if (given(clause.linetype)) {
+        c.linetype = clause.linetype;
+    } else if (given(clause.linedash[0])) {
+        c.linetype = CUSTOMLINE;
+        c.seg1 = clause.linedash[0], c.gap = clause.linedash[1], c.seg2 = clause.linedash[2];
+        c.tick1 = clause.linedash[3], c.tick2 = clause.linedash[4];
+        c.thick = clause.linethick, c.fill = clause.linefill;
+    }
+}
+
+void applypoints(curve& c) {
+    take(c.pointtype, clause.pointtype);
+    take(c.ptsizeunits, clause.unitsize);
+    take(c.ptfont, clause.pointfont);
+    take(c.ptsize, clause.pointsize);
+    if (!given(clause.pointsize)) return;
+    c.ptsizes.reset();
+    if (given(clause.pointsizes))
+        c.ptsizes.reset(harraydup(static_cast<const harray*>(sym(clause.pointsizes).val.ptr)));
+}
+
+void applycolors(curve& c) {
+    if (given(clause.pointcolor)) {
+        c.pointcolor = clause.pointcolor, c.linecolor = clause.linecolor, c.labelcolor = clause.labelcolor;
+    } else if (given(clause.colorn)) {
+        c.pointcolor = c.linecolor = c.labelcolor = clause.colorn;
+    }
+}
+
+void applylabels(curve& c) {
+    if (!given(clause.labelmatrix)) return;
+    int temp;
+    const harray* m = matrixval(clause.labelmatrix, temp);
+    c.labels.reset(harraycount(m) ? harraydup(m) : nullptr);
+    tempfree(temp);
+}
+
+} // namespace
+
+bool given(double cell) { return cell != MAXPOS; }
+
+operandlist takeoperands() {
+    operandlist list;
+    list.count = parser.poltop + 1;
+    for (int k = 0; k < std::min(list.count, int(std::size(list.at))); k++) list.at[k] = parser.polstack[k];
+    return list;
+}
+
+void releaseoperands(const operandlist& list) {
+    release(list.count);
+    for (int16_t* held : {&clause.labelmatrix, &clause.pointsizes}) {
+        tempfree(*held);
+        *held = -1;
+    }
+}
+
+void checkplace() {
+    if (!given(clause.placex) && !given(clause.placey)) return;
+    if (!isplacecode(clause.placey, {0, 1, 4})) tarnerror("illegal PLACE vcenter argument");
+    if (!isplacecode(clause.placex, {0, 2, 3})) tarnerror("illegal PLACE hcenter argument");
+}
+
+void applyplace(int16_t& vplace, int16_t& hplace) {
+    if (!given(clause.placex) && !given(clause.placey)) return;
+    vplace = int16_t(clause.placey == 4 ? -1 : clause.placey);
+    hplace = int16_t(clause.placex == 2 ? -1 : clause.placex == 3 ? 1 : 0);
+}
+
+void checkfont(int font, const char* message) {
+    if (given(font) && (font < -14 || font > 34)) tarnerror("%s", message);
+}
+
+void checksize(double size, const char* what) {
+    if (size < 0) tarnerror("%s must be non-negative", what);
+}
+
+void checkcurveclauses(int kind) {
+    const int points = clause.pointtype;
+    if (given(clause.linetype) && (clause.linetype < 0 || clause.linetype > 12))
+        tarnerror("invalid linetype.");
+    if (given(points) && (points < -31 || points > 31) && (points < 1000 || points > 1128))
+        tarnerror("invalid pointtype.");
+    checkfont(clause.pointfont, "invalid font table number.");
+    checksize(clause.labelsize, "LABELSIZE");
+    checkfont(clause.labelfont, "invalid label font number.");
+    checkplace();
+    checklabels();
+    if (kind == TOKDRAW && given(clause.unitat) && clause.unitat != TOKWORLD)
+        tarnerror("DRAW statements must use WORLD data units");
+    if (given(clause.font) || given(clause.textsize))
+        tarnwarn("FONT and SIZE clauses only apply in TITLE statements.\n"
+                 "Use PTFONT, PTSIZE, LABELFONT, or LABELSIZE as appropriate.");
+}
+
+void applycurveclauses(curve& c) {
+    applyline(c);
+    applypoints(c);
+    applycolors(c);
+    take(c.labelsize, clause.labelsize);
+    take(c.labelsizeunits, clause.unitlabelsize);
+    take(c.labelfont, clause.labelfont);
+    take(c.labelangle, clause.textangle);
+    if (isformatgiven()) std::copy(std::begin(clause.format), std::end(clause.format), c.format);
+    applyplace(c.vplace, c.hplace);
+    applylabels(c);
+    take(c.xoffset, clause.offsetx);
+    take(c.yoffset, clause.offsety);
+    take(c.offsetunits, clause.unitoffset);
+    take(c.dataunits, clause.unitat);
+}
+
+bool toclauses(double& x1, double& x2, double& y1, double& y2) {
+    if (clause.toclauses == 0) return false;
+    if (clause.toclauses == 1) tarnerror("not enough TO clauses");
+    x1 = clause.to[0][0], x2 = clause.to[0][1];
+    y1 = clause.to[1][0], y2 = clause.to[1][1];
+    return true;
+}
+
+void windowtoclause() {
+    const int n = parser.poltop;
+    if (n < 1 || !isscalar(parser.polstack[n - 1]) || !isscalar(parser.polstack[n]))
+        tarnerror("scalars required in TO clause");
+    if (clause.toclauses >= 2) tarnerror("too many TO clauses");
+    double* ends = clause.to[clause.toclauses++];
+    ends[0] = scalarval(parser.polstack[n - 1]);
+    ends[1] = scalarval(parser.polstack[n]);
+    release(2);
+}
+
+void plotclauserows() {
+    static constexpr processrow rows[] = {{24, linetype}, {40, color}, {56, pointsize}, {58, adjust}};
+    processadd(rows, int(std::size(rows)));
+}

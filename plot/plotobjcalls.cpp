@@ -1,0 +1,80 @@
+// GETDATA, GETLABELS, GETPTSIZE of curves; GETIMAGE, GETFRAME, GETWINDOW of windows.
+#include "funcs/builtin.h"
+#include "interp/base/operand.h"
+#include "interp/base/report.h"
+#include "plot/plotobj.h"
+#include "plot/plotstate.h"
+
+#include <iterator>
+
+namespace {
+
+const curve& curveoperand(const callargs& a) {
+    if (!iscurve(a[1])) tarnerror("not a curve, axis, or window");
+    return curveof(a[1]);
+}
+
+const window& windowoperand(const callargs& a) {
+    if (!iswindow(a[1])) tarnerror("not a curve, axis, or window");
+    return windowof(a[1]);
+}
+
+int copied(const harrayptr& m) {
+    return symtabmatrix(0, 0, harrayptr(m ? harraydup(m.get()) : harraynew(0, 0)));
+}
+
+int fourvector(double x1, double x2, double y1, double y2) {
+    harrayptr m(harraynew(4, 1));
+    double* v = cells(m.get()) + 1;
+    v[0] = x1, v[1] = x2, v[2] = y1, v[3] = y2;
+    return symtabmatrix(0, 0, std::move(m));
+}
+
+// The unit of an optional second argument, numbered from 1; 0 if it has no such number.
+int unitargument(const callargs& a, int most) {
+    static constexpr int units[] = {TOKFRACT, TOKINCHES, TOKFFRACT, TOKFINCHES};
+    const double code = a.scalar(2, 1);
+    return code >= 1 && code < most + 1 ? units[int(code) - 1] : 0;
+}
+
+int getdata(const callargs& a) { return copied(curveoperand(a).data); }
+int getlabels(const callargs& a) { return copied(curveoperand(a).labels); }
+
+int getptsize(const callargs& a) {
+    const curve& c = curveoperand(a);
+    if (c.ptsize < 0) return copied(c.ptsizes);
+    harrayptr m(harraynew(1, 1));
+    cells(m.get())[1] = c.ptsize;
+    return symtabmatrix(0, 0, std::move(m));
+}
+
+int getimage(const callargs& a) {
+    const window& w = windowoperand(a);
+    const int units = unitargument(a, 4);
+    if (!units) tarnerror("2nd arg must be 1,2,3, or 4");
+    double x1 = w.ixmin, x2 = w.ixmax, y1 = w.iymin, y2 = w.iymax;
+    convertunits(x1, x2, y1, y2, w, UNITSNORMAL, units);
+    return fourvector(x1, x2, y1, y2);
+}
+
+int getframe(const callargs& a) {
+    const window& w = windowoperand(a);
+    const int units = unitargument(a, 2);
+    if (!units) tarnerror("2nd arg must be 1 or 2");
+    double x1 = w.fxmin, x2 = w.fxmax, y1 = w.fymin, y2 = w.fymax;
+    convertunits(x1, x2, y1, y2, w, UNITSNORMAL, units);
+    return fourvector(x1, x2, y1, y2);
+}
+
+int getwindowlimits(const callargs& a) {
+    const window& w = windowoperand(a);
+    return fourvector(w.wxmin, w.wxmax, w.wymin, w.wymax);
+}
+
+} // namespace
+
+void plotcallrows() {
+    static constexpr valuerow calls[] = {{-691, getdata},  {-690, getlabels}, {-689, getptsize},
+                                         {-698, getimage}, {-697, getframe},  {-696, getwindowlimits}};
+    builtinadd(calls, int(std::size(calls)));
+}

@@ -1,0 +1,179 @@
+#include "plot/windowop.h"
+
+#include "interp/base/hooks.h"
+#include "interp/base/report.h"
+#include "plot/clauses.h"
+#include "plot/plotobj.h"
+#include "plot/plotstate.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+
+namespace {
+
+struct box {
+    double x1, x2, y1, y2;
+};
+
+box frameof(const window& w) { return {w.fxmin, w.fxmax, w.fymin, w.fymax}; }
+box imageof(const window& w) { return {w.ixmin, w.ixmax, w.iymin, w.iymax}; }
+box screenbox() { return {0, screen.aspectx, 0, screen.aspecty}; }
+
+void setframe(window& w, const box& b) { w.fxmin = b.x1, w.fxmax = b.x2, w.fymin = b.y1, w.fymax = b.y2; }
+void setimage(window& w, const box& b) { w.ixmin = b.x1, w.ixmax = b.x2, w.iymin = b.y1, w.iymax = b.y2; }
+
+// Conversions of units round; that much outside is not outside.
+bool isinside(const box& inner, const box& outer) {
+    constexpr double SLACK = 1e-9;
+    return inner.x1 >= outer.x1 - SLACK && inner.x2 <= outer.x2 + SLACK && inner.y1 >= outer.y1 - SLACK &&
+           inner.y2 <= outer.y2 + SLACK;
+}
+
+void convert(box& b, const window& w, int inunits, int outunits) {
+    convertunits(b.x1, b.x2, b.y1, b.y2, w, inunits, outunits);
+}
+
+// The TO clauses; false if there are none.
+bool boxgiven(box& b) { return toclauses(b.x1, b.x2, b.y1, b.y2); }
+
+int boxunits(int absent) { return given(clause.unitat) ? clause.unitat : absent; }
+
+void checkunits(int units, std::initializer_list<int> allowed) {
+    if (std::find(allowed.begin(), allowed.end(), units) == allowed.end())
+        tarnerror("bad units in FRAME or IMAGE statement");
+}
+
+void checkextent(const box& b, const char* what) {
+    if (!(b.x1 < b.x2 && b.y1 < b.y2)) tarnerror("%s limits must rise from the first to the second", what);
+}
+
+// ---- WINDOW ----
+
+// They may fall: then the picture is turned round.
+void checklimits(double v1, double v2) {
+    const double extent = std::abs(v2 - v1);
+    if (!(extent > 0 && extent <= MAXPOS)) tarnerror("illegal WINDOW limits: %lg TO %lg", v1, v2);
+}
+
+void setwindow() {
+    box b;
+    const bool limits = boxgiven(b);
+    if (limits) checklimits(b.x1, b.x2), checklimits(b.y1, b.y2);
+    const int win = getwindow(0);
+    window& w = windowof(win);
+    const bool codes = given(clause.adjust[0]);
+    for (int k = 0; k < 4; k++)
+        if (codes || limits) w.adjust[k] = int8_t(codes ? clause.adjust[k] : 0);
+    if (limits) w.wxmin = b.x1, w.wxmax = b.x2, w.wymin = b.y1, w.wymax = b.y2;
+    adjustwindow(win);
+}
+
+// ---- FRAME and IMAGE ----
+
+// The image of a window whose frame becomes `now`.
+box imagefollows(const window& w, const box& now) {
+    box image = imageof(w);
+    if (w.imageunits == TOKFFRACT) {
+        window moved = w;
+        setframe(moved, now);
+        convert(image, w, UNITSNORMAL, TOKFFRACT);
+        convert(image, moved, TOKFFRACT, UNITSNORMAL);
+    } else if (w.imageunits == TOKFINCHES) {
+        const double dx = now.x1 - w.fxmin, dy = now.y1 - w.fymin;
+        image.x1 += dx, image.x2 += dx;
+        image.y1 += dy, image.y2 += dy;
+    }
+    return image;
+}
+
+void setframe() {
+    box b;
+    const bool limits = boxgiven(b);
+    const int units = boxunits(TOKFRACT);
+    if (limits) {
+        checkunits(units, {TOKFRACT, TOKINCHES});
+        convert(b, window(), units, UNITSNORMAL);
+        checkextent(b, "FRAME");
+        if (!isinside(b, screenbox())) tarnerror("frame is outside the screen");
+    }
+    window& w = windowof(getwindow(0));
+    if (given(clause.priority)) w.priority = clause.priority;
+    if (given(clause.colorn)) w.framecolor = clause.colorn;
+    if (!limits) return;
+    setimage(w, imagefollows(w, b));
+    setframe(w, b);
+    if (!isinside(imageof(w), b)) tarnerror("FRAME command shifted image out of frame");
+}
+
+void setimage() {
+    box b;
+    const bool limits = boxgiven(b);
+    const int units = boxunits(TOKFFRACT);
+    if (limits) checkunits(units, {TOKFINCHES, TOKINCHES, TOKFFRACT, TOKFRACT});
+    window& w = windowof(getwindow(0));
+    if (limits) {
+        convert(b, w, units, UNITSNORMAL);
+        checkextent(b, "IMAGE");
+        if (!isinside(b, frameof(w))) tarnerror("image is outside the frame");
+        if (!isinside(b, screenbox())) tarnerror("image is outside the screen");
+        setimage(w, b);
+        w.imageunits = int16_t(units);
+    }
+    if (given(clause.colorn)) w.imagecolor = clause.colorn;
+}
+
+// ---- BLANK ----
+
+bool canblank(int idx) { return iswindow(idx) || iscurve(idx) || istitle(idx); }
+
+void blank(const processop& op) {
+    for (int k = 0; k <= parser.poltop; k++)
+        if (!canblank(parser.polstack[k])) tarnerror("bad type in BLANK/UNBLANK");
+    while (parser.poltop >= 0) setblank(polpop(), op.token == TOKBLANK);
+    upper.redraw();
+}
+
+void windowstatement(const processop& op) { windowop(op.token); }
+void boxstatement(const processop& op) { boxop(op.token); }
+
+} // namespace
+
+void windowop(int token) {
+    if (parser.poltop >= 0) tarnsyntax(0, "illegal statement");
+    switch (token) {
+    case TOKWINDOW: setwindow(); break;
+    case TOKFRAME: setframe(); break;
+    case TOKIMAGE: setimage(); break;
+    }
+    releaseoperands(takeoperands());
+    upper.redraw();
+}
+
+void boxop(int token) {
+    const operandlist list = takeoperands();
+    window& w = windowof(getwindow(0));
+    const bool isframe = token == TOKFRAMEBOX;
+    (isframe ? w.framebox : w.imagebox) = list.count == 0;
+    if (given(clause.colorn)) (isframe ? w.frameboxcolor : w.imageboxcolor) = clause.colorn;
+    releaseoperands(list);
+    upper.redraw();
+}
+
+void setblank(int idx, int value) {
+    switch (sym(idx).type) {
+    case WINDOWTYPE:
+        windowof(idx).blanked = int16_t(value);
+        for (int k = ringnext(idx); k; k = ringnext(k)) setblank(k, value);
+        break;
+    case CURVETYPE: curveof(idx).blanked = int16_t(value); break;
+    case TITLETYPE: titleof(idx).blanked = int16_t(value); break;
+    default: tarnerror("bad type in BLANK/UNBLANK");
+    }
+}
+
+void windowrows() {
+    static constexpr processrow rows[] = {
+        {29, blank}, {42, windowstatement}, {43, windowstatement}, {44, windowstatement}, {52, boxstatement}};
+    processadd(rows, int(std::size(rows)));
+}
