@@ -49,6 +49,7 @@ int DINI(const char* device, int* colours, const char* file, double width, doubl
 void DQUIT(int flag);
 // The number of a device, -1 for an unknown name; the number of the open device is DDEVICENUMBER(nullptr).
 int DDEVICENUMBER(const char* name);
+const char* DDEVICENAME(int number); // null beyond the table
 // The record in the table, null for an unknown name; for a null name the working record, null before DINI.
 vldevice* DDEVICE(const char* name);
 // Activates (flag 1 erases, 2 keeps) or leaves (-1, -3; below -1 erases to 0 first) the device of a patch.
@@ -106,13 +107,11 @@ void DMOVE3(double x, double y, double z); // points in space, for a transform t
 void DDRAW3(double x, double y, double z);
 void DMOVER(double dx, double dy); // relative to the current point, world units
 void DDRAWR(double dx, double dy);
-void DRMOVE(double dx, double dy); // other names of the same two
-void DRDRAW(double dx, double dy);
 void DMOVEN(double dx, double dy); // relative, normal lengths
 void DDRAWN(double dx, double dy);
 void DDOT(double dx, double dy); // a dot at the current point plus an offset; the current point stays
 void DPOINT(double x, double y); // a dot; the current point moves there
-// A polyline of n pairs, the first a move; the same as DMOVE and DDRAW of each, and faster.
+// A polyline of n pairs, the first a move; the same as DMOVE and DDRAW of each, in one call.
 void DPOLYLINE(const double* xy, size_t n);
 void DGETPOS(double* x, double* y,
              double* z); // the current point, world units, after the transform; any may be null
@@ -166,14 +165,33 @@ void DKILLPATCH(vlpatch* patch);
 void DENQPATCH(vlpatch* patch); // records a call of the patch (null: the current one) in the open picture
 void DTOPPATCH(vlpatch* patch); // the patch becomes the target; the viewport becomes the whole patch
 void DERASE(vlpatch* patch, int colour);
-void DDOPS(vlpatch* patch, int opcode, int operand); // one of vlrasterop on every pixel
+// Every pixel becomes a boolean function of itself and of the colour `operand`.
+void DDOPS(vlpatch* patch, int opcode, int operand);
 uint32_t DPIXEL(vlpatch* patch, int x, int y, uint32_t value,
                 uint32_t mask); // reads; with a mask writes those bits
 void DSETPATCH(vlpatch* target, vlpatch* source, int x, int y, int64_t transparent); // -1: every pixel
 void DPATCHSIZE(const vlpatch* patch, int* w, int* h, int* depth);
 std::span<const uint8_t>
 DPATCHBITS(const vlpatch* patch); // own bits, row 0 at the bottom, msb first, rows not padded
-enum vlrasterop { VLCLEAR, VLCOPY, VLAND, VLOR, VLXOR, VLINVERT, VLSET };
+// The sixteen functions; bits 8, 4, 2, 1 stand for (0,0), (0,1), (1,0), (1,1) of operand and pixel.
+enum vlrasterop {
+    VLCLEAR = 0,
+    VLAND = 1,
+    VLANDREVERSE = 2,
+    VLCOPY = 3,
+    VLANDINVERTED = 4,
+    VLNOOP = 5,
+    VLXOR = 6,
+    VLOR = 7,
+    VLNOR = 8,
+    VLEQUIV = 9,
+    VLINVERT = 10,
+    VLORREVERSE = 11,
+    VLCOPYINVERTED = 12,
+    VLORINVERTED = 13,
+    VLNAND = 14,
+    VLSET = 15
+};
 
 // A colour table and an order of priorities that came with a file.
 struct vltables {

@@ -72,11 +72,11 @@ struct vldeviceops {
      * break; clip is null or x, y, w, h. A polyline: n pairs, the first a move. The width of a native text in
      * normal lengths. */
     void (*polygon)(const double* xy, size_t n, const double* clip);
-    void (*polyline)(const double* xy, size_t n);
     double (*textwidth)(const vlnativetext& text);
     void (*showcursor)(int on);
     int (*qev)(int op, vlevent* event, int mode, int wait, int flushop);
-    bool raster; // pixels are dots on a screen: the outermost pixel centres are the ends of the scale
+    size_t maxpolygon; // most points of one polygon, 0: no bound
+    bool raster;       // pixels are dots on a screen: the outermost pixel centres are the ends of the scale
 };
 
 // The operations of a device, null for a row that has none.
@@ -86,4 +86,5 @@ void vlsetdeviceoperations(int number, const vldeviceops* ops);
 
 // Implemented in the file of each device.
 const vldeviceops* vlpostscriptoperations(); // vlpostscript.cpp: 8, 9, 10
+const vldeviceops* vlmemoryoperations();     // vlmemory.cpp: 20
 const vldeviceops* vlcairooperations();      // cairodevice.cpp: 21 to 26

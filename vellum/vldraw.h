@@ -14,6 +14,18 @@ struct vlpoint {
     double x, y;
 };
 
+// The mouse cursor is hidden while something is written to a screen; holds nest.
+struct vlcursorhold {
+    vlcursorhold() {
+        if (vl.ops && vl.ops->showcursor && --vl.cursorlock == -1) vl.ops->showcursor(0);
+    }
+    vlcursorhold(const vlcursorhold&) = delete;
+    vlcursorhold& operator=(const vlcursorhold&) = delete;
+    ~vlcursorhold() {
+        if (vl.ops && vl.ops->showcursor && ++vl.cursorlock == 0) vl.ops->showcursor(1);
+    }
+};
+
 inline vlpoint vltonorm(double x, double y) {
     return {x * vl.norm.sx + vl.norm.ox, y * vl.norm.sy + vl.norm.oy};
 }

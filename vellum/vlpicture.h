@@ -21,7 +21,8 @@ struct vlpicture {
     double offx = 0, offy = 0; // normal units
     int colorindex = 1;        // at the start
     uint32_t handle = 0;
-    double lastx = 0, lasty = 0; // where it ends
+    int lastx = 0, lasty = 0; // where it ends, in units of a word
+    bool lastknown = false;
 };
 
 enum vlpatchflags { VLCHILD = 1, VLMEMORY = 2, VLDISABLED = 4 };
@@ -39,6 +40,23 @@ struct vlpatch {
     int offx = 0, offy = 0; // on the device or within the root
     uint32_t handle = 0;
 };
+
+// Every picture and patch that lives, by its handle; slot 0 is none. A handle is never given twice, so
+// that a call of a thing that is gone calls nothing.
+struct vlhandles {
+    struct slot {
+        std::unique_ptr<vlpicture> picture;
+        std::unique_ptr<vlpatch> patch;
+    };
+    std::vector<slot> slots = std::vector<slot>(1);
+    std::unordered_map<const void*, uint32_t> of;
+};
+vlpicture* vladdpicture(std::unique_ptr<vlpicture> picture); // gives it a handle
+vlpatch* vladdpatch(std::unique_ptr<vlpatch> patch);
+void vldrophandle(uint32_t handle); // destroys what it stands for
+// A handle of the client's that is not in the table stops with the name of the call.
+void vlcheckpicture(const vlpicture* picture, const char* call);
+void vlcheckpatch(const vlpatch* patch, const char* call);
 
 enum vlkind : uint32_t {
     VLMOVEWORD = 0,
@@ -66,15 +84,52 @@ void vlputmove(double nx, double ny);
 void vlputline(double nx, double ny);
 void vlputpoint(double nx, double ny);
 
-// A closed picture of its own with these words, on no client's hands: for glyphs. Freed by its last caller or
-// by DQUIT.
+// A closed picture of its own with these words, on no client's hands: for glyphs. The maker holds one
+// reference until vlreleasepicture; the pictures that call it hold theirs.
 vlpicture* vlmakepicture(std::span<const uint32_t> words);
-// Records a call of a picture at the pen; with a matrix its transform goes before. restore: the pen comes
-// back.
-void vlputcall(vlpicture* picture, const double* matrix, bool restore);
-// Plays a picture at a point (normal units) into the target, under a matrix or null; the pen's place is not
-// changed.
+void vlreleasepicture(vlpicture* picture);
+// Records a call of a picture at a point (normal units); with a matrix its transform goes before. restore:
+// the point of the display list comes back to the place of the call.
+void vlputcall(vlpicture* picture, double nx, double ny, const double* matrix, bool restore);
+// Plays a picture at a point (normal units) into the target, under a matrix or null, clipped as a line would
+// be.
 void vlplayat(const vlpicture* picture, double nx, double ny, const double* matrix);
+// Plays a picture where it stands, or all posted ones.
+void vlplaypicture(const vlpicture* picture);
+void vlplayposted();
+
+// Text as words: these record it, and vlplay.cpp hands what it reads to the device or to vlplaybitmaptext.
+struct vlbitmaptext {
+    std::string text;
+    int x, y; // pixels
+    int fg, bg, font, xspace, yspace;
+};
+void vlputnativetext(const vlnativetext& text);
+void vlputbitmaptext(const vlbitmaptext& text);
+void vlplaybitmaptext(const vlbitmaptext& text); // vltext.cpp
+
+// A walk over the words of a picture. A control word has data words behind it, which are skipped.
+struct vlwords {
+    const vlpicture& picture;
+    size_t chunk = 0;
+    int at = 0;
+
+    explicit vlwords(const vlpicture& p) : picture(p) {}
+    bool more() const { return chunk < picture.list.size(); }
+    uint32_t next();                       // 0 past the end
+    size_t datawords(uint32_t word) const; // behind a control word just taken
+    void skip(size_t count) {
+        for (; count > 0 && more(); count--) next();
+    }
+};
+// The handles that a picture calls, in order, with repeats.
+std::vector<uint32_t> vlcallsof(const vlpicture& picture);
+void vlappendword(vlpicture& picture, uint32_t word);
+
+const vlpatch* vlrootof(const vlpatch* patch);
+inline vlpatch* vlrootof(vlpatch* patch) {
+    return const_cast<vlpatch*>(vlrootof(const_cast<const vlpatch*>(patch)));
+}
 
 // The picture or patch of a handle, null for none.
 vlpicture* vlpictureof(uint32_t handle);

@@ -28,6 +28,12 @@ struct vlgenhook {
     void (*flush)(int final) = nullptr;
 };
 
+// A palette entry, each part 0 to 1.
+struct vlrgb {
+    double r = 0, g = 0, b = 0;
+    bool set = false;
+};
+
 // What DFONT, DCHARSIZE and DTEXT keep; the files and glyphs are in vlfonts.
 struct vltextstate {
     double charsize = 0.1;
@@ -65,15 +71,17 @@ struct vlstate {
     vlpicture* dead = nullptr;
     std::shared_ptr<struct vlhandles> handles;
     int picnumber = 0, patnumber = 0; // of files saved with no name
-    double lastx = 0, lasty = 0;      // the point where the open picture stands, normal units
 
     // the view: window and viewport are x0, x1, y0, y1
     double window[4] = {-1, 1, -1, 1};
     double viewport[4] = {0, 1, 0, 1};
     vlscale norm; // world to normal
     vlscale pix;  // normal to pixels of the target's device
-    vlscale wpix; // world to pixels
     bool clipping = true;
+    double drawbox[4] = {0, 1, 0, 1};     // normal: what may reach pixels (vlretarget)
+    double patchbox[4] = {0, 1, 0, 1};    // normal: the whole target
+    double recordbox[4] = {-1, 1, -1, 1}; // normal: what may reach the open picture
+    bool live = false;                    // drawn things reach pixels now
 
     // the transform
     double matrix[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
@@ -81,14 +89,18 @@ struct vlstate {
 
     // the pen: world units after the transform; before the division by w; and as the client gave it
     double x = 0, y = 0;
-    double hom[4] = {0, 0, 0, 1};
+    double hom[4] = {0, 0, 0, 1}; // holds while homset
+    bool homset = false;
     double user[3] = {0, 0, 0};
     int color = 1;
+    std::vector<vlrgb> palette;   // of a device whose indices are entries; else empty: the index is r, g, b
+    int reserved[2] = {0xfff, 0}; // without a palette: the r, g, b of index 0 (the paper) and 1 (the pen)
 
     vlstyle style;
     vlgenhook gen;
     vltextstate text;
-    std::vector<double> hatch; // lines kept by DPOLYGON
+    std::vector<double> hatch;   // lines kept by DPOLYGON
+    std::vector<double> scratch; // of the low level
 
     std::shared_ptr<vlgenerator> generator; // made and used by vlgenlin.cpp alone
     std::shared_ptr<vlfonts> fonts;         // made and used by vlfont.cpp alone
@@ -105,6 +117,19 @@ extern vlstate vl;
 inline void vlflushall() {
     if (vl.gen.flush) vl.gen.flush(0);
 }
+
+// Works out scales and boxes anew: after a change of the view, the target, the device or the open picture.
+void vlretarget();
+
+// ---- Colours (vlcolor.cpp)
+
+void vlsetcolors(); // the palette and the reserved colours of vl.record
+vlrgb vlrgbof(int index);
+int vlindexof(double r, double g, double b); // the nearest index, without setting a palette entry
+// The value of a pixel of this depth that shows a colour index, and the index that a pixel's value stands
+// for.
+uint32_t vlpixelof(int index, int depth);
+int vlindexofpixel(uint32_t pixel, int depth);
 
 // ---- Errors and memory (vlerror.cpp)
 
