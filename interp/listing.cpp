@@ -2,6 +2,7 @@
 
 #include "funcs/deriv.h"
 #include "funcs/funcprint.h"
+#include "interp/base/hooks.h"
 #include "interp/base/listrows.h"
 #include "interp/base/numtext.h"
 #include "interp/base/operand.h"
@@ -159,8 +160,10 @@ void showstringmatrix(int idx) {
     tarnprinttext(out.data(), out.size());
 }
 
-// As long as no help is there to tell more.
-void showbuiltin(int idx) { tarnprint("   %s: builtin function\n", sym(idx).name); }
+// Its help, where there is a help file.
+void showbuiltin(int idx) {
+    if (!console.help(sym(idx).name)) tarnprint("   %s: builtin function\n", sym(idx).name);
+}
 
 [[noreturn]] void showbad(int idx) {
     symtabprint(idx);

@@ -3,6 +3,7 @@
 #include "funcs/define.h"
 #include "funcs/pending.h"
 #include "interp/assign.h"
+#include "interp/help.h"
 #include "interp/base/report.h"
 #include "interp/base/symtab.h"
 #include "interp/tokenfil.h"
@@ -99,5 +100,6 @@ void processstart() {
     ifrows();
     submatrixrows();
     objectrows();
+    helprows();
     assignstart();
 }

@@ -3,6 +3,7 @@
 #include "interp/base/hooks.h"
 #include "interp/base/report.h"
 #include "shell/console.h"
+#include "shell/helpview.h"
 #include "shell/lineinput.h"
 #include "shell/platform.h"
 
@@ -81,5 +82,6 @@ void consolehooksset() {
     console.errortext = hookerrortext;
     console.editfile = hookeditfile;
     console.printfile = hookprintfile;
+    console.help = helpbrowse;
     console.largeblock = largepages;
 }

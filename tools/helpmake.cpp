@@ -63,7 +63,7 @@ std::string plain(const std::string& s) {
 
 // Names of the system are written in capitals; what is not one stands for what the user puts there.
 bool isname(const std::string& word) {
-    return !word.empty() && word[0] != '.' &&
+    return !word.empty() && word[0] != '.' && word[0] != '#' && // a line with # at its head ends the index
            std::none_of(word.begin(), word.end(), [](unsigned char c) { return std::islower(c) != 0; });
 }
 
@@ -140,7 +140,10 @@ struct gatherer {
     }
 
     void tablerow(const std::string& s) {
-        if (s.find_first_not_of("|-: ") == std::string::npos) { return; }
+        if (s.find_first_not_of("|-: ") == std::string::npos) {
+            table = table == 0 ? 1 : table; // a header without words
+            return;
+        }
         std::vector<std::string> cells;
         for (std::size_t at = 1, bar = 1; at < s.size(); at = ++bar) {
             while (bar < s.size() && (s[bar] != '|' || s[bar - 1] == '\\')) { bar++; }

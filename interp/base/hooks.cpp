@@ -15,6 +15,7 @@ void hooksreset() {
     console.editfile = [](const char*) { return false; };
     console.printfile = [](const char*) { return false; };
     console.errortext = [](const char*) {};
+    console.help = [](const char*) { return false; };
     console.largeblock = [](void*, size_t) {};
     upper = {};
     upper.newtoken = [](int& number, int& index) { number = 75, index = 0; };

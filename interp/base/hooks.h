@@ -21,6 +21,7 @@ struct consolehooks {
     void (*errortext)(const char* text);       // a copy of each error and warning in a batch
     bool (*editfile)(const char* path);        // the platform's text editor; false if it could not be started
     bool (*printfile)(const char* path);       // sends a file unchanged to the printer; false if that failed
+    bool (*help)(const char* topic);           // shows a topic of the help; false: there is no help file
     void (*largeblock)(void* p, size_t bytes); // new memory for a large matrix, which large pages may back
 };
 extern consolehooks console;

@@ -1,0 +1,57 @@
+#include "interp/help.h"
+
+#include "interp/base/hooks.h"
+#include "interp/base/operand.h"
+#include "interp/base/parser.h"
+#include "interp/base/report.h"
+#include "interp/base/symtab.h"
+#include "interp/base/tokens.h"
+#include "interp/scanner.h"
+#include "interp/tokenfil.h"
+
+#include <cstdio>
+#include <string>
+
+namespace {
+
+// The subject that the next token names; the token is released.
+std::string subject(int token, int index) {
+    if (token == TOKEND) return "top";
+    if (token == TOKSTRING) {
+        const char* const held = static_cast<const char*>(sym(index).val.ptr);
+        const std::string text = held ? held : "";
+        tempfree(index);
+        return text;
+    }
+    if (token == TOKNAME) return sym(index).name;
+    if (token == TOKNUMBER) {
+        char text[32];
+        snprintf(text, sizeof text, "%.15g", sym(index).val.rval);
+        tempfree(index);
+        return text;
+    }
+    std::string word = tokenword(token); // "token 6" for one that has none
+    if (word.find(' ') != std::string::npos) tarnerror("use a quoted string for the help subject");
+    return word;
+}
+
+void helphandler(const processop&) {
+    int token, index;
+    newtoken(token, index);
+    const std::string topic = subject(token, index);
+    while (token != TOKEND) {
+        newtoken(token, index);
+        if (token == TOKSTRING || token == TOKNUMBER) tempfree(index);
+    }
+    helpshow(topic.c_str());
+}
+
+constexpr processrow rows[] = {{61, helphandler}};
+
+} // namespace
+
+void helpshow(const char* topic) {
+    if (!console.help(topic)) tarnerror("cannot open help file");
+}
+
+void helprows() { processadd(rows, 1); }
