@@ -1,0 +1,41 @@
+#include "vellum/vlhatch.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+enum polygonflags { drawnow = 1, keeplines = 2, normalunits = 4 };
+
+// The points of a client's polygon in normal units; empty when it is not one of two coordinates.
+std::vector<double> normalpoints(const double* poly, int flags) {
+    if (!(poly[0] >= 1 && poly[0] < 1e9) || poly[1] != 2) return {};
+    const size_t n = static_cast<size_t>(poly[0]);
+    std::vector<double> xy;
+    vlrealloc(xy, 2 * n);
+    for (size_t i = 0; i < n; i++) {
+        const double x = poly[2 + 2 * i], y = poly[3 + 2 * i];
+        const bool gap = !(x < 1e300);
+        const vlpoint p = gap ? vlpoint{1e300, 0} : flags & normalunits ? vlpoint{x, y} : vltonorm(x, y);
+        xy[2 * i] = p.x;
+        xy[2 * i + 1] = p.y;
+    }
+    return xy;
+}
+
+} // namespace
+
+void DPOLYGON(const double* poly, double spacing, double angle, int flags) {
+    if (flags & keeplines) vl.hatch.clear();
+    const std::vector<double> xy = normalpoints(poly, flags);
+    if (xy.empty()) return;
+    vlflushall();
+    const size_t n = xy.size() / 2;
+    const bool solid = !(spacing > 0 || spacing < 0), draw = (flags & drawnow) && vlcandraw();
+    if (solid && draw && !(flags & keeplines)) return vlfillsolid(xy.data(), n);
+    if (!draw && !(flags & keeplines)) return;
+    vlhatch(xy.data(), n, solid ? 0 : std::fabs(spacing), angle, draw,
+            flags & keeplines ? &vl.hatch : nullptr);
+}
+
+std::span<const double> DGETHATCH() { return vl.hatch; }

@@ -1,0 +1,23 @@
+/* vellum/vlribbon.h - the outline of a wide line.
+ * Owns:    offsets, joins and caps. Callers: the line generator. Never:   draws or allocates. */
+#pragma once
+
+#include "vellum/vldraw.h"
+
+// Room that the outline of `pointCnt` points needs.
+constexpr int BDRYSIZE(int pointCnt, int roundsegs) { return 2 * pointCnt * (roundsegs + 1) + 8; }
+
+// A mitre whose tip lies farther from the corner than this many half widths is cut off.
+constexpr double vlmitrelimit = 10;
+
+/* The outline of a line through n points of half width w, closed by repeating its first point: the left side
+ * forward, the right side back. Corners are mitred for roundsegs 1, else rounded outside by that many pieces
+ * of half a circle over the gap; a turn back gets such a cap about its point. Points that follow themselves
+ * are one. A lone point gives itself. Gives the number of points in `result`, which has room for BDRYSIZE(n,
+ * roundsegs). */
+int vlribbon(const vlpoint* points, int n, double w, int roundsegs, vlpoint* result);
+
+/* Would the inner edge of the corner at b fold over? Then a line is drawn in two parts that overlap there. */
+bool vlfolds(vlpoint a, vlpoint b, vlpoint c, double w);
+// The outer join of the corner at b as a polygon of its own; at most roundsegs + 3 points.
+int vljoin(vlpoint a, vlpoint b, vlpoint c, double w, int roundsegs, vlpoint* result);
