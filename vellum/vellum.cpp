@@ -143,6 +143,7 @@ void DQUIT(int flag) {
     fresh.strokefontfile = vl.strokefontfile;
     fresh.bitmapfontfile = vl.bitmapfontfile;
     vl = std::move(fresh);
+    cacheshutdown();
 }
 
 void DGET(vlpatch* patch, int flag) {
