@@ -1,5 +1,6 @@
 #include "plot/curveop.h"
 
+#include "funcs/matrixoperand.h"
 #include "interp/base/hooks.h"
 #include "interp/base/report.h"
 #include "plot/clauses.h"
@@ -17,7 +18,14 @@ struct drawoperands {
     int source = 0; // data, or a curve to copy
 };
 
-[[noreturn]] void badtype() { tarnerror("bad DRAW or AXIS arg. type"); }
+[[noreturn]] void badtype(int idx) {
+    try {
+        tarnerror("bad DRAW or AXIS arg. type");
+    } catch (const recoveryjump&) {
+        tellundefined(idx);
+        throw;
+    }
+}
 
 drawoperands readoperands(const operandlist& list) {
     drawoperands d;
@@ -25,13 +33,13 @@ drawoperands readoperands(const operandlist& list) {
     if (list.count == 0) return d;
     const int first = list.at[0], last = list.at[list.count - 1];
     if (list.count == 2) {
-        if (!iscurve(first) && (sym(first).type != UNKNOWN || sym(first).name[0] == '.')) badtype();
+        if (!iscurve(first) && (sym(first).type != UNKNOWN || sym(first).name[0] == '.')) badtype(first);
         d.name = first;
     }
     if (sym(last).type == MATRIX)
         d.source = last;
     else if (!iscurve(last))
-        badtype();
+        badtype(last);
     else if (list.count == 1)
         d.name = last;
     else if (last != first)
@@ -72,7 +80,7 @@ int unnamed(int kind) {
     const char* window = sym(getwindow(0)).name;
     if (kind == TOKDRAW || kind == TOKAXIS) return newautoname(kind == TOKDRAW ? 'C' : 'A');
     const int idx = symtabenter((std::string(window) + (kind == TOKXAXIS ? ".XAXIS" : ".YAXIS")).c_str());
-    if (sym(idx).type != UNKNOWN && !iscurve(idx)) badtype();
+    if (sym(idx).type != UNKNOWN && !iscurve(idx)) badtype(idx);
     return idx;
 }
 
