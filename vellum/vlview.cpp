@@ -61,7 +61,7 @@ void vlretarget() {
     setnorm();
     // A line on the very edge of the viewport is not lost to rounding.
     constexpr double slack = 1e-7;
-    constexpr double least = -1, most = 1 - vlunit;
+    constexpr double least = -1, most = 1; // of a word; 1 itself is told as the last step below
     const double whole[4] = {least, most, least, most};
     for (int i = 0; i < 4; i += 2) {
         vl.recordbox[i] = vl.clipping ? std::max(whole[i], vl.viewport[i] - slack) : whole[i];
