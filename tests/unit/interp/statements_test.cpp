@@ -471,7 +471,7 @@ TEST_F(Statements, VariablesOfTheSystemTakeEffect) {
 }
 
 TEST_F(Statements, PrintAndDeleteWorkOnFiles) {
-    const std::filesystem::path folder = testing::TempDir() + "tarnprint";
+    const std::filesystem::path folder = testing::TempDir() + "tarnprint" + std::to_string(getpid());
     std::filesystem::create_directory(folder);
     report.filedir = folder.string();
     const auto contents = [&](const char* name) {

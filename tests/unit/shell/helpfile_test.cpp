@@ -6,10 +6,12 @@
 #include <fstream>
 #include <string>
 
+#include <unistd.h>
+
 namespace {
 
 struct HelpFile : testing::Test {
-    std::string path = testing::TempDir() + "help_test.HLP";
+    std::string path = testing::TempDir() + "help" + std::to_string(getpid()) + ".HLP";
     helpbook book;
     void write(const std::string& text) { std::ofstream(path, std::ios::binary) << text; }
     void TearDown() override { remove(path.c_str()); }

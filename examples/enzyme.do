@@ -1,0 +1,13 @@
+/* Enzyme kinetics: Michaelis and Menten's law fitted to the velocities of an enzymatic reaction on cells with and without
+   puromycin. Velocities are counts, whose scatter grows with their size: weights 1/velocity.
+   Data: M. Treloar (1974), printed in D. M. Bates, D. G. Watts, Nonlinear Regression Analysis (1988), A1.3. */
+D = READCSV("examples/data/puromycin.csv")
+TREATED = D ROW (1:12) COL (1:2)
+PLAIN = D ROW (13:23) COL (1:2)
+FUNCTION V1(C) = VM1*C/(K1+C)
+FUNCTION V2(C) = VM2*C/(K2+C)
+VM1 = 200; K1 = 0.05; VM2 = 160; K2 = 0.05
+TYPE "-- treated and untreated cells, each velocity weighted by 1/velocity"
+FIT (VM1, K1, VM2, K2), V1 TO TREATED WITH WEIGHT 1/'(TREATED COL 2), V2 TO PLAIN WITH WEIGHT 1/'(PLAIN COL 2)
+TYPE "-- half-saturation: the two constants and their ratio"
+TYPE K1, K2, K1/K2
