@@ -11,9 +11,8 @@ def jac(x, a, b, c, d):
     return np.stack([e, -a * x * e, g, -c * x * g], axis=1)
 
 
-for n, starts in ((2000, 200), (50000, 20)):
-    x = np.linspace(0, 10, n)
-    y = 3 * np.exp(-0.7 * x) + 2 * np.exp(-0.1 * x) + 0.01 * np.sin(997 * x)
-    for k in range(1, starts + 1):
-        s = k / starts
-        curve_fit(f, x, y, p0=(2 + s, 1 + s / 2, 1 + s * 2 / 3, 0.2 + s / 10), jac=jac)
+x = np.linspace(0, 10, 2000)
+y = 3 * np.exp(-0.7 * x) + 2 * np.exp(-0.1 * x) + 0.01 * np.sin(997 * x)
+for k in range(1, 201):
+    s = k / 200
+    curve_fit(f, x, y, p0=(2 + s, 1 + s / 2, 1 + s * 2 / 3, 0.2 + s / 10), jac=jac)

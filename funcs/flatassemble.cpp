@@ -21,6 +21,51 @@ bool leavesrows(const flatroutine& r, int from, int to) {
     return false;
 }
 
+/* What an instruction reads and sets: registers, -1 for none. Returns the words of data behind it. */
+struct operands {
+    int dst = -1, reads[3] = {-1, -1, -1};
+    int data = 0;
+    const flatop* arguments = nullptr; // further ones, in words of data
+    int narguments = 0;
+};
+
+operands operandsof(const flatop* o) {
+    switch (o->op) {
+    case FLATMOVE:
+    case FLATNEG:
+    case FLATNOT:
+    case FLATCHECK:
+    case FLATCALL1: return {o->dst, {o->a, -1, -1}};
+    case FLATCALL2:
+    case FLATELEM: return {o->dst, {o->a, o->b, -1}, 1};
+    case FLATCALLN: return {o->dst, {-1, -1, -1}, (o->b + 2) / 3, o + 1, o->b};
+    case FLATUSER: return {o->dst, {-1, -1, -1}, 1 + (o->b + 2) / 3, o + 2, o->b};
+    case FLATROWS:
+    case FLATCOLS:
+    case FLATNUMBER: return {o->dst};
+    case FLATJUMPNOT:
+    case FLATSTORE:
+    case FLATRETURN: return {-1, {o->a, -1, -1}};
+    case FLATJUMPNE:
+    case FLATJUMPNLT:
+    case FLATJUMPNLE: return {-1, {o->a, o->b, -1}};
+    case FLATJUMP:
+    case FLATLOOP:
+    case FLATNEXT:
+    case FLATSEGMENT:
+    case FLATSEGMENTEND:
+    case FLATDATA:
+    case FLATEND: return {};
+    default: return {o->dst, {o->a, o->b, -1}};
+    }
+}
+
+bool branches(const flatroutine& r) {
+    for (int pc = 0; pc < int(r.code.size()); pc += 1 + operandsof(&r.code[size_t(pc)]).data)
+        if (const int op = r.code[size_t(pc)].op; op >= FLATJUMP && op <= FLATJUMPNLE) return true;
+    return false;
+}
+
 } // namespace
 
 // ---- a routine
@@ -92,45 +137,6 @@ void flatcompiler::finish() {
 }
 
 namespace {
-
-/* What an instruction reads and sets: registers, -1 for none. Returns the words of data behind it. */
-struct operands {
-    int dst = -1, reads[3] = {-1, -1, -1};
-    int data = 0;
-    const flatop* arguments = nullptr; // further ones, in words of data
-    int narguments = 0;
-};
-
-operands operandsof(const flatop* o) {
-    switch (o->op) {
-    case FLATMOVE:
-    case FLATNEG:
-    case FLATNOT:
-    case FLATCHECK:
-    case FLATCALL1: return {o->dst, {o->a, -1, -1}};
-    case FLATCALL2:
-    case FLATELEM: return {o->dst, {o->a, o->b, -1}, 1};
-    case FLATCALLN: return {o->dst, {-1, -1, -1}, (o->b + 2) / 3, o + 1, o->b};
-    case FLATUSER: return {o->dst, {-1, -1, -1}, 1 + (o->b + 2) / 3, o + 2, o->b};
-    case FLATROWS:
-    case FLATCOLS:
-    case FLATNUMBER: return {o->dst};
-    case FLATJUMPNOT:
-    case FLATSTORE:
-    case FLATRETURN: return {-1, {o->a, -1, -1}};
-    case FLATJUMPNE:
-    case FLATJUMPNLT:
-    case FLATJUMPNLE: return {-1, {o->a, o->b, -1}};
-    case FLATJUMP:
-    case FLATLOOP:
-    case FLATNEXT:
-    case FLATSEGMENT:
-    case FLATSEGMENTEND:
-    case FLATDATA:
-    case FLATEND: return {};
-    default: return {o->dst, {o->a, o->b, -1}};
-    }
-}
 
 template <class Visit> void eachread(const operands& o, Visit&& visit) {
     for (int r : o.reads)
@@ -279,6 +285,7 @@ void flatunitcompiler::complete() {
         if (calleeread.count(s) || stored.count(s) || dummies.count(s)) throw flatrefused{};
     const flatroutine& entry = unit.routines[0];
     unit.blocks = entry.nregs <= MOSTBLOCKREGS && !leavesrows(entry, 0, int(entry.code.size()));
+    unit.straight = !branches(entry);
     unit.dummies.assign(dummies.begin(), dummies.end());
     unit.sweeps = trinodes.sweeps;
     unit.odeactive = eval.odeactive;

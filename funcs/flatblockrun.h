@@ -16,13 +16,16 @@ struct blockrun {
     double* block;
     uint16_t* order; // the row that stands in each place
     int first, n;    // places in use
+    bool parted;     // by a branch: rows may stand in other places than their own
 
     double* rowsof(int r) const { return block + size_t(r) * FLATBLOCK + first; }
     column operand(int r) const { return vary[r] ? column{rowsof(r), true} : column{frame + r, false}; }
     // Where a result goes, and how many rows it has.
     double* result(int r) const { return vary[r] ? rowsof(r) : frame + r; }
     int rows(int r) const { return vary[r] ? n : 1; }
-    int lastplace() const { return int(std::max_element(order + first, order + first + n) - order) - first; }
+    int lastplace() const {
+        return parted ? int(std::max_element(order + first, order + first + n) - order) - first : n - 1;
+    }
     int lastrow() const { return order[first + lastplace()]; }
 
     flatresult execute(int from, int to);
@@ -168,6 +171,7 @@ flatresult blockrun::branch(int pc, int target, const uint8_t* holds, int count)
         if (vary[r] && routine.firstset[r] < pc && routine.lastuse[r] >= pc)
             sortrows(rowsof(int(r)), holds, n);
     sortrows(order + first, holds, n);
+    parted = true;
     blockrun yes = *this, no = *this;
     yes.n = count;
     no.first += count;
@@ -241,5 +245,5 @@ flatresult blockrun::branch(int pc, int target, const uint8_t* holds, int count)
 flatresult run(const flatunit& unit, const flatroutine& routine, int from, int to, const uint8_t* vary,
                double* frame, double* block, uint16_t* order, int n) {
     for (int i = 0; i < n; i++) order[i] = uint16_t(i);
-    return blockrun{unit, routine, vary, frame, block, order, 0, n}.execute(from, to);
+    return blockrun{unit, routine, vary, frame, block, order, 0, n, false}.execute(from, to);
 }

@@ -250,7 +250,11 @@ flatresult runblock(flatunit& unit, const rowset& rows, size_t first, int n, dou
             continue;
         }
         double* to = flat.block.data() + (image + k) * FLATBLOCK;
-        for (int i = 0; i < n; i++) to[i] = x[size_t(i) * rows.instride[k]];
+        const size_t stride = rows.instride[k];
+        if (stride == 1)
+            std::copy_n(x, n, to);
+        else
+            for (int i = 0; i < n; i++) to[i] = x[size_t(i) * stride];
     }
     uint16_t order[FLATBLOCK];
     const flatresult result = quietrun(unit)([&] {
@@ -262,7 +266,10 @@ flatresult runblock(flatunit& unit, const rowset& rows, size_t first, int n, dou
         const size_t r = size_t(unit.outputs[k]);
         const double* from = flat.block.data() + r * FLATBLOCK;
         double* to = rows.out[k] + first * rows.outstride[k];
-        for (int i = 0; i < n; i++) to[order[i] * rows.outstride[k]] = unit.vary[r] ? from[i] : frame[r];
+        if (unit.vary[r] && unit.straight && rows.outstride[k] == 1)
+            std::copy_n(from, n, to);
+        else
+            for (int i = 0; i < n; i++) to[order[i] * rows.outstride[k]] = unit.vary[r] ? from[i] : frame[r];
     }
     return FLATDONE;
 }
@@ -400,6 +407,20 @@ void flatrunblock(flatprogram& program, size_t n, const double* const* in, const
             walkpoint(program.request, x.data(), y.data(), flatcalls);
             for (size_t k = 0; k < y.size(); k++) out[k][row * outstride[k]] = y[k];
         });
+}
+
+bool flattryblock(flatprogram& program, size_t n, const double* const* in, const size_t* instride,
+                  double* const* out, const size_t* outstride) {
+    flatunit* unit = readyprogram(program);
+    if (!unit || !unit->blocks || !cellssuffice(unit->routines[0])) return false;
+    double* frame = entryframe(unit->routines[0]);
+    if (!frame) return false;
+    prepareblocks(*unit, instride);
+    const rowset rows{in, instride, out, outstride};
+    const size_t block = size_t(blockrows(*unit));
+    for (size_t row = 0; row < n; row += block)
+        if (runblock(*unit, rows, row, int(std::min(block, n - row)), frame) != FLATDONE) return false;
+    return true;
 }
 
 void flatstart() {

@@ -42,6 +42,11 @@ void flatrun(flatprogram& program, const double* in, double* out);
 void flatrunblock(flatprogram& program, size_t n, const double* const* in, const size_t* instride,
                   double* const* out, const size_t* outstride);
 
+/* The same, but false as soon as a block of rows cannot be run as flat code (a fault, a warning, an error, or
+ * what cannot be compiled): nothing is told then, and what out holds is of no use. */
+bool flattryblock(flatprogram& program, size_t n, const double* const* in, const size_t* instride,
+                  double* const* out, const size_t* outstride);
+
 /* Function f at the rows of a matrix: argument k of row i is x[i * ncols + k]; y[i * ystride] takes the
  * value. As calls of value() in order. f takes ncols scalars. */
 void flatrows(int f, size_t nrows, size_t ncols, const double* x, double* y, size_t ystride);

@@ -127,6 +127,7 @@ struct flatunit {
     uint32_t sweeps = 0;                // trinodes.sweeps when it was made
     bool odedependent = false, odeactive = false;
     bool blocks = false;       // the entry can be run on blocks of rows
+    bool straight = false;     // and has no branches: rows keep their places
     std::vector<uint8_t> vary; // by register, for the arguments that vary as below
     std::vector<uint8_t> varyargs;
     int varying = 0; // registers that vary

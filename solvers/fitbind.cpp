@@ -66,6 +66,8 @@ void plainpair(fitbinding& b, size_t k) {
     const harray* data = matrixof(b.pairs[k].data);
     const harray* w = weightmatrix(b.pairs[k]);
     b.offset[k] = b.y.size();
+    for (size_t j = 1; j < data->cols; j++)
+        for (size_t i = 1; i <= data->rows; i++) b.columns[k].push_back(at(data, i, j));
     for (size_t i = 1; i <= data->rows; i++) {
         b.y.push_back(at(data, i, data->cols));
         b.w0.push_back(w ? at(w, i, 1) : 1.0);
@@ -85,12 +87,15 @@ flatptr compilepair(const fitbinding& b, size_t k, const std::vector<int>& funct
 void compilepairs(fitbinding& b) {
     b.values.resize(b.pairs.size());
     b.derivs.resize(b.pairs.size());
+    b.both.resize(b.pairs.size());
     for (size_t k = 0; k < b.pairs.size(); k++) {
         if (odepair(b, k)) continue;
         if (b.symbolic) {
             std::vector<int> functions;
             for (int parm : b.parms) functions.push_back(makederiv(b.pairs[k].func, parm));
             b.derivs[k] = compilepair(b, k, functions);
+            functions.insert(functions.begin(), b.pairs[k].func);
+            b.both[k] = compilepair(b, k, functions);
         }
         b.values[k] = compilepair(b, k, {b.pairs[k].func});
     }
@@ -106,8 +111,8 @@ blockinputs inputsof(const fitbinding& b, size_t k, const double* p) {
     blockinputs inputs;
     const harray* data = matrixof(b.pairs[k].data);
     for (size_t j = 1; j < data->cols; j++) {
-        inputs.in.push_back(cells(data) + j);
-        inputs.stride.push_back(data->cols);
+        inputs.in.push_back(b.columns[k].data() + (j - 1) * data->rows);
+        inputs.stride.push_back(1);
     }
     if (b.hasmatrix) return inputs;
     for (size_t j = 0; j < b.slots.size(); j++) {
@@ -133,13 +138,34 @@ bool solutionvalues(fitbinding& b, double* f) {
     return true;
 }
 
-bool modelvalues(void* context, const double* p, double* f) {
-    fitbinding& b = *static_cast<fitbinding*>(context);
+void movesymbols(fitbinding& b, const double* p) {
     fitstore(b, p);
     b.lastp.assign(p, p + b.slots.size());
+}
+
+bool modelvalues(void* context, const double* p, double* f) {
+    fitbinding& b = *static_cast<fitbinding*>(context);
+    movesymbols(b, p);
     if (!solutionvalues(b, f)) return false;
     for (size_t k = 0; k < b.pairs.size(); k++)
         if (!odepair(b, k)) pairvalues(b, k, p, f + b.offset[k]);
+    return true;
+}
+
+bool modelboth(void* context, const double* p, double* f, double* jac) {
+    fitbinding& b = *static_cast<fitbinding*>(context);
+    movesymbols(b, p);
+    const size_t n = b.slots.size(), m = b.y.size();
+    std::vector<double*> out(n + 1);
+    const std::vector<size_t> stride(n + 1, 1);
+    for (size_t k = 0; k < b.pairs.size(); k++) {
+        const blockinputs inputs = inputsof(b, k, p);
+        out[0] = f + b.offset[k];
+        for (size_t j = 0; j < n; j++) out[j + 1] = jac + j * m + b.offset[k];
+        if (!flattryblock(*b.both[k], matrixof(b.pairs[k].data)->rows, inputs.in.data(), inputs.stride.data(),
+                          out.data(), stride.data()))
+            return false;
+    }
     return true;
 }
 
@@ -215,6 +241,7 @@ void fitbind(fitbinding& b) {
     expandparameters(b);
     if (b.ode.system.active() || b.hasmatrix) b.symbolic = false;
     b.offset.assign(b.pairs.size(), 0);
+    b.columns.resize(b.pairs.size());
     if (b.ode.system.active()) mergesolutions(b);
     for (size_t k = 0; k < b.pairs.size(); k++)
         if (!odepair(b, k)) plainpair(b, k);
@@ -226,7 +253,7 @@ fitmodel fitmodelof(fitbinding& b) {
     fitmodel model;
     model.context = &b;
     model.values = modelvalues;
-    if (b.symbolic) model.jacobian = modeljacobian;
+    if (b.symbolic) model.jacobian = modeljacobian, model.both = modelboth;
     if (std::any_of(b.pairs.begin(), b.pairs.end(), isweightfunction)) model.weights = modelweights;
     model.printparms = printparameters;
     return model;

@@ -39,7 +39,9 @@ struct fitbinding {
 
     std::vector<double> y, w0;
     std::vector<size_t> offset;          // first observation of each plain pair
-    std::vector<flatptr> values, derivs; // by pair; null for pairs that depend on the solution
+    std::vector<std::vector<double>> columns; // of a plain pair's arguments, one behind the other
+    // by pair: the value, the derivatives, both; null for pairs that depend on the solution
+    std::vector<flatptr> values, derivs, both;
     std::vector<double> lastp;           // where the symbols stand
     std::vector<int> derivfuncs;         // pair by pair, parameter by parameter
 };

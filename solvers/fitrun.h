@@ -18,7 +18,9 @@ struct fitrun {
     std::vector<double> p, pbest, p0; // trial point, best point, start of the iteration
     std::vector<double> w0, w;        // user weights, weights in force
     std::vector<double> ftrial, fbest, resid;
-    std::vector<double> jac;                    // n columns of m derivatives
+    std::vector<double> jac, jactrial; // n columns of m derivatives: at jacpoint; where the last trial was
+    std::vector<double> lastpoint, jacpoint; // where the last evaluation was; where a symbolic Jacobian was
+    bool trialjac = false;             // jactrial belongs to the last evaluation
     std::vector<double> normal, ptpdia, damped; // J'WJ (see symsweep.h), its diagonal, the diagonal in use
     std::vector<double> dgrad;                  // J'W resid
     std::vector<char> pivots;

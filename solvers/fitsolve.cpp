@@ -13,16 +13,37 @@ namespace {
 
 enum nextmove { NEXTITERATION, STOP, SEARCHON, PROBEON };
 
-double power(double d, double norm) { return norm == 2 ? d * d : norm == 1 ? d : std::pow(d, norm); }
+constexpr size_t BLOCK = 512; // observations at a time: their part of each column stays in the cache
+
+// sum of w |y - f|^norm
+double weightedsum(const fitrun& r, const std::vector<double>& f, double norm) {
+    const size_t m = size_t(r.m);
+    double sum = 0, d[BLOCK], weighted[BLOCK];
+    for (size_t from = 0; from < m; from += BLOCK) {
+        const size_t count = std::min(BLOCK, m - from);
+        const double *y = &r.y[from], *w = &r.w[from];
+        for (size_t i = 0; i < count; i++) d[i] = y[i] - f[from + i];
+        if (norm == 2) {
+            for (size_t i = 0; i < count; i++) weighted[i] = w[i] * d[i];
+            sum += dotproduct(count, weighted, d);
+        } else {
+            for (size_t i = 0; i < count; i++)
+                sum += w[i] * (norm == 1 ? std::fabs(d[i]) : std::pow(std::fabs(d[i]), norm));
+        }
+    }
+    return sum;
+}
 
 /* One evaluation at p into r.ftrial: the weighted sum of |y - f|^norm. MAXPOS when the model failed or Q was
- * pressed. */
-double fitsosq(fitrun& r, const std::vector<double>& p, double norm) {
+ * pressed. With `derivatives` the Jacobian there is taken along where one pass gives both. */
+double fitsosq(fitrun& r, const std::vector<double>& p, double norm, bool derivatives = false) {
     if (r.evaluations >= 1 && parser.interrupted) return MAXPOS;
     r.evaluations++;
-    if (!r.model.values(r.model.context, p.data(), r.ftrial.data())) return MAXPOS;
-    double sum = 0;
-    for (int i = 0; i < r.m; i++) sum += power(std::fabs(r.y[i] - r.ftrial[i]), norm) * r.w[i];
+    r.lastpoint = p;
+    r.trialjac = derivatives && r.model.both &&
+                 r.model.both(r.model.context, p.data(), r.ftrial.data(), r.jactrial.data());
+    if (!r.trialjac && !r.model.values(r.model.context, p.data(), r.ftrial.data())) return MAXPOS;
+    const double sum = weightedsum(r, r.ftrial, norm);
     return sum <= MAXPOS ? sum : MAXPOS;
 }
 
@@ -57,16 +78,19 @@ void numericjacobian(fitrun& r) {
     }
 }
 
+// A symbolic Jacobian is taken where the last evaluation was: most often with it.
 void fitjacobian(fitrun& r) {
-    if (r.model.jacobian)
-        r.model.jacobian(r.model.context, r.jac.data());
+    if (!r.model.jacobian) return numericjacobian(r);
+    if (r.trialjac)
+        std::swap(r.jac, r.jactrial);
     else
-        numericjacobian(r);
+        r.model.jacobian(r.model.context, r.jac.data());
+    r.trialjac = false;
+    r.jacpoint = r.lastpoint;
 }
 
 // J'WJ and J'W resid, a block of observations at a time, so that its part of each column stays in the cache.
 void normalequations(fitrun& r) {
-    constexpr size_t BLOCK = 512;
     const size_t n = size_t(r.n), m = size_t(r.m);
     std::fill(r.normal.begin(), r.normal.end(), 0.0);
     std::fill(r.ptpdia.begin(), r.ptpdia.end(), 0.0);
@@ -152,6 +176,20 @@ void jumpuseless(fitrun& r, double e) {
     if (v > e) r.eps = EPSFACTOR * v;
 }
 
+/* Whether the linear model promises enough for the step to be taken: then the Jacobian at the trial point
+ * will be wanted. */
+bool promising(const fitrun& r) {
+    const size_t n = size_t(r.n);
+    double gain = 0;
+    for (size_t j = 0; j < n; j++) {
+        const double d = r.p[j] - r.p0[j];
+        double row = d * r.ptpdia[j];
+        for (size_t k = j + 1; k < n; k++) row += 2 * r.normal[j * n + k] * (r.p[k] - r.p0[k]);
+        gain += d * (2 * r.dgrad[j] - row);
+    }
+    return gain > r.sw.tolsos * r.oldsosq;
+}
+
 // The sum that the linear model promises for the step.
 double promisedsum(fitrun& r) {
     const size_t m = size_t(r.m);
@@ -227,7 +265,8 @@ nextmove probe(fitrun& r, sweepstate& sweep) {
             if (move != PROBEON) return move;
         }
     }
-    const double sos = fitsosq(r, r.p, 2); // the weights already carry the norm
+    // the weights already carry the norm
+    const double sos = fitsosq(r, r.p, 2, sweep.steepest || promising(r));
     reportprobe(r, e, sos, sweep.steepest);
     if (improves(r, sos)) return finished(r);
     if (r.eps > EPSMAX || sweep.steepest) {
@@ -235,7 +274,7 @@ nextmove probe(fitrun& r, sweepstate& sweep) {
         begindescent(r, sweep.steepest);
         return SEARCHON;
     }
-    if (promisedsum(r) > (1 - r.sw.tolsos) * r.oldsosq && r.sw.descent && e > EPSMIN)
+    if (r.sw.descent && e > EPSMIN && promisedsum(r) > (1 - r.sw.tolsos) * r.oldsosq)
         begindescent(r, sweep.steepest);
     return SEARCHON;
 }
@@ -272,6 +311,7 @@ void allocate(fitrun& r, const std::vector<double>& p, const std::vector<double>
     r.ftrial.assign(m, 0);
     r.fbest = r.resid = r.ftrial;
     r.jac.assign(m * n, 0);
+    if (r.model.both) r.jactrial.resize(m * n);
     r.normal.assign(n * n, 0);
     r.ptpdia.assign(n, 0);
     r.damped = r.dgrad = r.ptpdia;
@@ -304,7 +344,7 @@ fitresult fitsolve(const fitmodel& model, const fitswitches& switches, const sol
     if (r.cons.count > 0) fitconstrain(r, true);
     r.pbest = r.p;
     fitweights(r, true);
-    r.bestsosq = r.oldsosq = fitsosq(r, r.p, r.sw.norm);
+    r.bestsosq = r.oldsosq = fitsosq(r, r.p, r.sw.norm, true);
     r.fbest = r.ftrial;
     fitresult result;
     result.started = r.bestsosq < MAXPOS;

@@ -25,6 +25,9 @@ struct fitmodel {
     void* context = nullptr;
     // Model values at p, all m of them; false when the model has none there (the trial counts as failed).
     bool (*values)(void* context, const double* p, double* f) = nullptr;
+    // Values and symbolic Jacobian (as below) at p in one pass; false when they are not to be had so: then
+    // `values` tells. Null: never.
+    bool (*both)(void* context, const double* p, double* f, double* jac) = nullptr;
     // Symbolic Jacobian where the last evaluation was: n columns of m derivatives, one behind the other;
     // null: central differences.
     void (*jacobian)(void* context, double* jac) = nullptr;

@@ -93,8 +93,9 @@ std::vector<long double> longinverse(const longnormal& normal, size_t n) {
 
 // The Jacobian where the fit has ended; false when it is not to be had there at little cost.
 bool finaljacobian(fitrun& r) {
-    if (!r.model.jacobian || !r.lowered || !r.model.values(r.model.context, r.pbest.data(), r.ftrial.data()))
-        return false;
+    if (!r.model.jacobian || !r.lowered) return false;
+    if (r.jacpoint == r.pbest) return true;
+    if (!r.model.values(r.model.context, r.pbest.data(), r.ftrial.data())) return false;
     r.evaluations++;
     r.model.jacobian(r.model.context, r.jac.data());
     return true;
