@@ -111,7 +111,7 @@ harrayptr columnof(const std::vector<double>& v) {
 void storeresiduals(const fitbinding& b, const fitresult& r) {
     const double level = symtabscalar("RESIDSW", 0);
     if (level <= 0) return;
-    std::vector<double> resid(b.y.size());
+    std::vector<double> resid(b.m);
     for (size_t i = 0; i < resid.size(); i++)
         resid[i] = (b.y[i] - r.f[i]) * (level > 1 ? std::sqrt(std::max(r.w[i], 0.0)) : 1);
     storematrix("RESID", columnof(resid));
@@ -218,7 +218,7 @@ void fitop(const processop&) {
         tarnwarn("There are an excessive number of parameters plus constraints!");
     std::vector<int> element;
     for (const fitslot& slot : b.slots) element.push_back(slot.parm);
-    const fitresult r = fitsolve(fitmodelof(b), sw, cons, element, fitparameters(b), b.y, b.w0);
+    const fitresult r = fitsolve(fitmodelof(b), sw, cons, element, fitparameters(b), b.m, b.y, b.w0);
     fitstore(b, r.p.data());
     storeresiduals(b, r);
     if (r.report & 8) finalreport(b, r);

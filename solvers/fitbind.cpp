@@ -52,11 +52,7 @@ void mergesolutions(fitbinding& b) {
         if (odepair(b, k)) mergepair(b, k);
     std::stable_sort(b.merged.begin(), b.merged.end(),
                      [](const mergedrow& a, const mergedrow& c) { return a.time < c.time; });
-    for (const mergedrow& row : b.merged) {
-        b.times.push_back(row.time);
-        b.y.push_back(row.y);
-        b.w0.push_back(row.w);
-    }
+    for (const mergedrow& row : b.merged) b.times.push_back(row.time);
     if (b.merged.empty()) return;
     odeinit(b.ode);
     b.odeout.reset(harraynew(uint32_t(b.times.size()), uint32_t(odecolumns(b.ode.system))));
@@ -65,13 +61,28 @@ void mergesolutions(fitbinding& b) {
 void plainpair(fitbinding& b, size_t k) {
     const harray* data = matrixof(b.pairs[k].data);
     const harray* w = weightmatrix(b.pairs[k]);
-    b.offset[k] = b.y.size();
-    for (size_t j = 1; j < data->cols; j++)
-        for (size_t i = 1; i <= data->rows; i++) b.columns[k].push_back(at(data, i, j));
+    double *y = b.y + b.offset[k], *w0 = b.w0 + b.offset[k];
+    b.columns[k].reset(harrayraw(data->cols - 1, data->rows));
     for (size_t i = 1; i <= data->rows; i++) {
-        b.y.push_back(at(data, i, data->cols));
-        b.w0.push_back(w ? at(w, i, 1) : 1.0);
+        for (size_t j = 1; j < data->cols; j++) at(b.columns[k].get(), j, i) = at(data, i, j);
+        y[i - 1] = at(data, i, data->cols);
+        w0[i - 1] = w ? at(w, i, 1) : 1.0;
     }
+}
+
+// The merged rows first, then the plain pairs.
+void observations(fitbinding& b) {
+    b.m = b.merged.size();
+    for (size_t k = 0; k < b.pairs.size(); k++) {
+        b.offset[k] = b.m;
+        if (!odepair(b, k)) b.m += matrixof(b.pairs[k].data)->rows;
+    }
+    b.memory.reset(harrayraw(2, uint32_t(b.m)));
+    b.y = cells(b.memory.get()) + 1;
+    b.w0 = b.y + b.m;
+    for (size_t i = 0; i < b.merged.size(); i++) b.y[i] = b.merged[i].y, b.w0[i] = b.merged[i].w;
+    for (size_t k = 0; k < b.pairs.size(); k++)
+        if (!odepair(b, k)) plainpair(b, k);
 }
 
 // ---- compiled programs
@@ -111,7 +122,7 @@ blockinputs inputsof(const fitbinding& b, size_t k, const double* p) {
     blockinputs inputs;
     const harray* data = matrixof(b.pairs[k].data);
     for (size_t j = 1; j < data->cols; j++) {
-        inputs.in.push_back(b.columns[k].data() + (j - 1) * data->rows);
+        inputs.in.push_back(&at(b.columns[k].get(), j, 1));
         inputs.stride.push_back(1);
     }
     if (b.hasmatrix) return inputs;
@@ -155,7 +166,7 @@ bool modelvalues(void* context, const double* p, double* f) {
 bool modelboth(void* context, const double* p, double* f, double* jac) {
     fitbinding& b = *static_cast<fitbinding*>(context);
     movesymbols(b, p);
-    const size_t n = b.slots.size(), m = b.y.size();
+    const size_t n = b.slots.size(), m = b.m;
     std::vector<double*> out(n + 1);
     const std::vector<size_t> stride(n + 1, 1);
     for (size_t k = 0; k < b.pairs.size(); k++) {
@@ -172,7 +183,7 @@ bool modelboth(void* context, const double* p, double* f, double* jac) {
 // Where the symbols stand: at the last point that was evaluated.
 void modeljacobian(void* context, double* jac) {
     fitbinding& b = *static_cast<fitbinding*>(context);
-    const size_t n = b.slots.size(), m = b.y.size();
+    const size_t n = b.slots.size(), m = b.m;
     std::vector<double*> out(n);
     const std::vector<size_t> stride(n, 1);
     for (size_t k = 0; k < b.pairs.size(); k++) {
@@ -211,7 +222,7 @@ void modelweights(void* context, const double* p, double* w0) {
     const size_t rows = matrixof(b.pairs[0].data)->rows;
     for (size_t k = 0; k < b.pairs.size(); k++) {
         if (odepair(b, k) || !isweightfunction(b.pairs[k])) continue;
-        for (size_t i = 1; i <= rows && place < b.y.size(); i++) w0[place++] = weightvalue(b.pairs[k], i);
+        for (size_t i = 1; i <= rows && place < b.m; i++) w0[place++] = weightvalue(b.pairs[k], i);
     }
 }
 
@@ -243,8 +254,7 @@ void fitbind(fitbinding& b) {
     b.offset.assign(b.pairs.size(), 0);
     b.columns.resize(b.pairs.size());
     if (b.ode.system.active()) mergesolutions(b);
-    for (size_t k = 0; k < b.pairs.size(); k++)
-        if (!odepair(b, k)) plainpair(b, k);
+    observations(b);
     compilepairs(b);
     b.lastp = fitparameters(b);
 }

@@ -37,13 +37,15 @@ struct fitbinding {
     std::vector<double> times;
     harrayptr odeout;
 
-    std::vector<double> y, w0;
-    std::vector<size_t> offset;          // first observation of each plain pair
-    std::vector<std::vector<double>> columns; // of a plain pair's arguments, one behind the other
+    size_t m = 0;                   // observations: the merged rows, then the plain pairs
+    harrayptr memory;               // of the next two
+    double *y, *w0;                 // observed values and user weights
+    std::vector<size_t> offset;     // first observation of each plain pair
+    std::vector<harrayptr> columns; // of a plain pair's arguments, one behind the other
     // by pair: the value, the derivatives, both; null for pairs that depend on the solution
     std::vector<flatptr> values, derivs, both;
-    std::vector<double> lastp;           // where the symbols stand
-    std::vector<int> derivfuncs;         // pair by pair, parameter by parameter
+    std::vector<double> lastp;   // where the symbols stand
+    std::vector<int> derivfuncs; // pair by pair, parameter by parameter
 };
 
 bool odepair(const fitbinding& b, size_t k);

@@ -12,15 +12,17 @@ struct fitrun {
     fitswitches sw;
     const solverconstraints& cons;
     const std::vector<int>& element;
-    const std::vector<double>& y;
+    const double* y;
     int n, m;
 
     std::vector<double> p, pbest, p0; // trial point, best point, start of the iteration
-    std::vector<double> w0, w;        // user weights, weights in force
-    std::vector<double> ftrial, fbest, resid;
-    std::vector<double> jac, jactrial; // n columns of m derivatives: at jacpoint; where the last trial was
+    harrayptr memory;     // of all arrays of m, as one block: the next fit of the size finds it warm
+    const double *w0, *w; // user weights, weights in force
+    double *ownw0, *ownw; // where they are computed; null: they are the caller's
+    double *ftrial, *fbest, *resid;
+    double *jac, *jactrial; // n columns of m derivatives: at jacpoint; where the last trial was
     std::vector<double> lastpoint, jacpoint; // where the last evaluation was; where a symbolic Jacobian was
-    bool trialjac = false;             // jactrial belongs to the last evaluation
+    bool trialjac = false;                   // jactrial belongs to the last evaluation
     std::vector<double> normal, ptpdia, damped; // J'WJ (see symsweep.h), its diagonal, the diagonal in use
     std::vector<double> dgrad;                  // J'W resid
     std::vector<char> pivots;
@@ -32,9 +34,8 @@ struct fitrun {
     std::vector<double> lagrange, lagrangebest;
 
     fitrun(const fitmodel& model_, const fitswitches& switches, const solverconstraints& constraints,
-           const std::vector<int>& element_, const std::vector<double>& y_, int n_)
-        : model(model_), sw(switches), cons(constraints), element(element_), y(y_), n(n_), m(int(y_.size())) {
-    }
+           const std::vector<int>& element_, const double* y_, int n_, int m_)
+        : model(model_), sw(switches), cons(constraints), element(element_), y(y_), n(n_), m(m_) {}
 };
 
 double constraintcoef(const fitrun& r, int i, int j); // of constraint i for slot j

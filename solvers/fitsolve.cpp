@@ -16,12 +16,12 @@ enum nextmove { NEXTITERATION, STOP, SEARCHON, PROBEON };
 constexpr size_t BLOCK = 512; // observations at a time: their part of each column stays in the cache
 
 // sum of w |y - f|^norm
-double weightedsum(const fitrun& r, const std::vector<double>& f, double norm) {
+double weightedsum(const fitrun& r, const double* f, double norm) {
     const size_t m = size_t(r.m);
     double sum = 0, d[BLOCK], weighted[BLOCK];
     for (size_t from = 0; from < m; from += BLOCK) {
         const size_t count = std::min(BLOCK, m - from);
-        const double *y = &r.y[from], *w = &r.w[from];
+        const double *y = r.y + from, *w = r.w + from;
         for (size_t i = 0; i < count; i++) d[i] = y[i] - f[from + i];
         if (norm == 2) {
             for (size_t i = 0; i < count; i++) weighted[i] = w[i] * d[i];
@@ -40,9 +40,8 @@ double fitsosq(fitrun& r, const std::vector<double>& p, double norm, bool deriva
     if (r.evaluations >= 1 && parser.interrupted) return MAXPOS;
     r.evaluations++;
     r.lastpoint = p;
-    r.trialjac = derivatives && r.model.both &&
-                 r.model.both(r.model.context, p.data(), r.ftrial.data(), r.jactrial.data());
-    if (!r.trialjac && !r.model.values(r.model.context, p.data(), r.ftrial.data())) return MAXPOS;
+    r.trialjac = derivatives && r.model.both && r.model.both(r.model.context, p.data(), r.ftrial, r.jactrial);
+    if (!r.trialjac && !r.model.values(r.model.context, p.data(), r.ftrial)) return MAXPOS;
     const double sum = weightedsum(r, r.ftrial, norm);
     return sum <= MAXPOS ? sum : MAXPOS;
 }
@@ -50,27 +49,28 @@ double fitsosq(fitrun& r, const std::vector<double>& p, double norm, bool deriva
 // Weights in force: the user's, and for another norm than 2 those that make its sum quadratic at the best
 // point.
 void fitweights(fitrun& r, bool plain) {
-    if (r.model.weights) r.model.weights(r.model.context, r.p.data(), r.w0.data());
+    if (r.model.weights) r.model.weights(r.model.context, r.p.data(), r.ownw0);
     r.w = r.w0;
     if (plain || r.sw.norm == 2) return;
     for (int i = 0; i < r.m; i++) {
         const double d = std::fabs(r.fbest[i] - r.y[i]);
-        if (d != 0) r.w[i] *= std::pow(d, r.sw.norm - 2);
+        r.ownw[i] = d != 0 ? r.w0[i] * std::pow(d, r.sw.norm - 2) : r.w0[i];
     }
+    r.w = r.ownw;
 }
 
 /* Central differences. A side on which the model fails is left out; with both gone the parameter has no
  * effect here. */
 void numericjacobian(fitrun& r) {
-    std::vector<double> p = r.p, plus(size_t(r.m)), minus(size_t(r.m));
+    std::vector<double> p = r.p, plus(size_t(r.m));
     for (int j = 0; j < r.n; j++) {
         const double t = r.p[j], delta = std::fabs(t) >= 1e-8 ? 0.01 * std::fabs(t) : 1e-9;
         p[j] = t + delta;
         const bool up = fitsosq(r, p, 2) < MAXPOS;
-        plus = up ? r.ftrial : r.fbest;
+        std::copy_n(up ? r.ftrial : r.fbest, r.m, plus.begin());
         p[j] = t - delta;
         const bool down = fitsosq(r, p, 2) < MAXPOS;
-        minus = down ? r.ftrial : r.fbest;
+        const double* minus = down ? r.ftrial : r.fbest;
         p[j] = t;
         const double width = (up + down) * delta;
         double* column = &r.jac[size_t(j) * size_t(r.m)];
@@ -84,7 +84,7 @@ void fitjacobian(fitrun& r) {
     if (r.trialjac)
         std::swap(r.jac, r.jactrial);
     else
-        r.model.jacobian(r.model.context, r.jac.data());
+        r.model.jacobian(r.model.context, r.jac);
     r.trialjac = false;
     r.jacpoint = r.lastpoint;
 }
@@ -193,9 +193,9 @@ bool promising(const fitrun& r) {
 // The sum that the linear model promises for the step.
 double promisedsum(fitrun& r) {
     const size_t m = size_t(r.m);
-    std::vector<double>& d = r.ftrial; // its values have been taken
-    d = r.resid;
-    for (size_t j = 0; j < size_t(r.n); j++) axpy(m, r.p0[j] - r.p[j], &r.jac[j * m], d.data());
+    double* d = r.ftrial; // its values have been taken
+    std::copy_n(r.resid, m, d);
+    for (size_t j = 0; j < size_t(r.n); j++) axpy(m, r.p0[j] - r.p[j], &r.jac[j * m], d);
     double sum = 0;
     for (size_t i = 0; i < m; i++) sum += r.w[i] * d[i] * d[i];
     return sum;
@@ -218,7 +218,7 @@ bool improves(fitrun& r, double sos) {
     if (!(sos < r.bestsosq)) return false;
     r.lowered = true;
     r.bestsosq = sos;
-    r.fbest = r.ftrial;
+    std::swap(r.fbest, r.ftrial);
     r.pbest = r.p;
     r.lagrangebest = r.lagrange;
     return sos < (1 - r.sw.tolsos) * r.oldsosq;
@@ -304,14 +304,25 @@ nextmove iteration(fitrun& r) {
     return move;
 }
 
-void allocate(fitrun& r, const std::vector<double>& p, const std::vector<double>& w0) {
+void allocate(fitrun& r, const std::vector<double>& p, const double* w0) {
     const size_t n = size_t(r.n), m = size_t(r.m);
+    const bool weights = r.model.weights, norm = r.sw.norm != 2, both = r.model.both;
+    r.memory.reset(harrayraw(uint32_t(3 + weights + norm + n * (1 + both)), uint32_t(m)));
+    double* at = cells(r.memory.get()) + 1;
+    const auto take = [&](bool wanted, size_t arrays) {
+        return wanted ? at += arrays * m, at - arrays * m : nullptr;
+    };
+    r.ftrial = take(true, 1);
+    r.fbest = take(true, 1);
+    r.resid = take(true, 1);
+    r.ownw0 = take(weights, 1);
+    r.ownw = take(norm, 1);
+    r.jac = take(true, n);
+    r.jactrial = take(both, n);
+    std::fill_n(r.ftrial, 2 * m, 0.0); // a model that has no value at the start leaves them so
+    if (weights) std::copy_n(w0, m, r.ownw0);
+    r.w0 = r.w = weights ? r.ownw0 : w0;
     r.p = r.pbest = r.p0 = p;
-    r.w0 = r.w = w0;
-    r.ftrial.assign(m, 0);
-    r.fbest = r.resid = r.ftrial;
-    r.jac.assign(m * n, 0);
-    if (r.model.both) r.jactrial.resize(m * n);
     r.normal.assign(n * n, 0);
     r.ptpdia.assign(n, 0);
     r.damped = r.dgrad = r.ptpdia;
@@ -320,11 +331,11 @@ void allocate(fitrun& r, const std::vector<double>& p, const std::vector<double>
     r.lagrangebest = r.lagrange;
 }
 
-void takeresult(const fitrun& r, fitresult& result) {
+void takeresult(fitrun& r, fitresult& result) {
     result.p = r.pbest;
     result.f = r.fbest;
     result.w = r.w;
-    result.w0 = r.w0;
+    result.memory = std::move(r.memory);
     result.sosq = r.bestsosq;
     result.lagrange = r.lagrangebest;
     result.iterations = r.iteration;
@@ -337,15 +348,15 @@ void takeresult(const fitrun& r, fitresult& result) {
 } // namespace
 
 fitresult fitsolve(const fitmodel& model, const fitswitches& switches, const solverconstraints& constraints,
-                   const std::vector<int>& element, const std::vector<double>& p,
-                   const std::vector<double>& y, const std::vector<double>& w0) {
-    fitrun r(model, switches, constraints, element, y, int(p.size()));
+                   const std::vector<int>& element, const std::vector<double>& p, size_t m, const double* y,
+                   const double* w0) {
+    fitrun r(model, switches, constraints, element, y, int(p.size()), int(m));
     allocate(r, p, w0);
     if (r.cons.count > 0) fitconstrain(r, true);
     r.pbest = r.p;
     fitweights(r, true);
     r.bestsosq = r.oldsosq = fitsosq(r, r.p, r.sw.norm, true);
-    r.fbest = r.ftrial;
+    std::swap(r.fbest, r.ftrial);
     fitresult result;
     result.started = r.bestsosq < MAXPOS;
     while (iteration(r) != STOP) {}

@@ -9,6 +9,7 @@
 #pragma once
 
 #include "solvers/symsweep.h"
+#include "values/harray.h"
 
 #include <vector>
 
@@ -46,9 +47,10 @@ struct fitswitches {
 };
 
 struct fitresult {
-    std::vector<double> p;        // best point
-    std::vector<double> f, w, w0; // there: model values, weights in force, user weights
-    double sosq = 0;              // best weighted sum of squares
+    std::vector<double> p;                   // best point
+    harrayptr memory;                        // of the next two
+    const double *f = nullptr, *w = nullptr; // there, m of each: model values, weights in force
+    double sosq = 0;                         // best weighted sum of squares
     double rms = 0, deviation = 0, rsquared = 0;
     std::vector<double> stderrors, dependency, covariance; // covariance: n by n
     std::vector<double> lagrange;                          // multipliers of the constraints
@@ -60,9 +62,9 @@ struct fitresult {
     int report = 0; // LSQRPT as R left it
 };
 
-/* p: start values, n; y: observed values, m; w0: user weights, m. Result.p is the best point; parameters are
- * not stored anywhere else. `element` tells for each of the n slots which parameter of the constraints it
- * belongs to. */
+/* p: start values, n; y: observed values, m; w0: user weights, m: they must outlive the result. Result.p is
+ * the best point; parameters are not stored anywhere else. `element` tells for each of the n slots which
+ * parameter of the constraints it belongs to. */
 fitresult fitsolve(const fitmodel& model, const fitswitches& switches, const solverconstraints& constraints,
-                   const std::vector<int>& element, const std::vector<double>& p,
-                   const std::vector<double>& y, const std::vector<double>& w0);
+                   const std::vector<int>& element, const std::vector<double>& p, size_t m, const double* y,
+                   const double* w0);

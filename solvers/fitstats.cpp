@@ -95,9 +95,9 @@ std::vector<long double> longinverse(const longnormal& normal, size_t n) {
 bool finaljacobian(fitrun& r) {
     if (!r.model.jacobian || !r.lowered) return false;
     if (r.jacpoint == r.pbest) return true;
-    if (!r.model.values(r.model.context, r.pbest.data(), r.ftrial.data())) return false;
+    if (!r.model.values(r.model.context, r.pbest.data(), r.ftrial)) return false;
     r.evaluations++;
-    r.model.jacobian(r.model.context, r.jac.data());
+    r.model.jacobian(r.model.context, r.jac);
     return true;
 }
 
@@ -112,13 +112,13 @@ void polish(fitrun& r, const std::vector<long double>& step, const std::vector<l
         if (!(std::fabs(step[j]) <= 1e-2L * error)) return;
         p[j] = double(p[j] + step[j]);
     }
-    if (!r.model.values(r.model.context, p.data(), r.ftrial.data())) return;
+    if (!r.model.values(r.model.context, p.data(), r.ftrial)) return;
     r.evaluations++;
     double sum = 0;
     for (int i = 0; i < r.m; i++) sum += r.w[i] * (r.y[i] - r.ftrial[i]) * (r.y[i] - r.ftrial[i]);
     if (!(sum <= r.bestsosq * (1 + 1e-9))) return; // what rounding of the model may add
     r.pbest = p;
-    r.fbest = r.ftrial;
+    std::swap(r.fbest, r.ftrial);
     r.bestsosq = std::min(sum, r.bestsosq);
 }
 

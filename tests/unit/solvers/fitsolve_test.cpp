@@ -39,7 +39,7 @@ fitresult fit(testmodel& t, const vector& start, const vector& y, const solverco
     if (w.empty()) w.assign(y.size(), 1);
     std::vector<int> element(start.size());
     std::iota(element.begin(), element.end(), 0);
-    return fitsolve(model, sw, cons, element, start, y, w);
+    return fitsolve(model, sw, cons, element, start, y.size(), y.data(), w.data());
 }
 
 struct fittest : testing::Test {
