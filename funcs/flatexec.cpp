@@ -43,7 +43,7 @@ inline uint16_t dataword(const flatop* data, int k) {
 struct execution {
     flatunit& unit;
     const flatroutine* routine;
-    double* r; // the frame
+    double* frame;
     const flatop* pc;
     flatcells cells;
     const size_t base = flat.calls.size();
@@ -53,7 +53,7 @@ struct execution {
     bool element(const flatop& o);
     bool number(const flatop& o);
     bool user(const flatop& o);
-    void leave(const flatop& o);
+    bool leave(const flatop& o);
     bool loop(const flatop& o);
     bool next(const flatop& o);
     bool segment(const flatop& o);
@@ -67,16 +67,16 @@ bool pollbreak() {
 bool execution::calln(const flatop& o) {
     if (o.b > MOSTARGS) return false;
     double x[MOSTARGS];
-    for (int k = 0; k < o.b; k++) x[k] = r[dataword(pc, k)];
+    for (int k = 0; k < o.b; k++) x[k] = frame[dataword(pc, k)];
     pc += (o.b + 2) / 3;
-    return fpfinite(r[o.dst] = flatrowcall(*unit.rows[o.a], x, o.b));
+    return fpfinite(frame[o.dst] = flatrowcall(*unit.rows[o.a], x, o.b));
 }
 
 bool execution::element(const flatop& o) {
     const harray* m = unit.matrices[pc++->dst].m;
-    const double row = r[o.a], col = r[o.b];
+    const double row = frame[o.a], col = frame[o.b];
     if (!(row >= 1 && row < m->rows + 1.0 && col >= 1 && col < m->cols + 1.0)) return false;
-    r[o.dst] = at(m, size_t(row), size_t(col));
+    frame[o.dst] = at(m, size_t(row), size_t(col));
     return true;
 }
 
@@ -95,70 +95,71 @@ bool execution::number(const flatop& o) {
     polpush(call.callee);
     for (int arg : call.arg) {
         if (arg >= 0)
-            polpush(scalarpush(r[arg]));
+            polpush(scalarpush(frame[arg]));
         else if (const int m = unit.matrices[size_t(-1 - arg)].symbol; m > 0)
             polpush(m);
         else
             return false;
     }
-    r[o.dst] = call.row->call({before.pol + 1, int(call.arg.size()), sym(call.callee).type});
-    return fpfinite(r[o.dst]);
+    frame[o.dst] = call.row->call({before.pol + 1, int(call.arg.size()), sym(call.callee).type});
+    return fpfinite(frame[o.dst]);
 }
 
 bool execution::user(const flatop& o) {
     const flatroutine& callee = unit.routines[o.a];
     const flatcells inside{cells.pol + pc->dst, cells.scalar + pc->a};
     pc++;
-    double* frame = r + routine->nregs;
+    double* inner = frame + routine->nregs;
     if (inside.pol + callee.polcells >= POLSTACKSIZE ||
         inside.scalar + callee.scalarcells > SCALARSTACKSIZE + 1 ||
-        frame + callee.nregs > flat.stack.data() + flat.stack.size())
+        inner + callee.nregs > flat.stack.data() + flat.stack.size())
         return false;
     const size_t image = callee.image.size();
-    for (size_t k = 0; k < image; k++) frame[k] = callee.image[k];
-    double* arg = frame + image;
-    for (int k = 0; k < o.b; k++) arg[k] = r[dataword(pc, k)];
+    for (size_t k = 0; k < image; k++) inner[k] = callee.image[k];
+    double* arg = inner + image;
+    for (int k = 0; k < o.b; k++) arg[k] = frame[dataword(pc, k)];
     pc += (o.b + 2) / 3;
-    flat.calls.push_back({pc, routine, r, cells, o.dst});
+    flat.calls.push_back({pc, routine, frame, cells, o.dst});
     routine = &callee;
-    r = frame;
+    frame = inner;
     cells = inside;
     pc = callee.code.data();
     return true;
 }
 
-void execution::leave(const flatop& o) {
-    const double x = r[o.a];
+bool execution::leave(const flatop& o) {
+    const double x = frame[o.a];
     sym(o.dst).val.rval = x;
     const flatcall& back = flat.calls.back();
     pc = back.pc;
     routine = back.routine;
-    r = back.frame;
+    frame = back.frame;
     cells = back.cells;
-    r[back.dst] = x;
+    frame[back.dst] = x;
     flat.calls.pop_back();
+    return true;
 }
 
 bool execution::loop(const flatop& o) {
     const flatloop& l = routine->loops[o.dst];
-    const double low = r[o.a], high = r[l.high];
+    const double low = frame[o.a], high = frame[l.high];
     if (low + 1 == low || high - 1 == high) return false;
-    r[l.dummy] = low;
+    frame[l.dummy] = low;
     if (!(low <= high)) {
         pc = routine->code.data() + l.end;
         return true;
     }
     if (!l.blocks || high - low < FEWROUNDS) return true;
     pc = routine->code.data() + l.end;
-    return flatloopblocks(unit, *routine, l, r, low) == FLATDONE;
+    return flatloopblocks(unit, *routine, l, frame, low) == FLATDONE;
 }
 
 bool execution::next(const flatop& o) {
     const flatloop& l = routine->loops[o.dst];
-    double& sum = r[l.accumulator];
-    sum = l.product ? sum * r[l.term] : sum + r[l.term];
-    const double x = r[l.dummy] += 1.0;
-    if (!(x <= r[l.high])) return true;
+    double& sum = frame[l.accumulator];
+    sum = l.product ? sum * frame[l.term] : sum + frame[l.term];
+    const double x = frame[l.dummy] += 1.0;
+    if (!(x <= frame[l.high])) return true;
     pollbreak();
     pc = routine->code.data() + l.body;
     return true;
@@ -166,32 +167,43 @@ bool execution::next(const flatop& o) {
 
 bool execution::segment(const flatop& o) {
     const flatsegment& s = routine->segments[o.a];
-    const double low = r[o.b], high = r[s.high];
+    const double low = frame[o.b], high = frame[s.high];
     if (low == UNDEFINEDMARK || high == UNDEFINEDMARK) return false;
     const auto f = [&](double x) {
-        r[s.dummy] = x;
+        frame[s.dummy] = x;
         pollbreak();
-        if (!flatexecute(unit, *routine, s.body, r, cells)) throw givenup{};
-        return r[s.value];
+        if (!flatexecute(unit, *routine, s.body, frame, cells)) throw givenup{};
+        return frame[s.value];
     };
     const size_t depth = flat.calls.size();
     try {
         if (!s.root)
-            r[o.dst] = integralof(f, low, high);
+            frame[o.dst] = integralof(f, low, high);
         else if (!rootfind(
-                     f, [] { throw givenup{}; }, low, high, r[o.dst]))
+                     f, [] { throw givenup{}; }, low, high, frame[o.dst]))
             return false;
     } catch (const givenup&) {
         flat.calls.resize(depth);
         return false;
     }
     pc = routine->code.data() + s.end;
-    return fpfinite(r[o.dst]);
+    return fpfinite(frame[o.dst]);
 }
 
+/* The place and the frame stand in variables of this function, not of the execution, so that they stay in
+ * registers: what goes elsewhere hands them over. */
 bool execution::run() {
+    const flatop* at = pc;
+    double* r = frame;
+    const auto handover = [&](bool (execution::*serve)(const flatop&), const flatop& o) {
+        pc = at;
+        const bool good = (this->*serve)(o);
+        at = pc;
+        r = frame;
+        return good;
+    };
     for (;;) {
-        const flatop o = *pc++;
+        const flatop& o = *at++;
         switch (o.op) {
         case FLATMOVE: r[o.dst] = r[o.a]; break;
         case FLATADD: r[o.dst] = r[o.a] + r[o.b]; break;
@@ -227,49 +239,49 @@ bool execution::run() {
         case FLATAND: r[o.dst] = r[o.a] != 0 && r[o.b] != 0; break;
         case FLATOR: r[o.dst] = r[o.a] != 0 || r[o.b] != 0; break;
         case FLATNOT: r[o.dst] = r[o.a] == 0; break;
-        case FLATJUMP: pc = routine->code.data() + o.dst; break;
+        case FLATJUMP: at = routine->code.data() + o.dst; break;
         case FLATJUMPNOT:
-            if (r[o.a] == 0) pc = routine->code.data() + o.dst;
+            if (r[o.a] == 0) at = routine->code.data() + o.dst;
             break;
         case FLATJUMPNE:
-            if (r[o.a] != r[o.b]) pc = routine->code.data() + o.dst;
+            if (r[o.a] != r[o.b]) at = routine->code.data() + o.dst;
             break;
         case FLATJUMPNLT:
-            if (!(r[o.a] < r[o.b])) pc = routine->code.data() + o.dst;
+            if (!(r[o.a] < r[o.b])) at = routine->code.data() + o.dst;
             break;
         case FLATJUMPNLE:
-            if (!(r[o.a] <= r[o.b])) pc = routine->code.data() + o.dst;
+            if (!(r[o.a] <= r[o.b])) at = routine->code.data() + o.dst;
             break;
         case FLATCALL1:
             if (!fpfinite(r[o.dst] = unit.rows[o.b]->f1(r[o.a]))) return false;
             break;
         case FLATCALL2:
-            if (!fpfinite(r[o.dst] = unit.rows[pc++->dst]->f2(r[o.a], r[o.b]))) return false;
+            if (!fpfinite(r[o.dst] = unit.rows[at++->dst]->f2(r[o.a], r[o.b]))) return false;
             break;
         case FLATCALLN:
-            if (!calln(o)) return false;
+            if (!handover(&execution::calln, o)) return false;
             break;
         case FLATELEM:
-            if (!element(o)) return false;
+            if (!handover(&execution::element, o)) return false;
             break;
         case FLATROWS: r[o.dst] = unit.matrices[o.a].m->rows; break;
         case FLATCOLS: r[o.dst] = unit.matrices[o.a].m->cols; break;
         case FLATNUMBER:
-            if (!number(o)) return false;
+            if (!handover(&execution::number, o)) return false;
             break;
         case FLATSTORE: sym(o.dst).val.rval = r[o.a]; break;
         case FLATUSER:
-            if (!user(o)) return false;
+            if (!handover(&execution::user, o)) return false;
             break;
-        case FLATRETURN: leave(o); break;
+        case FLATRETURN: handover(&execution::leave, o); break;
         case FLATLOOP:
-            if (!loop(o)) return false;
+            if (!handover(&execution::loop, o)) return false;
             break;
         case FLATNEXT:
-            if (!next(o)) return false;
+            if (!handover(&execution::next, o)) return false;
             break;
         case FLATSEGMENT:
-            if (!segment(o)) return false;
+            if (!handover(&execution::segment, o)) return false;
             break;
         default: return true; // FLATEND, FLATSEGMENTEND
         }
