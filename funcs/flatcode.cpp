@@ -15,6 +15,8 @@ struct flatprogram {
     bool fast = false;
     uint32_t refusedmade = 0; // trinodes.made when it could not be compiled
     int waits = 0;            // runs until it is tried again
+    flatroutine held;         // the entry as flatheldrun runs it, and its frame
+    std::vector<double> heldframe;
 };
 
 namespace {
@@ -61,34 +63,37 @@ readiness refresh(flatunit& unit) {
     return FLATREADY;
 }
 
-/* A run whose words are held back: any of them gives it up. What it stored is then taken back. */
-struct quietrun {
-    flatunit& unit;
-    explicit quietrun(flatunit& u) : unit(u) {
-        for (size_t k = 0; k < unit.stored.size(); k++) unit.saved[k] = sym(unit.stored[k]).val.rval;
-        report.quiet = true;
-        report.held = false;
-    }
-    ~quietrun() { report.quiet = false; }
-    void takeback() {
-        for (size_t k = 0; k < unit.stored.size(); k++) sym(unit.stored[k]).val.rval = unit.saved[k];
-        spfaultclear();
-        report.held = false;
-    }
-    template <class Run> flatresult operator()(Run&& run) {
-        flatresult result;
-        try {
-            result = run();
-        } catch (const recoveryjump& jump) {
-            flat.calls.clear();
-            if (jump.value != -1) throw;
-            result = FLATGIVENUP;
+// A run whose words are held back: any of them gives it up.
+template <class Run> flatresult quietly(Run&& run) {
+    struct quietscope {
+        quietscope() {
+            report.quiet = true;
+            report.held = false;
         }
-        if (result == FLATDONE && (report.held || spfaults.count != 0)) result = FLATGIVENUP;
-        if (result != FLATDONE) takeback();
-        return result;
+        ~quietscope() { report.quiet = false; }
+    } scope;
+    flatresult result;
+    try {
+        result = run();
+    } catch (const recoveryjump& jump) {
+        flat.calls.clear();
+        if (jump.value != -1) throw;
+        result = FLATGIVENUP;
     }
-};
+    if (result == FLATDONE && !report.held && spfaults.count == 0) return FLATDONE;
+    spfaultclear();
+    report.held = false;
+    return FLATGIVENUP;
+}
+
+// The same; what the run stored is then taken back.
+template <class Run> flatresult quietrun(flatunit& unit, Run&& run) {
+    for (size_t k = 0; k < unit.stored.size(); k++) unit.saved[k] = sym(unit.stored[k]).val.rval;
+    const flatresult result = quietly(run);
+    if (result != FLATDONE)
+        for (size_t k = 0; k < unit.stored.size(); k++) sym(unit.stored[k]).val.rval = unit.saved[k];
+    return result;
+}
 
 bool cellssuffice(const flatroutine& entry) {
     return parser.poltop + entry.polcells < POLSTACKSIZE &&
@@ -106,8 +111,8 @@ double* entryframe(const flatroutine& entry) {
 // The entry on a frame that holds its arguments.
 flatresult runentry(flatunit& unit, double* frame) {
     const flatcells cells{parser.poltop, parser.scalartop};
-    return quietrun(unit)(
-        [&] { return flatexecute(unit, unit.routines[0], 0, frame, cells) ? FLATDONE : FLATGIVENUP; });
+    return quietrun(
+        unit, [&] { return flatexecute(unit, unit.routines[0], 0, frame, cells) ? FLATDONE : FLATGIVENUP; });
 }
 
 // ---- one function, called by value()
@@ -257,7 +262,7 @@ flatresult runblock(flatunit& unit, const rowset& rows, size_t first, int n, dou
             for (int i = 0; i < n; i++) to[i] = x[size_t(i) * stride];
     }
     uint16_t order[FLATBLOCK];
-    const flatresult result = quietrun(unit)([&] {
+    const flatresult result = quietrun(unit, [&] {
         return flatexecuteblock(unit, entry, 0, int(entry.code.size()) - 1, unit.vary.data(), frame,
                                 flat.block.data(), order, n);
     });
@@ -380,7 +385,7 @@ void walkpoint(const flatrequest& request, const double* in, double* out, bool f
 void flatdelete::operator()(flatprogram* program) const { delete program; }
 
 flatptr flatcompile(const flatrequest& request) {
-    flatptr program(new flatprogram{request, {}, false, 0, 0});
+    flatptr program(new flatprogram{request, {}, false, 0, 0, {}, {}});
     readyprogram(*program);
     return program;
 }
@@ -394,6 +399,31 @@ void flatrun(flatprogram& program, const double* in, double* out) {
     std::copy_n(in, unit->routines[0].nargs, frame + unit->routines[0].image.size());
     if (runentry(*unit, frame) != FLATDONE) return walkpoint(program.request, in, out, false);
     for (size_t k = 0; k < unit->outputs.size(); k++) out[k] = frame[unit->outputs[k]];
+}
+
+bool flathold(flatprogram& program) {
+    flatunit* unit = readyprogram(program);
+    if (!unit || !unit->blocks || !unit->straight) return false;
+    const flatroutine& entry = unit->routines[0];
+    if (program.held.image.size() != entry.image.size() || program.held.code.empty()) {
+        program.held = entry;
+        std::erase_if(program.held.code, [](const flatop& o) { return o.op == FLATSTORE; });
+    }
+    program.heldframe.resize(size_t(entry.nregs));
+    std::copy(entry.image.begin(), entry.image.end(), program.heldframe.begin());
+    return true;
+}
+
+bool flatheldrun(flatprogram& program, const double* in, double* out) {
+    const flatroutine& entry = program.held;
+    double* frame = program.heldframe.data();
+    for (int k = 0; k < entry.nargs; k++) frame[entry.image.size() + size_t(k)] = in[k];
+    if (quietly([&] {
+            return flatexecute(program.unit, entry, 0, frame, {0, 0}) ? FLATDONE : FLATGIVENUP;
+        }) != FLATDONE)
+        return false;
+    for (size_t k = 0; k < program.unit.outputs.size(); k++) out[k] = frame[program.unit.outputs[k]];
+    return true;
 }
 
 void flatrunblock(flatprogram& program, size_t n, const double* const* in, const size_t* instride,

@@ -37,6 +37,12 @@ bool flatisfast(const flatprogram& program);
  * allocated. */
 void flatrun(flatprogram& program, const double* in, double* out);
 
+/* Runs in a row, with nothing else evaluated, defined or assigned between them. flathold makes ready; false
+ * where the program cannot be run so. flatheldrun is flatrun without what one run has settled for all, and
+ * the functions do not keep their values; false: given up with nothing told, and flatrun is to do it. */
+bool flathold(flatprogram& program);
+bool flatheldrun(flatprogram& program, const double* in, double* out);
+
 /* n points. in[k] is input k at the first point; its values follow each other at a distance of instride[k]
  * doubles (0: the same for all). out[k], outstride likewise. As n calls of flatrun in order. */
 void flatrunblock(flatprogram& program, size_t n, const double* const* in, const size_t* instride,

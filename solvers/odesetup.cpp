@@ -47,6 +47,8 @@ void setsymbols(odesolve& solve, double t, const double* y, const double* dy) {
     solve.t = t;
     solve.y = y;
     solve.dy = dy;
+    solve.pending = false;
+    solve.held = odesolve::UNTRIED; // what is evaluated next may change anything
     for (size_t k = 0; k < s.states.size(); k++) sym(s.derivs[k]).val.rval = dy[k];
     for (size_t k = 0; k < s.states.size(); k++) sym(s.states[k]).val.rval = y[k];
 }
@@ -58,16 +60,41 @@ const double* inputs(odesolve& solve, double t, const double* y) {
     return solve.in.data();
 }
 
+void takederivatives(const odesolve& solve, const double* y, double* dy) {
+    for (size_t k = 0; k < solve.rhsplace.size(); k++)
+        dy[k] = solve.rhsplace[k] < 0 ? y[solve.nextstate[k]] : solve.work[size_t(solve.rhsplace[k])];
+}
+
+/* Evaluations of the right-hand side in a row: nothing looks at the symbols meanwhile, so they take the
+ * values of the last one alone. */
+bool heldfunc(odesolve& solve, double t, const double* y, double* dy) {
+    if (solve.held == odesolve::UNTRIED)
+        solve.held = flathold(*solve.righthand) ? odesolve::HELD : odesolve::NOTHELD;
+    if (solve.held == odesolve::NOTHELD) return false;
+    if (!flatheldrun(*solve.righthand, inputs(solve, t, y), solve.work.data())) return false;
+    takederivatives(solve, y, dy);
+    return solve.pending = true;
+}
+
+struct settlescope {
+    odesolve& solve;
+    ~settlescope() {
+        if (!solve.pending) return;
+        const double* y = solve.in.data() + 1;
+        std::vector<double> dy(solve.system.states.size());
+        takederivatives(solve, y, dy.data());
+        setsymbols(solve, solve.in[0], y, dy.data());
+    }
+};
+
 void odefunc(void* context, double t, const double* y, double* dy) {
     odesolve& solve = *static_cast<odesolve*>(context);
-    const odesystem& s = solve.system;
+    if (heldfunc(solve, t, y, dy)) return;
+    const bool never = solve.held == odesolve::NOTHELD;
     setsymbols(solve, t, y, dy);
+    if (never) solve.held = odesolve::NOTHELD;
     flatrun(*solve.righthand, inputs(solve, t, y), solve.work.data());
-    for (size_t k = 0; k < s.states.size(); k++)
-        if (solve.rhsplace[k] < 0)
-            dy[k] = sym(s.derivs[k]).val.rval; // the next state of a reduced order
-        else
-            dy[k] = solve.work[size_t(solve.rhsplace[k])];
+    takederivatives(solve, y, dy);
 }
 
 void odejacobian(void* context, double t, const double* y, const double* dy, double* jac) {
@@ -168,8 +195,13 @@ void compilerighthand(odesolve& solve) {
     const odesystem& s = solve.system;
     std::vector<int> functions;
     solve.rhsplace.assign(s.states.size(), -1);
+    solve.nextstate.assign(s.states.size(), -1);
     for (size_t k = 0; k < s.states.size(); k++) {
-        if (!isfunction(s.derivs[k])) continue;
+        if (!isfunction(s.derivs[k])) {
+            solve.nextstate[k] =
+                int(std::find(s.states.begin(), s.states.end(), s.derivs[k]) - s.states.begin());
+            continue;
+        }
         solve.rhsplace[k] = int(functions.size());
         functions.push_back(s.derivs[k]);
     }
@@ -242,6 +274,9 @@ void odeinit(odesolve& solve) {
 
 bool oderunover(odesolve& solve, const double* times, long ntimes, harray* out) {
     const runscope scope(solve);
+    solve.held = odesolve::UNTRIED;
+    solve.pending = false;
+    const settlescope settle{solve};
     odemodel model;
     model.n = solve.system.neq();
     model.nextra = int(solve.system.outputs.size());

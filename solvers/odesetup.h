@@ -36,6 +36,9 @@ struct odesolve {
     flatptr righthand, jacobianprogram, extras;
     std::vector<double> in, work;
     std::vector<int> rhsplace, jacplace; // equation or entry that each output of a program belongs to
+    std::vector<int> nextstate;          // of an equation without a function: its derivative is this state
+    enum { UNTRIED, HELD, NOTHELD } held = UNTRIED; // see flathold
+    bool pending = false; // the symbols are still to take the last evaluation's values
     oderun run;
     const double* y = nullptr; // where the states stand now
     const double* dy = nullptr;
