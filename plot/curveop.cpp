@@ -22,7 +22,7 @@ struct drawoperands {
     try {
         tarnerror("bad DRAW or AXIS arg. type");
     } catch (const recoveryjump&) {
-        tellundefined(idx);
+        if (sym(idx).name[0] != '.') tellundefined(idx);
         throw;
     }
 }

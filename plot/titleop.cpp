@@ -109,8 +109,9 @@ void takeposition(title& t, int position) {
 }
 
 double wrapped(double angle) {
-    const double rest = std::fmod(angle, 360);
-    return rest < 0 && rest + 360 < 360 ? rest + 360 : std::abs(rest);
+    double rest = std::fmod(angle, 360);
+    if (rest < 0) rest += 360;
+    return rest < 360 ? rest : 0; // a sum may round up
 }
 
 void applyclauses(title& t) {
