@@ -10,12 +10,6 @@
 namespace {
 bool atpole(double x) { return x <= 0 && x == std::trunc(x); }
 
-// sin(pi (a+b)) with the rounding of the sum made good
-double sinpisum(double a, double b) {
-    const double s = a + b, t = s - a, rest = (a - (s - t)) + (b - t);
-    return sinpi(s) + PI * rest * cospi(s);
-}
-
 // Gamma(num)/Gamma(den), neither a pole, by logarithms: for arguments whose gamma overflows
 double gammaquotient(double num, double den) {
     int up, down;

@@ -1,6 +1,7 @@
 #include "special/combin.h"
 
 #include "special/beta.h"
+#include "special/elementary.h"
 #include "special/gamma.h"
 #include "special/range.h"
 
@@ -42,6 +43,24 @@ double factorproduct(double n, double k) {
     return r;
 }
 
+// B(a,b) or its reciprocal (power -1), over a divisor; a, b > 0.
+double betaover(double a, double b, int power, double divisor) {
+    const double ln = power * logbeta(a, b);
+    if (std::fabs(ln) < 600) return (power > 0 ? betafn(a, b) : 1 / betafn(a, b)) / divisor;
+    return std::copysign(std::exp(ln - std::log(std::fabs(divisor))), divisor);
+}
+
+// Gamma(n+1)/(Gamma(k+1) Gamma(n-k+1)), k not whole, n no negative whole number: each gamma function of a
+// negative argument is reflected, and the rest is a beta function.
+double realbinomial(double n, double k) {
+    if (k > -1 && n - k > -1) return betaover(n - k + 1, k + 1, -1, n + 1);
+    const double sk = sinpi(k), snk = sinpisum(n, -k), sn = sinpi(n);
+    if (n > -1) return k < 0 ? -sk * betaover(n + 1, -k, 1, PI) : -snk * betaover(n + 1, k - n, 1, PI);
+    if (k > -1) return snk / sn * betaover(-n, k + 1, -1, k - n);
+    if (n - k > -1) return sk / sn * betaover(-n, n - k + 1, -1, -k);
+    return -sk * snk / sn * betaover(-k, k - n, 1, PI);
+}
+
 double binomialopen(double n, double k) {
     const bool whole = k == std::trunc(k);
     if (whole && k < 0) return 0;
@@ -52,15 +71,7 @@ double binomialopen(double n, double k) {
     }
     if (whole && k <= 1000) return factorproduct(n, k);
     if (std::isnan(n) || std::isnan(k) || (n < 0 && n == std::trunc(n))) return std::nan("");
-    if (k > -1 && n - k > -1) {
-        const double ln = -logbeta(n - k + 1, k + 1);
-        return (std::fabs(ln) < 600 ? 1 / betafn(n - k + 1, k + 1) : std::exp(ln)) / (n + 1);
-    }
-    int sn, sk, snk;
-    const double ln = loggammasign(n + 1, &sn) - loggammasign(k + 1, &sk) - loggammasign(n - k + 1, &snk);
-    if (std::fabs(n) < 160 && std::fabs(k) < 160 && std::fabs(n - k) < 160)
-        return rgamma(k + 1) * rgamma(n - k + 1) / rgamma(n + 1);
-    return sn * sk * snk * std::exp(ln);
+    return realbinomial(n, k);
 }
 
 /* The numbers of order n, n-m by the second-order Eulerian numbers e (R. Graham, D. Knuth, O. Patashnik,

@@ -15,6 +15,11 @@ double cospi(double x) {
     return r < 0.25 ? std::cos(PI * r) : std::sin(PI * (0.5 - r));
 }
 
+double sinpisum(double a, double b) {
+    const double s = a + b, t = s - a, rest = (a - (s - t)) + (b - t);
+    return sinpi(s) + PI * rest * cospi(s);
+}
+
 // log(1+x) = 2 atanh(r) with r = x/(2+x), |r| <= 1/3; the term -x is taken out by 2r - x = -rx.
 double log1pmx(double x) {
     if (!(x > -0.5 && x < 1)) return std::log1p(x) - x;

@@ -10,4 +10,5 @@ inline constexpr double LNSQRT2PI = 0.91893853320467274178; // log(sqrt(2 pi))
 
 double sinpi(double x);   // sin(pi x), exact zeros and signs for any size of x
 double cospi(double x);   // cos(pi x)
+double sinpisum(double a, double b); // sin(pi (a+b)) with the rounding of the sum made good
 double log1pmx(double x); // log(1+x) - x without cancellation, x > -1

@@ -153,9 +153,12 @@ double ellipe(double m) {
 
 namespace {
 
+// Where Abramowitz and Stegun 17.7.15 takes n to a value that cancels less; next to m it would cancel itself.
+bool moved(double n, double m) { return n < -2 && n < std::fmin(m, 2 * m); }
+
 // The complete third integral for n < 1; nc = 1 - n.
 double picomplete(double n, double nc, double m) {
-    if (n < -2 && n < m) { // Abramowitz and Stegun 17.7.15: no cancellation
+    if (moved(n, m)) {
         const double other = (m - n) / nc, otherc = (1 - m) / nc;
         return picomplete(other, otherc, m) * (n / (n - 1)) * ((m - 1) / (n - m)) + ellipk(m) * (m / (m - n));
     }
@@ -197,7 +200,7 @@ double pipart(double n, double nc, const reducedangle& r, double m) {
         return std::log(std::fabs((d + t) / (d - t))) / (2 * p1) -
                m / n / 3 * s3 * carlsonrj(c2, d2, 1, delta2(r.s, r.c, m / n));
     }
-    if (n < -2 && n < m) { // Abramowitz and Stegun 17.7.15
+    if (moved(n, m)) {
         const double other = (m - n) / nc, otherc = (1 - m) / nc, p2 = std::sqrt(-n * other);
         return pipart(other, otherc, r, m) * (n / (n - 1)) * ((m - 1) / (n - m)) +
                fpart(r, m) * (m / (m - n)) +

@@ -78,6 +78,41 @@ hypervalue gausssum(dd a, dd b, dd c) {
     return good({sign, 0}, e);
 }
 
+// Gamma(c) Gamma(s)/(Gamma(c-a) Gamma(c-b)) F(a, b; 1-s; y) with s = c-a-b: one term of DLMF 15.8.4.
+bool gaussterm(dd a, dd b, dd c, dd s, dd y, hypervalue* t) {
+    int sign[4];
+    dd e = ddloggamma(c, &sign[0]) + ddloggamma(s, &sign[1]) - ddloggamma(c - a, &sign[2]) -
+           ddloggamma(c - b, &sign[3]);
+    widevalue v;
+    if (!hypersum({a, b}, {dd(1) - s}, y, &v)) return false;
+    v.m = v.m * double(sign[0] * sign[1] * sign[2] * sign[3]);
+    *t = good(v, e);
+    return true;
+}
+
+/* 2F1 next to 1 by two series in y = 1 - x, DLMF 15.8.4. False where c-a-b is near a whole number or the two
+ * cancel, so that 32 digits would not be enough. */
+bool gaussnearone(dd a, dd b, dd c, dd y, hypervalue* r) {
+    const dd s = c - a - b;
+    if (std::fabs((s - std::nearbyint(s.hi)).hi) < 1e-5 || std::fabs(s.hi) > 1e5) return false;
+    hypervalue t, u;
+    if (!gaussterm(a, b, c, s, y, &t) || !gaussterm(c - a, c - b, c, -s, y, &u)) return false;
+    u.e += s * ddlog(y);
+    if (t.v.m.hi == 0 || u.v.m.hi == 0) {
+        *r = t.v.m.hi == 0 ? u : t;
+        return true;
+    }
+    const dd size = u.e - t.e + DDLN2 * double(u.v.power - t.v.power);
+    if (std::fabs(size.hi) > 600) {
+        *r = size.hi > 0 ? u : t;
+        return true;
+    }
+    const dd second = u.v.m * ddexp(size), sum = t.v.m + second;
+    if (std::fabs(sum.hi) < 1e-8 * std::fmax(std::fabs(second.hi), std::fabs(t.v.m.hi))) return false;
+    *r = good({sum, t.v.power}, t.e);
+    return true;
+}
+
 // 2F1 for x < 1, y = 1 - x, neither c a pole nor the series a polynomial.
 hypervalue gauss(dd a, dd b, dd c, dd x, dd y) {
     if (endingorder(c - a) >= 0 || endingorder(c - b) >= 0) // a polynomial by Euler's transformation, 15.8.1
@@ -89,6 +124,7 @@ hypervalue gauss(dd a, dd b, dd c, dd x, dd y) {
         return r;
     }
     if (x.hi <= 0.75) return summed({a, b}, {c}, x);
+    if (hypervalue r; gaussnearone(a, b, c, y, &r)) return r;
     dd e = 0;
     if ((c - a - b).hi < 0) { // Euler's: finite at 1
         e = (c - a - b) * ddlog(y);
@@ -190,13 +226,16 @@ hypervalue kummer(dd a, dd b, double x) {
     if (endingorder(c) >= 0) return summed({c}, {b}, -x, x);
     if (x < -50) {
         dd term = 1, sum = 1;
+        double top = 1;
         for (int k = 0; k < 500; k++) {
             const dd next = term * (a + double(k)) * (dd(1) - c + double(k)) / (dd(k + 1.0) * -x);
             if (std::fabs(next.hi) > std::fabs(term.hi) && k > 2 && k > -a.hi && k > c.hi) break;
             term = next;
             sum += term;
-            if (std::fabs(term.hi) > 1e25) break;
+            top = std::fmax(top, std::fabs(term.hi));
+            if (top > 1e25) break;
             if (std::fabs(term.hi) > 1e-22 * std::fabs(sum.hi)) continue;
+            if (top > 1e12 * std::fabs(sum.hi)) break;
             int sb, sc;
             const dd e = ddloggamma(b, &sb) - ddloggamma(c, &sc) - a * ddlog(-x);
             return good({sum * double(sb * sc), 0}, e);

@@ -21,7 +21,7 @@ int64_t lastterm(const std::vector<dd>& a) {
 // What a pass over the series found.
 struct passresult {
     bool done = false;     // the terms ended or fell below the precision
-    bool overflow = false; // beyond the range of doubles
+    bool overflow = false; // beyond the range of 32 digits
     double highest = 0;    // log2 of the largest term or partial sum
     widevalue sum;
 };
@@ -37,7 +37,7 @@ double settled(const std::vector<dd>& a, const std::vector<dd>& b) {
 passresult ddpass(const std::vector<dd>& a, const std::vector<dd>& b, dd x, int64_t last, double calm) {
     passresult r;
     dd term = 1, sum = 1;
-    double top = 1;
+    double top = 1, before = 1;
     for (int64_t k = 0; k < MOSTTERMS; k++) {
         if (k == last) {
             r.done = true;
@@ -54,14 +54,15 @@ passresult ddpass(const std::vector<dd>& a, const std::vector<dd>& b, dd x, int6
             r.overflow = true;
             return r;
         }
-        if (k > calm && size < 1e-33 * std::fabs(sum.hi)) {
+        if (size == 0 || (k > calm && size < before && size < 1e-33 * std::fabs(sum.hi))) {
             r.done = true;
             break;
         }
-        if (size == 0 && k > calm) {
-            r.done = true;
-            break;
+        if (size < 1e-250) { // it may grow again, as after a lower parameter next to a pole
+            r.overflow = true;
+            return r;
         }
+        before = size;
     }
     r.highest = std::log2(top);
     r.sum = {sum, 0};
@@ -73,7 +74,7 @@ passresult bigpass(const std::vector<dd>& a, const std::vector<dd>& b, dd x, int
     passresult r;
     bigfloat term(1.0), sum(1.0);
     const bigfloat point(x);
-    int64_t top = 0;
+    int64_t top = 0, before = 0;
     for (int64_t k = 0; k < MOSTTERMS; k++) {
         if (k == last) {
             r.done = true;
@@ -85,10 +86,12 @@ passresult bigpass(const std::vector<dd>& a, const std::vector<dd>& b, dd x, int
         term = bigdiv(bigmul(term, point, width), down, width);
         sum = bigadd(sum, term, width);
         top = std::max({top, term.magnitude(), sum.magnitude()});
-        if (term.zero() || (k > calm && term.magnitude() < sum.magnitude() - 110)) {
+        if (term.zero() ||
+            (k > calm && term.magnitude() <= before && term.magnitude() < sum.magnitude() - 110)) {
             r.done = true;
             break;
         }
+        before = term.magnitude();
         if (top > 2 * MOSTBITS) return r;
     }
     r.highest = static_cast<double>(top);
@@ -263,7 +266,15 @@ bool taylorstep(const equation& e, dd x, dd y, dd h, std::vector<dd>& f) {
 } // namespace
 
 bool hypcontinue(const std::vector<dd>& a, const std::vector<dd>& b, dd x, dd oneminusx, widevalue* value) {
-    dd at = x.hi > 0 ? dd(0.75) : dd(-0.5), y = dd(1) - at;
+    // Errors grow like the other solutions at 0, x^(1-b): the way is made short enough for some 14 digits.
+    double power = 1;
+    for (const dd& p : a) power = std::max(power, std::fabs(p.hi));
+    for (const dd& p : b) power = std::max(power, std::fabs(p.hi) + 1);
+    const double nearest = 1 - 30 / power;
+    dd at = x.hi > 0 ? dd(std::max(0.75, nearest)) : dd(-std::max(0.5, std::min(nearest, 0.95)));
+    if (std::fabs(x.hi) < std::fabs(at.hi)) return hypersum(a, b, x, value);
+    if (power * std::log(x.hi / at.hi) > 32 || power > 1e5) return false;
+    dd y = dd(1) - at;
     const equation e(a, b);
     std::vector<dd> f(e.order);
     std::vector<dd> as = a, bs = b;

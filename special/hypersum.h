@@ -24,7 +24,8 @@ double widedouble(const widevalue& v, dd factor = 1, dd e = 0);
 bool hypersum(const std::vector<dd>& a, const std::vector<dd>& b, dd x, widevalue* sum);
 
 /* The function with p = q + 1 numerator parameters (2 or 3) continued from its circle along the real axis to
- * x below 1, by Taylor's series of its differential equation; 1 - x is given apart, exact for x near 1. */
+ * x below 1, by Taylor's series of its differential equation; 1 - x is given apart, exact for x near 1. False
+ * where the parameters are so large that errors would grow beyond the 32 digits. */
 bool hypcontinue(const std::vector<dd>& a, const std::vector<dd>& b, dd x, dd oneminusx, widevalue* value);
 
 // n for a parameter -n, n = 0, 1, ..; -1 for any other.

@@ -159,6 +159,8 @@ double betaterm(double a, double b, double x, double y) {
 double ibetaxy(double a, double b, double x, double y) {
     if (!(a >= 0 && b >= 0 && a + b > 0 && x >= 0 && y >= 0)) return outofrange("IBETA", 0);
     if (x == 0 || y == 0) return y == 0;
+    if (a < 1e-20 && b < 1e-20) return b / (a + b); // x^a and y^b are 1 for every double
+    if (a < 1e-100) return 1;
     if (a < 1e-290 || b < 1e-290 || b > 1e19 || a > 1e19) return betalimit(a, b, x, y);
     lastbeta.set(a, b);
     const double term = betatermof(lastbeta, x, y);

@@ -14,10 +14,10 @@ struct agmsteps {
     double a[most], b[most];
     double k() const { return PI / (a[n] + b[n]); } // the quarter period
 };
-agmsteps agm(double m) {
+agmsteps agm(double mc) { // mc = 1 - m
     agmsteps s;
     s.a[0] = 1;
-    s.b[0] = std::sqrt(1 - m);
+    s.b[0] = std::sqrt(mc);
     while (std::fabs(s.a[s.n] - s.b[s.n]) > 1e-8 * s.a[s.n] && s.n + 1 < agmsteps::most) {
         s.a[s.n + 1] = (s.a[s.n] + s.b[s.n]) / 2;
         s.b[s.n + 1] = std::sqrt(s.a[s.n] * s.b[s.n]);
@@ -45,12 +45,12 @@ jacobivalues bulirsch(double u, const agmsteps& s) {
     return {sn, c * sn, dn};
 }
 
-// The values for 0 <= m <= 1; *halfperiods counts the half periods 2K taken out of u.
-jacobivalues ordinary(double u, double m, double* halfperiods) {
+// The values for 0 <= m <= 1, mc = 1 - m; *halfperiods counts the half periods 2K taken out of u.
+jacobivalues ordinary(double u, double m, double mc, double* halfperiods) {
     *halfperiods = 0;
-    if (m == 1) return {std::tanh(u), 1 / std::cosh(u), 1 / std::cosh(u)};
+    if (mc == 0) return {std::tanh(u), 1 / std::cosh(u), 1 / std::cosh(u)};
     if (m == 0) return {std::sin(u), std::cos(u), 1};
-    const agmsteps s = agm(m);
+    const agmsteps s = agm(mc);
     const double period = 2 * s.k();
     *halfperiods = std::nearbyint(u / period);
     jacobivalues v = bulirsch(std::remainder(u, period), s);
@@ -63,9 +63,9 @@ jacobivalues ordinary(double u, double m, double* halfperiods) {
 
 // As ordinary for m <= 1; Abramowitz and Stegun 16.10 for m < 0.
 jacobivalues uptoone(double u, double m, double* halfperiods) {
-    if (m >= 0) return ordinary(u, m, halfperiods);
+    if (m >= 0) return ordinary(u, m, 1 - m, halfperiods);
     const double root = std::sqrt(1 - m);
-    const jacobivalues v = ordinary(u * root, -m / (1 - m), halfperiods);
+    const jacobivalues v = ordinary(u * root, -m / (1 - m), 1 / (1 - m), halfperiods);
     return {v.sn / (v.dn * root), v.cn / v.dn, 1 / v.dn};
 }
 
@@ -76,7 +76,7 @@ jacobivalues jacobiall(double u, double m) {
     double ignored;
     if (m <= 1) return uptoone(u, m, &ignored);
     const double root = std::sqrt(m); // Abramowitz and Stegun 16.11
-    const jacobivalues v = ordinary(u * root, 1 / m, &ignored);
+    const jacobivalues v = ordinary(u * root, 1 / m, (m - 1) / m, &ignored);
     return {v.sn / root, v.dn, v.cn};
 }
 
@@ -135,7 +135,7 @@ double jzeta(double u, double m) {
     if (!std::isfinite(u + m)) return NAN;
     if (m > 1) return outofrange("JZETA", 0);
     if (m == 1) return std::tanh(u);
-    const agmsteps s = agm(m);
+    const agmsteps s = agm(1 - m);
     double ignored;
     const jacobivalues v = uptoone(std::remainder(u, 2 * s.k()), m, &ignored);
     double phi = std::atan2(v.sn, v.cn), tangent = v.sn / v.cn;

@@ -53,10 +53,14 @@ double associated(double l, double m, double x, bool inverse) {
     return p.value();
 }
 
-// Any degree and order not a positive whole number, x > -1, by DLMF 14.3.1 and 14.3.6.
+// Any degree and order not a positive whole number, x > -1 or a whole degree, by DLMF 14.3.1 and 14.3.6.
 double fractional(double nu, double mu, double x) {
-    const double f = hgeof(-nu, nu + 1, 1 - mu, (1 - x) / 2);
-    return std::pow((1 + x) / std::fabs(1 - x), mu / 2) * f * rgamma(1 - mu);
+    const double scale = rgamma(1 - mu);
+    if (scale == 0 && mu < 0 && std::fabs(x) < 1) return 0; // the whole is smaller still
+    const double f = hgeof(-nu, nu + 1, 1 - mu, (1 - x) / 2) * scale, base = std::fabs((1 + x) / (1 - x));
+    const double sign = x < -1 ? paritysign(mu) : 1, power = std::pow(base, mu / 2);
+    if (power != 0 && std::isfinite(power)) return sign * power * f;
+    return std::copysign(std::exp(mu / 2 * std::log(base) + std::log(std::fabs(f))), sign * f);
 }
 
 // (-1)^m Gamma(nu+m+1)/Gamma(nu-m+1) = product of (k - nu)(nu + 1 + k), k < m
@@ -67,7 +71,7 @@ double orderfactor(double nu, double m) {
 }
 
 double anyorder(double nu, double mu, double x) {
-    if (x <= -1) return outofrange("ALEG", 0);
+    if (x == -1 || (x < -1 && !isinteger(nu))) return outofrange("ALEG", 0);
     if (x == 1) return mu == 0 ? 1 : mu > 0 && !isinteger(mu) ? outofrange("ALEG", MAXPOS) : 0;
     if (mu > 0 && isinteger(mu)) { // from the function of order -mu, DLMF 14.9.3, 14.9.13
         if (mu > 150) return outofrange("ALEG", 0);

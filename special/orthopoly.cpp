@@ -32,9 +32,14 @@ double jacobi1(double n, double a, double b, double x) {
     if (std::isnan(n + a + b + x)) return NAN;
     if (badorder("JACOBI1", n) || badparameters(!(a > -1 && b > -1))) return 0;
     if (n == 0) return 1;
-    // (a + 1) + (a + b + 2)(x - 1)/2, from the end that is nearer
-    scaledpair p{1, x > 0 ? (a + 1) + (a + b + 2) * ((x - 1) / 2) : (a + b + 2) * ((x + 1) / 2) - (b + 1)};
-    for (double k = 1; k < n; k++) { // DLMF 18.9.2
+    // the first two in 32 digits: for a and b next to -1 they cancel
+    const dd c1 = ddsum(a, b) + 2.0, first = ddsum(a, 1) + c1 * ddsum(x, -1) * 0.5;
+    if (n == 1) return capped("JACOBI1", first.hi);
+    const dd middle = c1 * (c1 + 2.0) * x + ddsum(a, -b) * ddsum(a, b);
+    const dd second =
+        ((c1 + 1.0) * middle * first - ddsum(a, 1) * ddsum(b, 1) * (c1 + 2.0) * 2.0) / (c1 * c1 * 4.0);
+    scaledpair p{first.hi, second.hi};
+    for (double k = 2; k < n; k++) { // DLMF 18.9.2
         const double c = 2 * k + a + b;
         const double next = (c + 1) * ((c * (c + 2)) * x + (a - b) * (a + b)) * p.now -
                             2 * (k + a) * (k + b) * (c + 2) * p.last;
@@ -66,7 +71,7 @@ double gegenp(double n, double a, double x) {
     if (a == 0) return 2 * cheb1(n, x) / n;
     scaledpair c{1, 2 * a * x};
     for (double k = 1; k < n; k++) // DLMF 18.9.1
-        c.step((2 * (k + a) * x * c.now - (k + 2 * a - 1) * c.last) / (k + 1));
+        c.step((2 * (k + a) * x * c.now - (2 * a + (k - 1)) * c.last) / (k + 1));
     return capped("GEGENP", c.value());
 }
 
@@ -81,10 +86,25 @@ double twoterm(double n, double x, double first) { // f(k+1) = 2x f(k) - f(k-1) 
     return p.value();
 }
 
+double signofpower(double x, double n) { return x < 0 ? paritysign(n) : 1; }
 // The angle of x = cos(t) in [0, pi], and t >= 0 of |x| = cosh(t).
 double angleof(double x) { return std::atan2(std::sqrt((1 - x) * (1 + x)), x); }
+// cos(n t) and sin(n t) for whole n and |x| <= 1; where x is small t is pi/2 - asin(x), whose first part
+// turns by right angles.
+void turned(double n, double x, double* c, double* s) {
+    if (std::fabs(x) > 0.6) {
+        const double t = n * angleof(std::fabs(x)), sign = signofpower(x, n);
+        *c = sign * std::cos(t);
+        *s = (x < 0 ? -sign : 1) * std::sin(t);
+        return;
+    }
+    const double t = n * std::asin(x), sine = std::sin(t), cosine = std::cos(t);
+    const int quarter = static_cast<int>(std::fmod(n, 4));
+    const double cosines[] = {cosine, sine, -cosine, -sine}, sines[] = {-sine, cosine, sine, -cosine};
+    *c = cosines[quarter];
+    *s = sines[quarter];
+}
 double coshangle(double x) { return 2 * std::asinh(std::sqrt((std::fabs(x) - 1) / 2)); }
-double signofpower(double x, double n) { return x < 0 ? paritysign(n) : 1; }
 
 bool badwhole(double n) { // the Chebyshev polynomials reach any order
     if (isinteger(n) && n >= 0) return false;
@@ -98,7 +118,11 @@ double cheb1(double n, double x) {
     if (std::isnan(n + x)) return NAN;
     if (badwhole(n)) return 0;
     if (n <= SHORT) return capped("CHEB1", twoterm(n, x, x));
-    if (std::fabs(x) <= 1) return std::cos(n * angleof(x));
+    double c, s;
+    if (std::fabs(x) <= 1) {
+        turned(n, x, &c, &s);
+        return c;
+    }
     return capped("CHEB1", signofpower(x, n) * std::cosh(n * coshangle(x)));
 }
 
@@ -108,8 +132,9 @@ double cheb2(double n, double x) {
     if (n <= SHORT) return capped("CHEB2", twoterm(n, x, 2 * x));
     if (std::fabs(x) == 1) return signofpower(x, n) * (n + 1);
     if (std::fabs(x) < 1) {
-        const double t = angleof(std::fabs(x));
-        return signofpower(x, n) * (std::sin((n + 1) * t) / std::sin(t));
+        double c, s;
+        turned(n + 1, x, &c, &s);
+        return s / std::sqrt((1 - x) * (1 + x));
     }
     const double t = coshangle(x);
     return capped("CHEB2", signofpower(x, n) * (std::sinh((n + 1) * t) / std::sinh(t)));

@@ -126,6 +126,7 @@ def ellipticrows():
     n = [0.3, 0.999, -0.5, -3.3, -500, -1e5]
     out += rows("ELLIPPI", m.ellippi, grid(n, [0.3, 0.99999, -0.7, -40]))
     out += rows("ELLIPPI", lambda n, k: m.ellipk(k) - m.ellippi(k / n, k), [(1.5, 0.3), (7, -2), (1.01, 0.99)])
+    out += rows("ELLIPPI", m.ellippi, [(-2.69, -2.6900000001), (-40, -39.99), (-1e6, -1e6 + 1), (-5, -3), (-1e9, -1e8)])
     out += rows("ELLIPPIINC", m.ellippi, grid(n, [0.3, -1.2, 4.4], [0.3, 0.99999, -0.7]) + [(1.1, 0.7, 0.5)])
 
     def principal(n, p, k):  # Abramowitz and Stegun 17.7.7
@@ -141,6 +142,10 @@ def ellipticrows():
         out += rows("JACOBI" + kind.upper(), fun(kind), grid(u, k))
     for kind in ("ns", "nc", "nd", "sc", "sd", "cs", "cd", "ds", "dc"):
         out += rows("JACOBI" + kind.upper(), fun(kind), grid([0.4, -1.1, 7.7, 0.02, 3.3], [0.1, 0.95, -0.6, 1.3]))
+
+    with mp.workdps(60):
+        for kind in ("sn", "cn", "dn"):
+            out += rows("JACOBI" + kind.upper(), fun(kind), [(1.2, -3e7), (-0.03, -6.7e7), (0.7, 5e5), (2.5, -1e5)])
 
     def amplitude(u, k):
         period = 2 * m.ellipk(k)
@@ -173,6 +178,9 @@ def hypergeorows():
     out += rows("HGEOF", f21, [(-5, 3.3, 0.7, 4), (-40, 41, 1, 0.3), (2, 3, 3, 0.5), (1.5, 2, 0.5, -7), (0.5, 0.5, 3, 1)])
     out += rows("HGEOF", f21, [(30, -22.5, 0.4, 0.7), (12.5, 30.1, -7.7, 0.4), (-2, 3, -5, 0.3), (100.3, 60, 150, 0.95)])
     out += rows("HGEOF", f21, [(1, 1 + 1e-9, 2, 0.999), (0.25, 1.25, 2.5, -1e8), (2.5, 2.5, 1.5, 0.5)])
+    with mp.workdps(300):  # a lower parameter far below 0
+        far = [(0.00027, 2e-5, -438.6, -13.88), (-8.33, 0.0004, -299.28, -349.6), (-1.5e-5, 0.827, -99.34, 0.741)]
+        out += rows("HGEOF", f21, far + [(-0.25, -117.52, -0.666, 0.99998), (30.5, 20.25, 60.5, 0.9999)])
     f32 = lambda *a: m.hyp3f2(*a)
     p32 = [(0.5, 1, 1.5, 2, 2.5), (1, 2, 3, 4, 5.5), (-0.7, 1.1, 3, 2.2, 6), (0.3, 0.3, 0.3, 1.1, 1.2)]
     out += rows("GHGEOF", f32, [p + (v,) for p in p32 for v in [0.5, -0.7, 0.95, -20, -1]])
@@ -181,6 +189,8 @@ def hypergeorows():
     out += rows("GHGEOF", f32, [(-4, 2, 3, 1.5, 0.2, 9), (1, 2, 3, 4, 3, 0.5), (-20, 21, 0.5, 1, 1, 0.9)])
     f11 = lambda a, b, v: m.hyp1f1(a, b, v)
     out += rows("CHM", f11, grid([0.5, 2, -1.3, -6], [1, 2.5, -0.4], [0.7, -3, 30, -45, -300]))
+    with mp.workdps(1500):
+        out += rows("CHM", f11, [(201.06, 472.53, -1422), (291.6, 1221.2, -2688.9), (30, 75.5, -160)])
     u = lambda a, b, v: m.hyperu(a, b, v)
     out += rows("CHU", u, grid([0.3, 1, 4.4, -2.2, -3, 30], [0.5, 1, 3, -2.7, 12.2], [0.05, 1.3, 9, 120]))
     out += rows("CHU", u, [(-0.5, 2 + 1e-10, 3), (-30.5, 4, 11), (0.01, 40, 2), (2, -3, 1e-9), (1.5, 0.5, 1e5), (0.5, 0.2, 0)])
@@ -214,11 +224,18 @@ def orthopolyrows():
     jacobi = lambda n, a, b, v: m.jacobi(int(n), a, b, v)
     with mp.workdps(120):
         out += rows("JACOBI1", jacobi, grid([0, 1, 2, 5, 40], [0.5, -0.8, 3], [0, 1.7], x), inexact=(1, 2, 3))
+        edge = [-1 + 1e-12, -1 + 3e-14]
+        out += rows("JACOBI1", jacobi, grid([1, 2, 3, 6], edge, edge, [0.56, -0.9]), inexact=(3,))
         monic = lambda n, p, q, v: m.factorial(n) * m.gamma(n + p) / m.gamma(2 * n + p) * jacobi(n, p - q, q - 1, 2 * v - 1)
         out += rows("JACOBI2", monic, grid([1, 2, 5, 40], [1.5, 3], [0.7, 2], [0.1, 0.6, 0.99, 1.3]), inexact=(1, 2, 3))
     gegenbauer = recurrence(lambda n, a, v: 2 * a * v, lambda k, p, q, n, a, v: (2 * (k + a) * v * p - (k + 2 * a - 1) * q) / (k + 1))
     out += rows("GEGENP", gegenbauer, grid(n, [0.5, -0.3, 4], x), inexact=(1, 2))
     out += rows("GEGENP", lambda n, a, v: 2 * m.chebyt(int(n), v) / n, [(5, 0, 0.3), (12, 0, -0.7)], inexact=(2,))
+    out += rows("GEGENP", gegenbauer, grid([2, 5, 25], [4e-12, -1e-14], [0.62, -0.3]), inexact=(2,))
+    angle = lambda n, v: m.cos(n * m.acos(v))
+    sines = lambda n, v: m.sin((n + 1) * m.acos(v)) / m.sin(m.acos(v))
+    steep = [(1e6, 1e-5), (2945, 0.005), (4074155, -4.7e-6), (24133, -0.015), (777, 1e-9), (1002, 0.61), (1003, -0.7)]
+    out += rows("CHEB1", angle, steep, inexact=(1,)) + rows("CHEB2", sines, steep, inexact=(1,))
     out += rows("CHEB1", lambda n, v: m.chebyt(int(n), v), grid(n, x), inexact=(1,))
     out += rows("CHEB2", recurrence(lambda n, v: 2 * v, lambda k, p, q, n, v: 2 * v * p - q), grid(n, x), inexact=(1,))
     far = [-3, 0.45, 6.6, 35, 300]
@@ -250,6 +267,7 @@ def orthopolyrows():
     args = [a + (v,) for a in orders for v in x]
     out += rows("ALEG", legendre, args + [(l, -k, v) for l, k, v in args], inexact=(2,))
     out += rows("ALEG", nonwhole, grid([0.5, 3.3], [0.5, -1.2, 2, -2], [-0.7, 0.2, 2.5]) + [(2, 0.5, 0.3)], inexact=(0, 2))
+    out += rows("ALEG", nonwhole, [(3, -5, 0.4), (2, -90, -0.9), (5, -8, 2.5)], inexact=(2,))
     out += rows("PLEM", legendre, args, inexact=(2,))
 
     def slope(l, k, v):
