@@ -18,6 +18,7 @@ tools_for_build() {
   missing g++ g++
   missing cmake cmake
   missing ninja-build ninja
+  [ -e /usr/include/cairo/cairo.h ] || packages="$packages libcairo2-dev"
   install_packages
 }
 
@@ -25,6 +26,7 @@ tools_for_tests() {
   packages=""
   missing python3 python3
   missing clang clang++
+  missing ghostscript gs
   [ -e /usr/include/gtest/gtest.h ] || packages="$packages libgtest-dev"
   install_packages
 }

@@ -135,15 +135,19 @@ int DINI(const char* device, int* colours, const char* file, double width, doubl
 
 void DQUIT(int flag) {
     if (vl.device < 0) return;
+    // The library starts anew also when the end of the output fails.
+    struct restart {
+        ~restart() {
+            vlstate fresh;
+            fresh.handler = vl.handler;
+            fresh.strokefontfile = vl.strokefontfile;
+            fresh.bitmapfontfile = vl.bitmapfontfile;
+            vl = std::move(fresh);
+            cachediscard();
+        }
+    } atend;
     vlflushall();
     closedevice(flag);
-    // The handler and the font files stay for the next device.
-    vlstate fresh;
-    fresh.handler = vl.handler;
-    fresh.strokefontfile = vl.strokefontfile;
-    fresh.bitmapfontfile = vl.bitmapfontfile;
-    vl = std::move(fresh);
-    cacheshutdown();
 }
 
 void DGET(vlpatch* patch, int flag) {

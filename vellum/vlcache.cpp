@@ -344,6 +344,13 @@ void cacheshutdown() {
     cache = cachepool{};
 }
 
+void cachediscard() {
+    for (int file = 1; file <= cache.nfiles; file++) {
+        if (cache.files[size_t(file)].used) letgo(file);
+    }
+    cache = cachepool{};
+}
+
 vlcachefile::~vlcachefile() {
     if (file > 0 && file <= cache.nfiles && cache.files[size_t(file)].used) letgo(file);
 }

@@ -25,6 +25,7 @@ uint32_t cachesize(int file);
 void cacheinhibit(int file, int n);
 void resizebufferpool(int npages);
 void cacheshutdown(); // writes and closes everything and frees the pool
+void cachediscard();  // closes everything without writing and frees the pool
 
 // Closes a file on the way out, also when an error is thrown.
 struct vlcachefile {

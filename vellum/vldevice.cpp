@@ -69,6 +69,12 @@ const vldeviceops* vldeviceoperations(int number) {
     case VLPSL:
     case VLPSH: return vlpostscriptoperations();
     case VLMEM: return vlmemoryoperations();
+    case VLPNGL:
+    case VLPNGP:
+    case VLSVGL:
+    case VLSVGP:
+    case VLPDFL:
+    case VLPDFP: return vlcairooperations(number);
     default: return nullptr;
     }
 }

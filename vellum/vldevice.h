@@ -77,6 +77,7 @@ struct vldeviceops {
     int (*qev)(int op, vlevent* event, int mode, int wait, int flushop);
     size_t maxpolygon; // most points of one polygon, 0: no bound
     bool raster;       // pixels are dots on a screen: the outermost pixel centres are the ends of the scale
+    bool anydepth;     // writepatch takes pixels of every depth
 };
 
 // The operations of a device, null for a row that has none.
@@ -85,6 +86,6 @@ const vldeviceops* vldeviceoperations(int number);
 void vlsetdeviceoperations(int number, const vldeviceops* ops);
 
 // Implemented in the file of each device.
-const vldeviceops* vlpostscriptoperations(); // vlpostscript.cpp: 8, 9, 10
-const vldeviceops* vlmemoryoperations();     // vlmemory.cpp: 20
-const vldeviceops* vlcairooperations();      // cairodevice.cpp: 21 to 26
+const vldeviceops* vlpostscriptoperations();      // vlpostscript.cpp: 8, 9, 10
+const vldeviceops* vlmemoryoperations();          // vlmemory.cpp: 20
+const vldeviceops* vlcairooperations(int number); // cairodevice.cpp: 21 to 26; null without cairo

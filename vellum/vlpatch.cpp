@@ -88,8 +88,7 @@ void putondevice(vlpatch* target, int x, int y, int w, int h, const uint8_t* bit
     vlcursorhold hold;
     x += target->offx;
     y += target->offy;
-    // A page takes an image of any depth; a screen one of its own.
-    if (vl.ops->writepatch && (depth == target->depth || !vl.ops->raster)) {
+    if (vl.ops->writepatch && (depth == target->depth || vl.ops->anydepth)) {
         return vl.ops->writepatch(x, y, w, h, w, h, bits, depth, transparent, 0);
     }
     if (!vl.ops->setpixel) return;

@@ -1,11 +1,11 @@
 #include "vellum/vldraw.h"
+#include "vellum/vlnative.h"
 #include "vellum/vlpath.h"
 #include "vellum/vlraster.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <numbers>
 #include <string>
 
 namespace {
@@ -191,28 +191,12 @@ void psreadpatch(uint8_t*, int, int, int, int, int) {
     vlerror("%%%%psreadpatch: should not be called (not implemented)!");
 }
 
-double textangle(double a, double b, double length) {
-    constexpr double degrees = 180 / std::numbers::pi;
-    if (a >= 0) return std::asin(b / length) * degrees;
-    if (b < 0) return std::atan2(b, a) * degrees;
-    return std::acos(a / length) * degrees;
-}
-
-double pointsize(double size) {
-    if (size > 40) return size * 0.4;
-    if (size > 18) return size * 0.5714285714;
-    if (size > 10) return size * 0.8;
-    return size;
-}
-
 void psdrawtext(const vlnativetext& text) {
-    const double a = text.m[0], b = text.m[2], length = std::hypot(a, b);
-    if (!ps() || !(length > 0) || !std::isfinite(length)) return;
+    if (!ps() || vlnativelength(text) == 0) return;
     setcolour(text.fg);
     VLPathMoveTo(&ps()->path, float(text.x), float(text.y));
-    const double size = std::max(pointsize(text.size * 550 * length), 1.0);
-    VLPathText(&ps()->path, -text.font, float(size), float(textangle(a, b, length)), float(1 / unit),
-               {text.text, text.length});
+    VLPathText(&ps()->path, -text.font, float(vlnativepoints(text)), float(vlnativeangle(text)),
+               float(1 / unit), {text.text, text.length});
 }
 
 // Some rows of some columns of a patch as an image, 24 bits a pixel.
@@ -279,6 +263,7 @@ constexpr vldeviceops operations = [] {
     ops.endpage = psendpage;
     ops.polygon = pspolygon;
     ops.maxpolygon = vlpathmostpoints;
+    ops.anydepth = true;
     return ops;
 }();
 

@@ -1,0 +1,10 @@
+/* vellum/vlnative.h - the size and direction of native text, the same on every page device.
+ * Owns:    nothing. Callers: the devices. Never:   draws. */
+#pragma once
+
+#include "vellum/vldevice.h"
+
+// The length of the text's direction vector; 0 when it has none to be drawn in.
+double vlnativelength(const vlnativetext& text);
+double vlnativepoints(const vlnativetext& text); // at least 1
+double vlnativeangle(const vlnativetext& text);  // degrees
