@@ -138,6 +138,7 @@ void DQUIT(int flag) {
     // The library starts anew also when the end of the output fails.
     struct restart {
         ~restart() {
+            vl.fonts.reset(); // its glyphs are pictures
             vlstate fresh;
             fresh.handler = vl.handler;
             fresh.strokefontfile = vl.strokefontfile;

@@ -49,25 +49,6 @@ void unlinkpatch(vlpatch* patch) {
     *link = patch->sibling;
 }
 
-// A copy of some pixels of a patch, packed; device pixels come through its own operation.
-std::unique_ptr<uint8_t[]> copyout(const vlpatch* patch, int x, int y, int w, int h) {
-    auto bits = vlbigalloc(vlbitsize(w, h, patch->depth));
-    const vlpatch* root = vlrootof(patch);
-    if (!(root->flags & VLMEMORY)) {
-        if (!vl.ops || !vl.ops->readpatch) vlerror("VELLUM: unsupported display mode requested");
-        vl.ops->readpatch(bits.get(), patch->offx + x, patch->offy + y, w, h, patch->depth);
-        return bits;
-    }
-    for (int row = 0; row < h; row++) {
-        const size_t from = size_t(patch->offy + y + row) * size_t(root->stride) + size_t(patch->offx + x);
-        for (int i = 0; i < w; i++) {
-            vlputpixel(bits.get(), size_t(row) * size_t(w) + size_t(i), patch->depth,
-                       vlgetpixel(root->bits.get(), from + size_t(i), patch->depth));
-        }
-    }
-    return bits;
-}
-
 void putinmemory(vlpatch* target, int x, int y, int w, int h, const uint8_t* bits, int depth,
                  int64_t transparent) {
     vlpatch* root = vlrootof(target);
@@ -112,6 +93,24 @@ uint32_t rasterop(int op, uint32_t s, uint32_t d) {
 
 } // namespace
 
+std::unique_ptr<uint8_t[]> vlcopyout(const vlpatch* patch, int x, int y, int w, int h) {
+    auto bits = vlbigalloc(vlbitsize(w, h, patch->depth));
+    const vlpatch* root = vlrootof(patch);
+    if (!(root->flags & VLMEMORY)) {
+        if (!vl.ops || !vl.ops->readpatch) vlerror("VELLUM: unsupported display mode requested");
+        vl.ops->readpatch(bits.get(), patch->offx + x, patch->offy + y, w, h, patch->depth);
+        return bits;
+    }
+    for (int row = 0; row < h; row++) {
+        const size_t from = size_t(patch->offy + y + row) * size_t(root->stride) + size_t(patch->offx + x);
+        for (int i = 0; i < w; i++) {
+            vlputpixel(bits.get(), size_t(row) * size_t(w) + size_t(i), patch->depth,
+                       vlgetpixel(root->bits.get(), from + size_t(i), patch->depth));
+        }
+    }
+    return bits;
+}
+
 const vlpatch* vlrootof(const vlpatch* patch) {
     while (patch->parent) patch = patch->parent;
     return patch;
@@ -121,8 +120,9 @@ vlpatch* DPATCH(vlpatch* parent, int x, int y, int w, int h, int depth, const ui
     if (!parent) return vladdpatch(memorypatch(w, h, depth, bits));
     vlcheckpatch(parent, "DPATCH");
     vlpatch* patch = vladdpatch(childpatch(parent, x, y, w, h));
-    patch->sibling = parent->child;
-    parent->child = patch;
+    vlpatch** last = &parent->child;
+    while (*last) last = &(*last)->sibling;
+    *last = patch;
     return patch;
 }
 
@@ -175,7 +175,7 @@ uint32_t DPIXEL(vlpatch* patch, int x, int y, uint32_t value, uint32_t mask) {
     vlpatch* root = vlrootof(patch);
     const bool memory = root->flags & VLMEMORY;
     if (!memory && (!vl.ops || !vl.ops->readpatch)) vlerror("VELLUM: unsupported display mode requested");
-    const uint32_t old = vlgetpixel(copyout(patch, x, y, 1, 1).get(), 0, patch->depth);
+    const uint32_t old = vlgetpixel(vlcopyout(patch, x, y, 1, 1).get(), 0, patch->depth);
     if (mask == 0) return old;
     const uint32_t pixel = (old & ~mask) | (value & mask);
     if (memory) {
@@ -196,7 +196,7 @@ void DSETPATCH(vlpatch* target, vlpatch* source, int x, int y, int64_t transpare
     const int64_t y0 = std::max(y, 0), y1 = std::min<int64_t>(int64_t(y) + source->h, target->h);
     if (x0 >= x1 || y0 >= y1) return;
     const int w = int(x1 - x0), h = int(y1 - y0);
-    const auto bits = copyout(source, int(x0 - x), int(y0 - y), w, h);
+    const auto bits = vlcopyout(source, int(x0 - x), int(y0 - y), w, h);
     if (inmemory(target)) {
         putinmemory(target, int(x0), int(y0), w, h, bits.get(), source->depth, transparent);
     } else {
@@ -211,7 +211,7 @@ void DDOPS(vlpatch* patch, int opcode, int operand) {
     if (disabled(patch)) return;
     const uint32_t s = vlpixelof(operand, patch->depth);
     const size_t count = size_t(patch->w) * size_t(patch->h);
-    const auto bits = copyout(patch, 0, 0, patch->w, patch->h);
+    const auto bits = vlcopyout(patch, 0, 0, patch->w, patch->h);
     for (size_t i = 0; i < count; i++) {
         vlputpixel(bits.get(), i, patch->depth, rasterop(opcode, s, vlgetpixel(bits.get(), i, patch->depth)));
     }

@@ -19,26 +19,10 @@ void leavelist(vlpicture* p) {
     p->next = p->prev = nullptr;
 }
 
-// Takes its place for its state: the posted ones ascend by priority, a new one before its equals.
-void joinlist(vlpicture* p) {
-    vlpicture** link = &headof(p);
-    vlpicture* before = nullptr;
-    if (link == &vl.posted) {
-        while (*link && (*link)->priority < p->priority) {
-            before = *link;
-            link = &before->next;
-        }
-    }
-    p->prev = before;
-    p->next = *link;
-    if (p->next) p->next->prev = p;
-    *link = p;
-}
-
 void setstate(vlpicture* p, int state) {
     leavelist(p);
     p->state = int16_t(state);
-    joinlist(p);
+    vljoinlist(p);
 }
 
 bool isposted(const vlpicture* p) { return p->state == 0 || p->state == 2; }
@@ -86,11 +70,27 @@ bool enabled() { return vl.patch && !(vlrootof(vl.patch)->flags & VLDISABLED); }
 vlpicture* newpicture(int state) {
     vlpicture* p = vladdpicture(std::make_unique<vlpicture>());
     p->state = int16_t(state);
-    joinlist(p);
+    vljoinlist(p);
     return p;
 }
 
 } // namespace
+
+// The posted ones ascend by priority, a new one before its equals.
+void vljoinlist(vlpicture* p) {
+    vlpicture** link = &headof(p);
+    vlpicture* before = nullptr;
+    if (link == &vl.posted) {
+        while (*link && (*link)->priority < p->priority) {
+            before = *link;
+            link = &before->next;
+        }
+    }
+    p->prev = before;
+    p->next = *link;
+    if (p->next) p->next->prev = p;
+    *link = p;
+}
 
 vlpicture* DNEWPIC() {
     DCLOSEPIC();
@@ -140,7 +140,7 @@ void DPRIORITY(vlpicture* picture, double priority) {
     vlcheckpicture(picture, "DPRIORITY");
     leavelist(picture);
     picture->priority = priority == priority ? priority : 0;
-    joinlist(picture);
+    vljoinlist(picture);
 }
 
 void DPOST(vlpicture* picture, int colour) {

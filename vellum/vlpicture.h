@@ -53,7 +53,8 @@ struct vlhandles {
 };
 vlpicture* vladdpicture(std::unique_ptr<vlpicture> picture); // gives it a handle
 vlpatch* vladdpatch(std::unique_ptr<vlpatch> patch);
-void vldrophandle(uint32_t handle); // destroys what it stands for
+void vljoinlist(vlpicture* picture); // takes its place for its state in one of the three lists
+void vldrophandle(uint32_t handle);  // destroys what it stands for
 // A handle of the client's that is not in the table stops with the name of the call.
 void vlcheckpicture(const vlpicture* picture, const char* call);
 void vlcheckpatch(const vlpatch* patch, const char* call);

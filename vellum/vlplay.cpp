@@ -25,6 +25,8 @@ struct place {
 
 constexpr double unit2[4] = {1, 0, 0, 1};
 constexpr int deepest = 64; // calls within calls
+constexpr size_t mostwords =
+    200000000; // of one play: pictures that call each other twice and twice again end here
 
 // The colour of the client comes back after a picture, also when the device throws.
 struct keepcolour {
@@ -35,6 +37,7 @@ struct keepcolour {
 struct player {
     const double* box; // normal: what may be drawn
     int depth = 0;
+    size_t words = 0;
 
     void play(const vlpicture& picture, const place& where);
 };
@@ -139,9 +142,14 @@ void playing::nativetext() {
 }
 
 void playing::bitmaptext() {
-    walk.next();
-    walk.next();
-    bytes(walk.next() & 0xffff);
+    const auto high = [](uint32_t word) { return int(int16_t(word >> 16)); };
+    const auto low = [](uint32_t word) { return int(int16_t(word)); };
+    const uint32_t space = walk.next(), colours = walk.next(), head = walk.next();
+    const std::string s = bytes(head & 0xffff);
+    const vlpoint n = where.of(x, y), p = vltopixel(n.x, n.y);
+    if (!(std::fabs(p.x) < 1e6 && std::fabs(p.y) < 1e6)) return;
+    vlplaybitmaptext({s, int(std::lrint(p.x)), int(std::lrint(p.y)), high(colours), low(colours), high(head),
+                      high(space), low(space)});
 }
 
 void playing::control(uint32_t word) {
@@ -169,6 +177,7 @@ void player::play(const vlpicture& picture, const place& where) {
     playing now{*this, vlwords(picture), where};
     while (now.walk.more()) {
         const uint32_t word = now.walk.next();
+        if (++words > mostwords) vlerror("VELLUM: pictures call each other too often");
         if ((word & VLCONTROLWORD) == VLCONTROLWORD) {
             now.control(word);
         } else {

@@ -21,6 +21,9 @@ struct vlpatchview {
     }
 };
 
+// A copy of some pixels of a patch, packed; those of a device come through its own operation.
+std::unique_ptr<uint8_t[]> vlcopyout(const vlpatch* patch, int x, int y, int w, int h);
+
 // A line or a dot in the root of the target; a line in the current colour.
 void vlpixelline(vlpatch* target, double x0, double y0, double x1, double y1);
 void vlpixeldot(vlpatch* target, double x, double y, int colour);
