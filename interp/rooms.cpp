@@ -18,6 +18,7 @@
 #include "interp/process.h"
 #include "interp/session.h"
 #include "interp/textcalls.h"
+#include "plot/display.h"
 #include "plot/plotobj.h"
 #include "solvers/start.h"
 #include "values/harray.h"
@@ -39,6 +40,7 @@ void roomsstart() {
     solversstart();
     evalstart();
     plotobjstart();
+    displaystart();
     dofilesreset();
     editing = editstate{};
     processstart();
@@ -48,4 +50,5 @@ void roomsstart() {
     datafilesstart();
     textcallsstart();
     toclausestart();
+    upper.indofile = [] { return !typedbyhand(); };
 }

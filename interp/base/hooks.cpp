@@ -24,6 +24,7 @@ void hooksreset() {
     upper.runstatement = [](const char*) {};
     upper.usequietly = [](const char*) {};
     upper.redraw = [] {};
+    upper.indofile = [] { return false; };
     upper.closeplot = [] {};
     upper.shutdowngraphics = [] {};
     upper.nformatchanged = [](const char*) {};

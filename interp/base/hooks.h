@@ -33,6 +33,7 @@ struct upperhooks {
     void (*runstatement)(const char* text);    // runs one statement's text now (definitions from save files)
     void (*usequietly)(const char* file);      // USE of a start-up file, without a word if it is missing
     void (*redraw)();                          // automatic redraw after plot objects changed
+    bool (*indofile)();                        // statements come from a do-file, not from the keyboard
     void (*closeplot)();                       // a printer device is open when control-C comes
     void (*shutdowngraphics)();
     void (*nformatchanged)(const char* text);

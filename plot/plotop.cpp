@@ -1,0 +1,161 @@
+// PLOT: the same drawing on a page of its own, in a file.
+#include "interp/base/operand.h"
+#include "interp/base/parser.h"
+#include "interp/base/report.h"
+#include "plot/askuser.h"
+#include "plot/colors.h"
+#include "plot/display.h"
+#include "plot/plotobj.h"
+#include "plot/scene.h"
+#include "values/harray.h"
+#include "vellum/vellum.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <string>
+
+namespace {
+
+struct plotdevice {
+    const char* name;
+    const char* extension;
+    inkmode ink;
+    const char* device; // of the library
+};
+constexpr plotdevice devices[] = {
+    {"PSCL", "ps", INKPAPER, "PSL"},  {"PSL", "ps", INKMONO, "PSL"},    {"PSCP", "ps", INKPAPER, "PSP"},
+    {"PSCPX", "ps", INKEXACT, "PSP"}, {"PSCLX", "ps", INKEXACT, "PSL"}, {"PSP", "ps", INKMONO, "PSP"},
+    {"LJ2L", "lj", INKMONO, "LJ2L"},  {"LJ2P", "lj", INKMONO, "LJ2P"},  {"PNG", "png", INKPAPER, "PNGL"},
+    {"SVG", "svg", INKPAPER, "SVGL"}, {"PDF", "pdf", INKPAPER, "PDFL"},
+};
+
+const plotdevice& chosendevice() {
+    const int idx = symtablookup("PLOTDEV");
+    std::string name;
+    if (idx >= 0 && isstringtype(idx)) {
+        char* text = static_cast<char*>(sym(idx).val.ptr);
+        for (char* c = text; c && *c; c++) *c = char(toupper(static_cast<unsigned char>(*c)));
+        name = stringval(idx);
+    }
+    for (const plotdevice& row : devices)
+        if (name == row.name) return row;
+    tarnerror("PLOT: illegal PLOTDEV value. Use PSL,PSP,PSCL(X),PSCP(X), LJ2P, or LJ2L");
+}
+
+bool fileexists(const std::string& path) {
+    std::error_code failure;
+    return std::filesystem::exists(path, failure);
+}
+
+std::string newfilename(const char* extension) {
+    for (;;) {
+        std::string path = "tarnp" + std::to_string(++display.plotfile) + "." + extension;
+        if (!fileexists(path)) return path;
+    }
+}
+
+// May this file be written? One that is there goes only if the user says so, or has set PLOTOVER.
+bool mayoverwrite(const std::string& path) {
+    if (!fileexists(path)) return true;
+    if (symtabscalar("PLOTOVER", 0) == 0) {
+        static constexpr userchoice choices[] = {{'*', "keep existing file"}, {'R', "overwrite"}};
+        const std::string text = "file " + path + " already exists.";
+        if (askuser("Plot", text.c_str(), choices, 2) == 0) {
+            tarnwarn("file %s already exists and is kept", path.c_str());
+            return false;
+        }
+    }
+    std::error_code failure;
+    if (!std::filesystem::is_regular_file(path, failure) || !std::filesystem::remove(path, failure))
+        tarnerror("PLOT: file %s cannot be overwritten", path.c_str());
+    return true;
+}
+
+std::string plotfilename(const plotdevice& device) {
+    if (clause.insym <= 0) return newfilename(device.extension);
+    const char* name = isstringtype(clause.insym) ? stringval(clause.insym) : sym(clause.insym).name;
+    return bindname(name, report.filedir.c_str(), device.extension);
+}
+
+/* The whole picture fits on the page: a tall screen on a wide page by its height, a wide screen on a tall
+ * page by its width. It is never enlarged. */
+double pagescale(const vldevice& page) {
+    return std::min({1.0, page.xaspect / screen.aspectx, page.yaspect / screen.aspecty});
+}
+
+/* The device of a plot, open while this lives. Whatever happens, the screen comes back behind it as it was; a
+ * file that was not finished is taken away. */
+class plotpage {
+public:
+    plotpage(const plotdevice& device, std::string file)
+        : path(std::move(file)), wasactive(display.viewactive) {
+        colorskeep();
+        DQUIT(0);
+        display.viewactive = false;
+        display.plotname = device.name;
+        open(device);
+    }
+    ~plotpage() {
+        try {
+            restoreview();
+        } catch (const recoveryjump&) {} // told; the first error is the one that counts
+        std::error_code failure;
+        if (!finished) std::filesystem::remove(path, failure);
+    }
+    plotpage(const plotpage&) = delete;
+    plotpage& operator=(const plotpage&) = delete;
+    void finish() {
+        DFLUSH();
+        DQUIT(0); // what fails here is an error of PLOT
+        finished = true;
+    }
+
+private:
+    void open(const plotdevice& device) {
+        displayerrors();
+        DSETFONTPATH(report.tarnpath.c_str());
+        int ncolors = 0;
+        if (!DDEVICE(device.device) || !DINI(device.device, &ncolors, path.c_str(), 0, 0, 0, 0)) {
+            restoreview();
+            tarnerror("PLOT: this build has no device for %s", device.name);
+        }
+        colors.ink = device.ink;
+        colors.top = ncolors - 1;
+        scene.plotscale = pagescale(*DDEVICE(nullptr));
+        scene.backgrounds = false;
+        DGET(DSCREENPATCH(), 1);
+        DLINEWIDTH(symtabscalar("PSLINEW", 0.5));
+    }
+    void restoreview() {
+        DQUIT(0);
+        scene.plotscale = 1;
+        scene.backgrounds = true;
+        colors = colorstate{};
+        display.plotname.clear();
+        if (display.graphicsfail != GRAPHICSUP) return;
+        getdisplay(displayname().c_str(), 0, false);
+        if (wasactive) redisplay(REDISPLAYCHANGE);
+    }
+    std::string path;
+    bool wasactive, finished = false;
+};
+
+} // namespace
+
+void plotop() {
+    const plotdevice& device = chosendevice();
+    const std::string path = plotfilename(device);
+    if (!mayoverwrite(path)) {
+        parser.poltop = -1;
+        return;
+    }
+    {
+        plotpage page(device, path);
+        drawpages(REDISPLAYVIEW);
+        page.finish();
+    }
+    tarnprint("PLOT file is %s\n", path.c_str());
+}
