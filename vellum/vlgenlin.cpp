@@ -272,7 +272,11 @@ void vlflushline(int final) {
 namespace {
 
 double positive(double length) { return length > 0 && std::isfinite(length) ? length : 0; }
-double magnitude(double length) { return std::isfinite(length) ? std::fabs(length) : 0; }
+// Wider than this, all of any device is covered; the bound keeps what can be seen of a line finite.
+constexpr double widest = 4;
+double magnitude(double length) {
+    return std::isfinite(length) ? std::min(std::fabs(length), widest) : 0;
+}
 
 void derive(vlgenerator& g, const vlstyle& s) {
     g.seg1 = positive(s.seg1);

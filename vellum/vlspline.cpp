@@ -107,18 +107,43 @@ double bump(double u, double h, double t) {
 
 } // namespace
 
+namespace {
+
+// Points nearer than this are one: a tiny part of what the curve spans.
+double leaststep(std::span<const vlpoint> points) {
+    double low[2] = {HUGE_VAL, HUGE_VAL}, high[2] = {-HUGE_VAL, -HUGE_VAL};
+    for (const vlpoint& p : points) {
+        low[0] = std::min(low[0], p.x), high[0] = std::max(high[0], p.x);
+        low[1] = std::min(low[1], p.y), high[1] = std::max(high[1], p.y);
+    }
+    return 1e-9 * std::hypot(high[0] - low[0], high[1] - low[1]);
+}
+
+void addknot(vlspline& s, vlpoint p, double least) {
+    const double step = s.at.empty() ? 0 : std::hypot(p.x - s.at.back().x, p.y - s.at.back().y);
+    if (!s.at.empty() && !(step > least)) return;
+    s.knots.push_back(s.at.empty() ? 0 : s.knots.back() + step);
+    s.at.push_back(p);
+}
+
+} // namespace
+
 vlspline vlsplinemake(std::span<const vlpoint> points, double tension, bool closed) {
     vlspline s;
-    const auto add = [&](vlpoint p) {
-        if (!std::isfinite(p.x) || !std::isfinite(p.y)) return;
-        const double step = s.at.empty() ? 0 : std::hypot(p.x - s.at.back().x, p.y - s.at.back().y);
-        if (!s.at.empty() && step == 0) return;
-        s.knots.push_back(s.at.empty() ? 0 : s.knots.back() + step);
-        s.at.push_back(p);
-    };
-    for (const vlpoint& p : points) add(p);
+    std::vector<vlpoint> finite;
+    for (const vlpoint& p : points)
+        if (std::isfinite(p.x) && std::isfinite(p.y)) finite.push_back(p);
+    const double least = leaststep(finite);
+    for (const vlpoint& p : finite) addknot(s, p, least);
     closed = closed && s.at.size() > 2;
-    if (closed) add(s.at.front());
+    if (closed) {
+        const vlpoint first = s.at.front(), last = s.at.back();
+        if (std::hypot(last.x - first.x, last.y - first.y) <= least) {
+            s.at.back() = first;
+        } else {
+            addknot(s, first, least);
+        }
+    }
     if (s.at.size() < 2) return s;
     s.tension = tension * static_cast<double>(s.at.size() - 1) / s.knots.back();
     if (closed && s.at.size() > 3)
