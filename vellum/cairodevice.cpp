@@ -36,7 +36,8 @@ constexpr int segmentsatonce = 400;
 struct cairopage {
     const cairolib& c;
     FILE* file;
-    cairo_surface_t* surface = nullptr; // what is drawn on
+    cairo_surface_t* surface = nullptr; // what is drawn on, at the end what becomes the file
+    cairo_surface_t* uncropped = nullptr;
     cairo_t* cr = nullptr;
     double perpoint;      // device pixels in a point
     double width, height; // of the surface in its own units: pixels or points
@@ -52,6 +53,7 @@ struct cairopage {
     ~cairopage() {
         if (cr) c.destroy(cr);
         if (surface) c.surface_destroy(surface);
+        if (uncropped) c.surface_destroy(uncropped);
         if (file) fclose(file);
     }
 
@@ -153,7 +155,7 @@ void cairopage::crop(pageform form) {
     c.destroy(onto);
     c.destroy(cr);
     cr = nullptr;
-    c.surface_destroy(surface);
+    uncropped = surface; // the file's surface may read it until it is finished
     surface = small;
 }
 
