@@ -23,6 +23,7 @@
     CALL(new_path)                                                                                           \
     CALL(rectangle)                                                                                          \
     CALL(stroke)                                                                                             \
+    CALL(fill_preserve)                                                                                      \
     CALL(fill)                                                                                               \
     CALL(clip)                                                                                               \
     CALL(paint)                                                                                              \
