@@ -4,11 +4,9 @@
 /* The limits go out and in to round numbers around the data */
 WINDOW 0 TO 10, 0 TO 10 ADJUST WNICE
 
-/* Eleven marks divide each axis: limits of one or two digits give marks of no more than three. They point outward, so
-   that they touch no data; each has its label. Points in WORLD units go with the window, and labels with them. */
-XAXIS (0:10) &' 0*(0:10) POINTTYPE 22 PTSIZE 0.02 FFRACT LABEL 0:10 LABELSIZE 0.018 FFRACT PLACE (CENTER, TOP) \
-OFFSET (0, -0.016) FFRACT
-YAXIS 0*(0:10) &' (0:10) POINTTYPE 21 PTSIZE 0.02 FFRACT LABEL 0:10 LABELSIZE 0.018 FFRACT PLACE (RIGHT, CENTER) \
-OFFSET (-0.016, 0) FFRACT
+/* Axes that choose their marks. These point outward, so that they touch no data; labels are small enough to leave room
+   for a title of usual size in the margins at the left and below. */
+XAXIS POINTTYPE 22 PTSIZE 0.014 FFRACT LABELSIZE 0.016 FFRACT PLACE (CENTER, TOP) OFFSET (0, -0.012) FFRACT WCLIP 2
+YAXIS POINTTYPE 21 PTSIZE 0.014 FFRACT LABELSIZE 0.016 FFRACT PLACE (RIGHT, CENTER) OFFSET (-0.012, 0) FFRACT WCLIP 2
 
 SAVEOVER W IN "DW.SAV"

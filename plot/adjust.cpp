@@ -93,6 +93,18 @@ void movehigh(double& limit, double data, double pad, int code) {
     if ((code & ADJUSTEXPAND && limit <= data) || (code & ADJUSTSHRINK && data <= limit)) limit = data + pad;
 }
 
+void adjustlimits(window& w, datalimits& d) {
+    widen(d.x);
+    widen(d.y);
+    pads x = padsfor(d.x, w.adjust[0], w.adjust[1]);
+    pads y = padsfor(d.y, w.adjust[2], w.adjust[3]);
+    matchaspect(w, d, x, y);
+    if (d.x.lo != d.x.hi) movelow(w.wxmin, d.x.lo, x.lo, w.adjust[0]);
+    movehigh(w.wxmax, d.x.hi, x.hi, w.adjust[1]);
+    if (d.y.lo != d.y.hi) movelow(w.wymin, d.y.lo, y.lo, w.adjust[2]);
+    movehigh(w.wymax, d.y.hi, y.hi, w.adjust[3]);
+}
+
 } // namespace
 
 double nicenumber(double a, double b) {
@@ -136,16 +148,7 @@ void nicebounds(double lo, double hi, double scale, double& nicelo, double& nice
 }
 
 void adjustwindow(int win) {
-    window& w = windowof(win);
     datalimits d;
-    if (!finddata(win, d)) return;
-    widen(d.x);
-    widen(d.y);
-    pads x = padsfor(d.x, w.adjust[0], w.adjust[1]);
-    pads y = padsfor(d.y, w.adjust[2], w.adjust[3]);
-    matchaspect(w, d, x, y);
-    if (d.x.lo != d.x.hi) movelow(w.wxmin, d.x.lo, x.lo, w.adjust[0]);
-    movehigh(w.wxmax, d.x.hi, x.hi, w.adjust[1]);
-    if (d.y.lo != d.y.hi) movelow(w.wymin, d.y.lo, y.lo, w.adjust[2]);
-    movehigh(w.wymax, d.y.hi, y.hi, w.adjust[3]);
+    if (finddata(win, d)) adjustlimits(windowof(win), d);
+    adjustaxes(win);
 }

@@ -3,6 +3,7 @@
 #include "funcs/matrixoperand.h"
 #include "interp/base/hooks.h"
 #include "interp/base/report.h"
+#include "plot/adjust.h"
 #include "plot/clauses.h"
 #include "plot/plotobj.h"
 #include "plot/plotstate.h"
@@ -131,6 +132,14 @@ void keeppace(curve& c, const window& w, bool newdata) {
     if (newdata || newlabels) takewindow(c, w);
 }
 
+// Marks that the statement tells are not chosen.
+void setclip(curve& c, bool newdata) {
+    if (given(clause.wclip))
+        c.wclipsw = clause.wclip;
+    else if (newdata || (given(clause.labelmatrix) && c.labels))
+        c.wclipsw &= ~OWNMARKS;
+}
+
 // ---- the two ways of a statement ----
 
 // A new curve in the window of the statement.
@@ -141,7 +150,7 @@ int drawnew(int kind, int name, int source) {
     curve c = copied ? curvecopy(curveof(source)) : curve();
     applycurveclauses(c);
     if (source && !copied) c.data = pointsof(source);
-    if (!copied) takewindow(c, windowof(win));
+    if (!copied || c.kind == TOKDRAW) takewindow(c, windowof(win)); // the copy of an axis keeps its own
     c.kind = int16_t(kind);
     c.wclipsw = given(clause.wclip) ? clause.wclip : int16_t(kind == TOKDRAW);
     curveenter(name, std::move(c));
@@ -166,7 +175,7 @@ int drawold(int kind, int name, int source) {
     if (kind != TOKDRAW) keeppace(c, w, source != 0);
     if (c.kind != kind) tarnwarn("changing kind of CURVE/AXIS");
     c.kind = int16_t(kind);
-    if (given(clause.wclip)) c.wclipsw = clause.wclip;
+    setclip(c, source != 0);
     return win;
 }
 
@@ -199,7 +208,10 @@ void drawop(int kind) {
     if (d.name && iscurve(d.name) && d.source && iscurve(d.source)) d.name = clearname(d.name);
     const bool old = d.name && iscurve(d.name);
     const int win = old ? drawold(kind, d.name, d.source) : drawnew(kind, d.name, d.source);
-    if (kind == TOKDRAW) adjustwindow(win);
+    if (kind == TOKDRAW)
+        adjustwindow(win);
+    else
+        adjustaxes(win);
     releaseoperands(list);
     upper.redraw();
 }

@@ -40,7 +40,8 @@ struct window {
 };
 
 inline constexpr int CUSTOMLINE = -1;
-inline constexpr double SIZEBYPOINT = -2; // ptsize: the sizes are in ptsizes
+enum wclipbits { CLIPTOIMAGE = 1, OWNMARKS = 2 }; // OWNMARKS: an axis that chooses its marks by the limits
+inline constexpr double SIZEBYPOINT = -2;         // ptsize: the sizes are in ptsizes
 
 // A curve or an axis: its look, and its matrices.
 struct curvelook {
@@ -63,7 +64,7 @@ struct curvelook {
     double ptsize = 0.02; // negative: SIZEBYPOINT
     int16_t ptsizeunits = TOKFFRACT;
     int16_t labelcolor = 1, linecolor = 1, pointcolor = 1;
-    int16_t wclipsw = 1;              // bit 0: clip to the image, else to the frame
+    int16_t wclipsw = 1;              // the sum of CLIPTOIMAGE (else the frame is the clip) and OWNMARKS
     double axisw[4] = {0, 10, 0, 10}; // the world window (xmin xmax ymin ymax) that data were made in
     int16_t blanked = 0;
 };
@@ -154,6 +155,6 @@ double sizetonormal(double value, int units, const window& w);
  * in: a point moves with the window from axisw to its present limits. */
 void axistonormal(double& x, double& y, const window& w, const curve& c);
 
-/* The limits follow the data of the window's curves, each by its code in `adjust`; without data nothing
- * changes. */
+/* The limits follow the data of the window's curves, each by its code in `adjust`; without data they stay.
+ * The axes that choose their marks do so anew. */
 void adjustwindow(int win);

@@ -2,6 +2,7 @@
 
 #include "interp/base/hooks.h"
 #include "interp/base/report.h"
+#include "plot/adjust.h"
 #include "plot/clauses.h"
 #include "plot/plotobj.h"
 #include "plot/plotstate.h"
@@ -146,6 +147,7 @@ void windowop(int token) {
     case TOKFRAME: setframe(); break;
     case TOKIMAGE: setimage(); break;
     }
+    adjustaxes(clause.insym); // another image has room for other marks
     releaseoperands(takeoperands());
     upper.redraw();
 }

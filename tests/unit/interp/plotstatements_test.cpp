@@ -282,6 +282,49 @@ TEST_F(PlotStatements, AxesKeepPaceWithTheirWindow) {
     EXPECT_EQ(c.axisw[1], 7);
 }
 
+TEST_F(PlotStatements, AxesChooseTheirMarksUntilTheUserDoes) {
+    const auto labels = [](const char* name) { return run(std::string("TYPE GETLABELS(") + name + ")'"); };
+    const auto list = [](const char* values) { return run(std::string("TYPE (") + values + ")'"); };
+    run("DRAW LIST(0,5)&'LIST(-0.7,1)");
+    EXPECT_EQ(labels("W.XAXIS"), list("LIST(0,0.5,1,1.5,2,2.5,3,3.5,4,4.5,5)"));
+    EXPECT_EQ(labels("W.YAXIS"), list("LIST(-0.6,-0.4,-0.2,0,0.2,0.4,0.6,0.8,1)"));
+    EXPECT_NE(run("TYPE W.YAXIS").find("format: (1,1,0,3,20,0)"), std::string::npos);
+    run("DRAW LIST(0,5)&'LIST(-0.7,1)*1000");
+    EXPECT_EQ(labels("W.YAXIS"), list("200*LIST(-3,-2,-1,0,1,2,3,4,5)"));
+    run("DELETE C2; XAXIS COLOR RED"); // a look changes no marks
+    EXPECT_EQ(labels("W.YAXIS"), list("LIST(-0.6,-0.4,-0.2,0,0.2,0.4,0.6,0.8,1)"));
+    EXPECT_EQ(curvenamed("W.XAXIS").wclipsw, 2);
+    run("XAXIS LABELSIZE 0.06"); // large labels have room for fewer
+    EXPECT_EQ(labels("W.XAXIS"), list("LIST(0,1,2,3,4,5)"));
+    run("XAXIS LABEL NULLM; YAXIS FORMAT (2,2,0,0,0,0)");
+    EXPECT_EQ(curvenamed("W.XAXIS").labels, nullptr);
+    EXPECT_EQ(curvenamed("W.XAXIS").wclipsw, 2);
+    run("WINDOW 10 TO 0, 0 TO 2E6");
+    EXPECT_EQ(curvenamed("W.YAXIS").format[1], 2);             // a format of the user's stays
+    EXPECT_EQ(cells(curvenamed("W.XAXIS").data.get())[1], 10); // from left to right on the screen
+    run("YAXIS LABEL LIST(1,2); WINDOW 0 TO 1, 0 TO 1");
+    EXPECT_EQ(curvenamed("W.YAXIS").wclipsw, 0);
+    EXPECT_EQ(labels("W.YAXIS"), list("LIST(1,2)"));
+    run("XAXIS LIST(0,1)&'0; WINDOW 0 TO 7, 0 TO 1");
+    EXPECT_EQ(curvenamed("W.XAXIS").data->rows, 2u);
+    run("YAXIS WCLIP 3 IN NEW; WINDOW 0 TO 1, 0 TO 50 IN NEW");
+    EXPECT_EQ(labels("NEW.YAXIS"), list("5*(0:10)"));
+}
+
+TEST_F(PlotStatements, CopiesOfAxesShowTheSame) {
+    run("XAXIS (0:10)&'0*(0:10) LABEL 0:10; DRAW 100*L; AXIS COPY = W.XAXIS; AXIS FROMCURVE = C1");
+    EXPECT_EQ(curvenamed("COPY").axisw[1], 10); // its points are those of the first window
+    EXPECT_EQ(curvenamed("FROMCURVE").axisw[1], 3);
+    EXPECT_EQ(curvenamed("FROMCURVE").axisw[3], 300);
+    const window& w = windownamed("W");
+    for (const char* name : {"COPY", "FROMCURVE"}) {
+        double x = name[0] == 'C' ? 10 : 3, y = name[0] == 'C' ? 0 : 300; // the last point of each
+        axistonormal(x, y, w, curvenamed(name));
+        EXPECT_NEAR(x, w.ixmax, 1e-15) << name;
+        EXPECT_NEAR(y, name[0] == 'C' ? w.iymin : w.iymax, 1e-15) << name;
+    }
+}
+
 // ---- windows ----
 
 TEST_F(PlotStatements, WindowStatement) {

@@ -1,6 +1,7 @@
 // Rings, units and the limits that follow the data, without a statement around them.
 #include "funcs/builtin.h"
 #include "interp/base/hooks.h"
+#include "interp/base/numtext.h"
 #include "interp/base/report.h"
 #include "plot/adjust.h"
 #include "plot/plotobj.h"
@@ -352,6 +353,77 @@ TEST_F(PlotObjects, MatchedScales) {
             EXPECT_NEAR(x / y, 1, 1e-12) << code;
             EXPECT_LE(now.wxmin, points[0]);
             EXPECT_GE(now.wymax, points[3]);
+        }
+    }
+}
+
+// ---- marks ----
+
+// The distance of marks is 1, 2 or 5 times a power of ten.
+bool isroundstep(double step) {
+    const double digit = step / std::pow(10, std::floor(std::log10(step) + 1e-6));
+    return std::abs(digit - 1) < 1e-6 || std::abs(digit - 2) < 1e-6 || std::abs(digit - 5) < 1e-6;
+}
+
+TEST_F(PlotObjects, MarksAreRoundAndLieWithinTheLimits) {
+    std::mt19937 random(3);
+    const int win = makewindow("W");
+    curve axis;
+    axis.kind = TOKXAXIS;
+    axis.wclipsw = OWNMARKS;
+    axis.labels.reset(harraynew(1, 1));
+    const int idx = symtabenter("W.XAXIS");
+    curveenter(idx, std::move(axis));
+    joinring(idx, win);
+    for (int n = 0; n < 3000; n++) {
+        const double size = std::pow(10, int(random() % 40) - 20);
+        window& w = windowof(win);
+        w.wxmin = (double(random() % 20001) - 10000) * size;
+        w.wxmax = w.wxmin + (double(random() % 20001) - 10000.5) * size;
+        adjustwindow(win);
+        const curve& c = curveof(idx);
+        const double lo = std::min(w.wxmin, w.wxmax), hi = std::max(w.wxmin, w.wxmax),
+                     slack = (hi - lo) * 1e-8;
+        const uint32_t marks = c.data->rows;
+        ASSERT_GE(marks, 2u) << w.wxmin << " " << w.wxmax;
+        ASSERT_LE(marks, 11u);
+        ASSERT_EQ(c.labels->rows, marks);
+        const double step = (at(c.data.get(), marks, 1) - at(c.data.get(), 1, 1)) / (marks - 1);
+        EXPECT_TRUE(isroundstep(std::abs(step))) << step;
+        EXPECT_EQ(step > 0, w.wxmax > w.wxmin);
+        for (uint32_t i = 1; i <= marks; i++) {
+            const double v = at(c.data.get(), i, 1);
+            EXPECT_GE(v, lo - slack);
+            EXPECT_LE(v, hi + slack);
+            EXPECT_NEAR(std::remainder(v, step), 0, std::abs(step) * 1e-9 + std::abs(v / step * v) * 1e-15);
+            EXPECT_EQ(cells(c.labels.get())[i], v);
+            EXPECT_EQ(at(c.data.get(), i, 2), w.wymin);
+        }
+        EXPECT_LT(lo - slack, std::min(at(c.data.get(), 1, 1), at(c.data.get(), marks, 1)));
+    }
+}
+
+TEST_F(PlotObjects, LabelsTellTheirMarksExactly) {
+    std::mt19937 random(4);
+    const int win = makewindow("W");
+    curve axis;
+    axis.kind = TOKYAXIS;
+    axis.wclipsw = OWNMARKS;
+    axis.labels.reset(harraynew(1, 1));
+    const int idx = symtabenter("W.YAXIS");
+    curveenter(idx, std::move(axis));
+    joinring(idx, win);
+    for (int n = 0; n < 2000; n++) {
+        window& w = windowof(win);
+        w.wymin = (double(random() % 20001) - 10000) * std::pow(10, int(random() % 30) - 15);
+        w.wymax = w.wymin + (1 + double(random() % 1000)) * std::max(1e-15, std::abs(w.wymin) * 1e-6);
+        adjustwindow(win);
+        const curve& c = curveof(idx);
+        const int16_t* f = c.format;
+        for (uint32_t i = 1; i <= c.labels->rows; i++) {
+            const double v = cells(c.labels.get())[i];
+            const std::string text = numstring(v, numberformat{f[0], f[1], f[2], f[3], f[4], f[5], ""});
+            EXPECT_NEAR(std::stod(text), v, std::abs(v) * 1e-12) << w.wymin << " " << w.wymax;
         }
     }
 }
