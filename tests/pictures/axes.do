@@ -1,0 +1,31 @@
+/* Four windows on an upright page in colour: the standard axes; a reversed window with a curve clipped at the frame; labels
+   turned and placed; data that leave the image on all sides. */
+PLOTDEV = "PSCP"
+IMAGEBOX
+X = 0:10:0.25
+FUNCTION F(T) = 5+4*SIN(T)
+W1 = W
+FRAME 0 TO 0.5, 0.5 TO 1 IN W1
+DRAW X &' (F ON X) COLOR RED IN W1
+TITLE TOP, "standard" IN W1 SIZE 0.05
+W2 = W
+FRAME 0.5 TO 1, 0.5 TO 1 IN W2
+WINDOW 8 TO 2, 0 TO 10 IN W2
+DRAW X &' (F ON X) COLOR BLUE WCLIP 0 IN W2
+FRAMEBOX COLOR GREY IN W2
+TITLE TOP, "reversed, clipped at the frame" IN W2 SIZE 0.04
+W3 = W
+FRAME 0 TO 0.5, 0 TO 0.5 IN W3
+BLANK W3.XAXIS
+DRAW D = (0:10:2) &' (F ON (0:10:2)) LABEL (F ON (0:10:2)) FORMAT (2,2,0,0,2,0) PLACE (LEFT, CENTER) OFFSET (0.02, 0.02) ANGLE 30 LABELSIZE 0.03 POINTTYPE -4 PTSIZE 0.02 LINETYPE 2 COLOR (BROWN, GREY, RED) IN W3
+WINDOW 0 TO 14, 0 TO 14 IN W3
+W4 = W
+FRAME 0.5 TO 1, 0 TO 0.5 IN W4
+WINDOW -1 TO 1, -1 TO 1 IN W4
+A = 0:6.3:0.1
+FUNCTION RX(T) = 1.3*COS(T)
+FUNCTION RY(T) = 1.2*SIN(T)
+DRAW (RX ON A) &' (RY ON A) LINETYPE (1,0,1,0,0,0.03,0) COLOR ORANGE IN W4
+DRAW (RX ON A)/1.5 &' (RY ON A)/1.5 LINETYPE 0 POINTTYPE 13 PTSIZE 0.05 COLOR VIOLET IN W4
+XAXIS POINTTYPE 25 IN W4
+PLOT W1, W2, W3, W4 IN "axes"
