@@ -24,12 +24,15 @@ struct plotdevice {
     const char* extension;
     inkmode ink;
     const char* device; // of the library
+    bool sized;         // the page has the size of the screen, else one of its own
 };
 constexpr plotdevice devices[] = {
-    {"PSCL", "ps", INKPAPER, "PSL"},  {"PSL", "ps", INKMONO, "PSL"},    {"PSCP", "ps", INKPAPER, "PSP"},
-    {"PSCPX", "ps", INKEXACT, "PSP"}, {"PSCLX", "ps", INKEXACT, "PSL"}, {"PSP", "ps", INKMONO, "PSP"},
-    {"LJ2L", "lj", INKMONO, "LJ2L"},  {"LJ2P", "lj", INKMONO, "LJ2P"},  {"PNG", "png", INKPAPER, "PNGL"},
-    {"SVG", "svg", INKPAPER, "SVGL"}, {"PDF", "pdf", INKPAPER, "PDFL"},
+    {"PSCL", "ps", INKPAPER, "PSL", false},  {"PSL", "ps", INKMONO, "PSL", false},
+    {"PSCP", "ps", INKPAPER, "PSP", false},  {"PSCPX", "ps", INKEXACT, "PSP", false},
+    {"PSCLX", "ps", INKEXACT, "PSL", false}, {"PSP", "ps", INKMONO, "PSP", false},
+    {"LJ2L", "lj", INKMONO, "LJ2L", false},  {"LJ2P", "lj", INKMONO, "LJ2P", false},
+    {"PNG", "png", INKPAPER, "PNG", true},   {"SVG", "svg", INKPAPER, "SVG", true},
+    {"PDF", "pdf", INKPAPER, "PDF", true},
 };
 
 const plotdevice& chosendevice() {
@@ -118,7 +121,9 @@ private:
         displayerrors();
         DSETFONTPATH(report.tarnpath.c_str());
         int ncolors = 0;
-        if (!DDEVICE(device.device) || !DINI(device.device, &ncolors, path.c_str(), 0, 0, 0, 0)) {
+        const double width = device.sized ? screen.screeninchesx : 0;
+        const double height = device.sized ? screen.screeninchesy : 0;
+        if (!DDEVICE(device.device) || !DINI(device.device, &ncolors, path.c_str(), width, height, 0, 0)) {
             restoreview();
             tarnerror("PLOT: this build has no device for %s", device.name);
         }
