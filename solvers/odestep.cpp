@@ -1,6 +1,7 @@
 #include "solvers/odestep.h"
 
 #include <algorithm>
+#include <cfloat>
 #include <cmath>
 
 namespace {
@@ -98,16 +99,24 @@ void stiffcoefficients(odestepper& s) {
     s.pred[2] = (s.s4 / s.h3) * (s.s2 / s.h2) * (h / s.r2);
     s.pred[3] = -(s.s3 / s.h3) * (s.s2 / s.q2) * (h / s.r3);
     const double u = s.s2 / h, v = s.s3 / h, w = u * v, x = w + u + v;
+    const double beta = h * w / x; // of the third-order formula
+    const double a1 = w * w / ((v - 1) * (u - 1) * x), a3 = u * u / ((v - 1) * (v - u) * x);
     if (s.method == ODETU) {
-        s.cnew = h * w / x;
-        s.corr[0] = w * w / ((v - 1) * (u - 1) * x);
-        s.corr[2] = u * u / ((v - 1) * (v - u) * x);
-        s.corr[1] = 1 - s.corr[0] - s.corr[2];
+        s.cnew = beta;
+        s.corr[0] = a1;
+        s.corr[2] = a3;
+        s.corr[1] = 1 - a1 - a3;
     } else {
         s.cnew = (0.55 * w / x + 0.45 * u / (u + 1)) * h;
         s.corr[1] = -(0.45 / ((u + 1) * (u - 1)) + 0.55 * v * v / ((v - u) * (u - 1) * x));
         s.corr[2] = 0.55 * u * u / ((v - u) * (v - 1) * x);
         s.corr[0] = 1 - s.corr[1] - s.corr[2];
+        // the new value less what the third-order formula makes of the same derivative
+        const double r = beta / s.cnew;
+        s.gap[0] = 1 - r;
+        s.gap[1] = r * s.corr[0] - a1;
+        s.gap[2] = r * s.corr[1] - (1 - a1 - a3);
+        s.gap[3] = r * s.corr[2] - a3;
     }
 }
 
@@ -182,10 +191,42 @@ void truncationtest(odestepper& s) {
     }
 }
 
+// The error that the formula itself makes in this step of the stiff mode.
+double formulaerror(const odestepper& s, int i) {
+    if (s.method == ODETU) return 3.0 / 22 * std::fabs(s.y[i] - s.ypred[i]);
+    return std::fabs(s.gap[0] * s.y[i] + s.gap[1] * s.Y[0][i] + s.gap[2] * s.Y[1][i] + s.gap[3] * s.Y[2][i]);
+}
+
+constexpr double MOSTPERCHANGE = 50, LEASTSHARE = 0.02;
+
+/* The truncation test holds the error of one step, and of the blended formula only the part of the third
+ * order. What many steps add up to is held here: while a state changes by its own size, the formula may add
+ * at most MOSTPERCHANGE times the relative tolerance, so in one step its share by how far the state went; not
+ * more than the tolerance, and not less than LEASTSHARE of it where the state hardly moves. */
+void accumulationtest(odestepper& s) {
+    for (int i = 0; i < s.n; i++) {
+        const double change = std::fabs(s.y[i] - s.Y[2][i]) / 3 * s.errfac;
+        const double allowed = std::min(s.tol[i], std::max(LEASTSHARE * s.tol[i], MOSTPERCHANGE * change));
+        keepworst(formulaerror(s, i) / allowed, i, s.truncerr, s.trunceqn);
+    }
+}
+
+// What rounding alone leaves of equation i of the stiff corrector.
+double roundinglevel(const odestepper& s, int i) {
+    double size = 0;
+    for (int j = 0; j < s.n; j++) size += std::fabs(s.jac[size_t(i) * s.n + j] * s.y[j]);
+    return 4 * DBL_EPSILON * (std::fabs(s.y[i]) + std::fabs(s.cnew) * size);
+}
+
+/* A residual above the tolerance that is all rounding would never get smaller by a shorter step: it is none.
+ */
 void correctortest(odestepper& s) {
     s.correrr = 0;
-    for (int i = 0; i < s.n; i++)
-        keepworst(std::fabs(s.y[i] - s.cnew * s.dy[i] - s.ybase[i]) / s.tol[i], i, s.correrr, s.correqn);
+    for (int i = 0; i < s.n; i++) {
+        const double residual = std::fabs(s.y[i] - s.cnew * s.dy[i] - s.ybase[i]);
+        if (s.stiff && residual > s.tol[i] && residual <= roundinglevel(s, i)) continue;
+        keepworst(residual / s.tol[i], i, s.correrr, s.correqn);
+    }
 }
 
 /* How fast the right-hand side answers, from the two points where it is known at this step. The Adams mode is
@@ -211,6 +252,7 @@ verdict correct(odestepper& s) {
     }
     truncationtest(s);
     if (s.fixedstep || s.steps < 5) return ask(s, ODEDERIV, UNCHECKED);
+    if (s.stiff && std::fabs(s.h) > s.hmin) accumulationtest(s); // no reason to give up at the floor
     if (!(s.truncerr <= 1)) return reduce(s);
     return ask(s, ODEDERIV, CHECKED);
 }
@@ -276,7 +318,8 @@ void choosemode(odestepper& s) {
         }
     }
     const bool steady = s.hsum >= s.href && (s.stiff || s.hspan < 15 || s.hsum >= 9 * s.href);
-    if (s.hsum >= s.hswitch || steady || !mayhelp) s.href = (s.hsum + s.href) / 2;
+    if (s.hsum >= s.hswitch || steady || !mayhelp)
+        s.href = (s.hsum + s.href) / 2;
     else
         switchmode(s);
 }

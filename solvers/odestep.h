@@ -5,8 +5,7 @@
  *
  * Adams mode: third-order Adams-Bashforth predictor and fourth-order Adams-Moulton corrector, one pass,
  * variable steps. Stiff mode: cubic extrapolation, one Newton pass on a backward differentiation formula: of
- * third order
- * ("gear-tu"), or 0.55 of the third-order and 0.45 of the second-order formula ("gear-shrager").
+ * third order ("gear-tu"), or 0.55 of the third-order and 0.45 of the second-order formula ("gear-shrager").
  * Background: C. W. Gear, Numerical Initial Value Problems in Ordinary Differential Equations (1971). */
 #pragma once
 
@@ -62,6 +61,7 @@ struct odestepper {
     std::vector<int> pivots;
     double pred[4] = {}, corr[4] = {}; // coefficients of the predictor and of the known part
     double cnew = 0;                   // coefficient of the new derivative in the corrector
+    double gap[4] = {};                // stiff mode: the formula's own error from y, Y[0], Y[1], Y[2]
     double jnorm = 0;
     bool factored = false, newjac = false, needjac = false;
     int coefcount = 0, failcount = 0;
