@@ -221,7 +221,7 @@ void readpage(const std::string& path, book& b) {
     std::size_t chapter = 0, section = 0;
     for (std::size_t k = 0; k < found.size(); k++) {
         seealso(found[k]);
-        const std::string& name = found[k].names[0];
+        const std::string name = found[k].names.empty() ? "" : found[k].names[0]; // "### =" has none
         const std::string shown = found[k].lines[0];
         if (found[k].level == 2) {
             found[chapter].menu.push_back({shown, name});
