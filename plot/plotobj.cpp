@@ -27,6 +27,16 @@ void makewindow(int idx) {
     if (!iswindow(idx)) tarnerror("%s is not a window", isstringtype(idx) ? stringval(idx) : sym(idx).name);
 }
 
+// The same for W, which a user may have given another meaning without a thought of plots.
+void makestandard(int idx) {
+    try {
+        makewindow(idx);
+    } catch (const recoveryjump&) {
+        tarnwarn("without IN a plot statement means the window W: DELETE W, or name a window by IN");
+        throw;
+    }
+}
+
 // W, as the user's own DW.SAV or the system's describes it.
 int standardwindow() {
     const int idx = symtabenter("W");
@@ -110,7 +120,12 @@ int getwindow(int idx) {
         while (!iswindow(idx)) idx = sym(idx).index;
         return idx;
     }
-    if (clause.insym == 0) clause.insym = int16_t(standardwindow());
-    makewindow(clause.insym);
+    if (clause.insym != 0) {
+        makewindow(clause.insym);
+    } else {
+        const int standard = standardwindow();
+        makestandard(standard);
+        clause.insym = int16_t(standard);
+    }
     return clause.insym;
 }

@@ -128,6 +128,12 @@ bool isplacement(int vplace, int hplace) { return std::abs(vplace) <= 1 && std::
 bool isextent(double lo, double hi) { return lo < hi && hi - lo < MAXPOS; }
 bool isworld(double lo, double hi) { return lo != hi && std::abs(hi - lo) < MAXPOS; }
 
+bool isonscreen(const window& w) {
+    constexpr double SLACK = 1e-6; // screens are told in whole dots
+    return w.fxmin >= -SLACK && w.fymin >= -SLACK && w.fxmax <= screen.aspectx + SLACK &&
+           w.fymax <= screen.aspecty + SLACK;
+}
+
 void need(savereader& in, bool sound, const char* what) {
     if (!sound) readfault(in, what);
 }
@@ -158,6 +164,7 @@ window getwindowrecord(savereader& in) {
     need(in, flat, "it is three-dimensional");
     need(in, isworld(w.wxmin, w.wxmax) && isworld(w.wymin, w.wymax), "its limits are none");
     need(in, isextent(w.fxmin, w.fxmax) && isextent(w.fymin, w.fymax), "its frame has no extent");
+    need(in, isonscreen(w), "its frame lies outside the screen");
     need(in, isextent(w.ixmin, w.ixmax) && isextent(w.iymin, w.iymax), "its image has no extent");
     const bool codes =
         std::all_of(std::begin(w.adjust), std::end(w.adjust), [](int a) { return a >= 0 && a < 16; });
@@ -169,7 +176,8 @@ bool issoundcurve(const curve& c) {
     const bool kind = c.kind == TOKDRAW || (c.kind >= TOKXAXIS && c.kind <= TOKAXIS);
     const bool line = c.linetype >= CUSTOMLINE && c.linetype <= 12;
     const bool points = std::abs(c.pointtype) <= 31 || (c.pointtype >= 1000 && c.pointtype <= 1128);
-    const bool matrices = (!c.data || c.data->cols == 2) && (!c.labels || c.labels->cols <= 2);
+    const bool matrices =
+        (!c.data || c.data->cols == 2) && (!c.labels || c.labels->cols == 1 || c.labels->cols == 2);
     const bool sizes = c.ptsize >= 0 || (c.ptsizes && c.ptsizes->cols > 0);
     return kind && line && points && matrices && sizes && isplacement(c.vplace, c.hplace) &&
            areunits({c.dataunits, c.offsetunits, c.labelsizeunits, c.ptsizeunits}) &&

@@ -577,6 +577,14 @@ TEST_F(PlotStatements, AnyByteMayBeWrong) {
     EXPECT_EQ(ring("W"), "W.TOP C1 W.YAXIS W.XAXIS ");
 }
 
+TEST_F(PlotStatements, AnotherThingCalledW) {
+    run("W = 1:3");
+    EXPECT_EQ(run("DRAW M"),
+              "##Error: W is not a window\nWarning: without IN a plot statement means the window W: "
+              "DELETE W, or name a window by IN\n");
+    EXPECT_EQ(run("DRAW M IN P; TYPE CURVES"), "currently defined CURVES\n   C1 in P\n");
+}
+
 TEST_F(PlotStatements, AUsersOwnStandardWindow) {
     run("WINDOW -7 TO 7, 0 TO 1; SAVE W IN \"DW\"");
     start();
