@@ -138,7 +138,9 @@ spcomplex cgamma(spcomplex z) {
     }
     // pi/(sin(pi z) Gamma(1-z)), DLMF 5.5.3; the sine by its parts
     const spcomplex sine = {sinpi(z.re) * std::cosh(PI * z.im), cospi(z.re) * std::sinh(PI * z.im)};
-    return capcomplex("CGAMMA", spcomplex{PI, 0} / (sine * cexpfn(loggammaright({1 - z.re, -z.im}))));
+    const spcomplex half =
+        cexpfn(-0.5 * loggammaright({1 - z.re, -z.im})); // whose square may be out of range
+    return capcomplex("CGAMMA", spcomplex{PI, 0} / sine * half * half);
 }
 
 namespace {
@@ -146,6 +148,7 @@ namespace {
 // pi cot(pi z).
 spcomplex picotangent(spcomplex z) {
     const double x = z.re - std::nearbyint(z.re), y = PI * z.im;
+    if (std::hypot(x, y) < 1e-9) return spcomplex{1, 0} / spcomplex{x, z.im};
     if (std::fabs(y) > 20) {
         const double e = 4 * std::exp(-2 * std::fabs(y)) * PI;
         return {e * sinpi(x) * cospi(x), y < 0 ? PI : -PI};
@@ -189,6 +192,7 @@ spcomplex e1series(spcomplex z) {
         sum = sum + power / dd(k);
         if (std::fabs(power.re.hi) + std::fabs(power.im.hi) < 1e-33) break;
     }
+    if (magnitude(z) < 1e-20) return spcomplex{-EULERGAMMA, 0} - clogfn(z);
     const dd logsize = ddlog(ddprod(z.re, z.re) + ddprod(z.im, z.im)) / 2.0;
     return {(-DDEULER - logsize - sum.re).hi, (-sum.im - argument(z)).hi};
 }

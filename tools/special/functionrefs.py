@@ -312,6 +312,9 @@ def complexfunctionrows():
                                                    (0.5, 0.01), (60, 20)])
     out += complexrows("C9LGMC", of(rest), far)
     out += complexrows("CCE1", of(m.e1), [a for a in far if a != (0, 0)] + [(-41, 3), (5, 40.5), (0.1, 3.9)])
+    out += complexrows("CGAMMA", of(m.gamma), [(-120.5, 0.3), (-160.2, 1e-5), (-200, 1e-250)])
+    out += complexrows("CPSI", of(psi), [(3e-200, -4e-200), (-2 + 1e-14, 3e-13), (1e-12, 2e-11)])
+    out += complexrows("CCE1", of(m.e1), [(-1e-163, 2e-164), (2e-300, 1e-301)])
     functions = {1: m.exp, 2: m.log, 3: m.log10, 67: lambda v: m.log(v) / m.log(2), 4: m.sqrt, 5: m.sin, 7: m.cos, 9: m.tan,
                  64: m.cot, 74: m.sec, 75: m.csc, 11: m.sinh, 12: m.cosh, 13: m.tanh, 111: m.csch, 112: m.sech, 113: m.coth,
                  14: m.asin, 15: m.acos, 16: m.atan, 79: m.acot, 80: m.asec, 81: m.acsc, 46: m.asinh, 47: m.acosh,
