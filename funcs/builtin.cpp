@@ -79,7 +79,7 @@ double scalarbuiltin(int code, const double* args, int n) {
         tarnwarn("function not available--zero returned");
         return 0;
     }
-    return fpcheck(spchecked(callrow(*row, args, n)));
+    return fpcheck(spchecked(callrow(*row, args, n), code));
 }
 
 double callargs::scalar(int k, double absent) const {
@@ -92,14 +92,29 @@ double callargs::scalar(int k, double absent) const {
     return sym(entry).val.rval;
 }
 
-void spfaultreport() {
+namespace {
+
+// The name of the builtin of that code, or null.
+const char* builtinname(int code) {
+    for (const symbol& s : symtab.at)
+        if (s.type == code && s.name[0] != 0) return s.name;
+    return nullptr;
+}
+
+} // namespace
+
+void spfaultreport(int code) {
     const spfaultlist noted = spfaults;
     spfaultclear();
     const int kept = noted.count < spfaultlist::room ? noted.count : spfaultlist::room;
+    const char* typed = builtinname(code);
+    bool told = false; // of the range
     for (int k = 0; k < kept; k++) {
         const auto& fault = noted.at[k];
-        if (fault.kind == SPRANGEWARN)
-            argwarn(fault.text);
+        if (fault.kind == SPRANGEWARN && !(told && typed))
+            argwarn(typed ? typed : fault.text), told = true;
+        else if (fault.kind == SPRANGEWARN)
+            continue;
         else if (fault.kind == SPWARN)
             tarnwarn("%s", fault.text);
         else

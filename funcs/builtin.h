@@ -102,10 +102,10 @@ const valuerow* valuebuiltinrow(int code);
 double scalarbuiltin(int code, const double* args, int n);
 
 // Prints what the routines of special/ noted in the last call and clears the record; an error among it
-// throws.
-[[gnu::cold]] void spfaultreport();
-inline double spchecked(double result) {
+// throws. A warning of the range names the builtin of that code, whichever routine behind it noted it.
+[[gnu::cold]] void spfaultreport(int code);
+inline double spchecked(double result, int code) {
     if (spfaults.count != 0) [[unlikely]]
-        spfaultreport();
+        spfaultreport(code);
     return result;
 }

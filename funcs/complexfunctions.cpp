@@ -35,7 +35,7 @@ private:
 };
 
 // f of each row; the faults of all rows are told of together.
-template <class Function> int overrows(uint32_t n, Function f) {
+template <class Function> int overrows(int code, uint32_t n, Function f) {
     harrayptr result(harrayraw(n, 2));
     double* to = cells(result.get()) + 1;
     for (uint32_t i = 0; i < n; i++, to += 2) {
@@ -43,21 +43,21 @@ template <class Function> int overrows(uint32_t n, Function f) {
         to[0] = w.re;
         to[1] = w.im;
     }
-    spchecked(0);
+    spchecked(0, code);
     return symtabmatrix(0, 0, std::move(result));
 }
 
 // The complex form of the scalar function of the same code.
 int elementary(const callargs& a) {
     const complexoperand z(a, 1);
-    return overrows(z.count(), [&](uint32_t i) { return cmath(-a.code, z[i]); });
+    return overrows(a.code, z.count(), [&](uint32_t i) { return cmath(-a.code, z[i]); });
 }
 
 // LOG(Z), LOG(Z, base)
 int logarithm(const callargs& a) {
     if (a.n < 2) return elementary(a);
     const complexoperand z(a, 1), base(a, 2);
-    return overrows(std::max(z.count(), base.count()),
+    return overrows(a.code, std::max(z.count(), base.count()),
                     [&](uint32_t i) { return cdivide(clogfn(z[i]), clogfn(base[i])); });
 }
 
@@ -65,23 +65,24 @@ int logarithm(const callargs& a) {
 int selected(const callargs& a) {
     const double selector = a.scalar(1);
     const complexoperand z(a, 2), w(a, 3);
-    return overrows(std::max(z.count(), w.count()), [&](uint32_t i) { return cmath(selector, z[i], w[i]); });
+    return overrows(a.code, std::max(z.count(), w.count()),
+                    [&](uint32_t i) { return cmath(selector, z[i], w[i]); });
 }
 
 template <spcomplex (*f)(spcomplex)> int ofone(const callargs& a) {
     const complexoperand z(a, 1);
-    return overrows(z.count(), [&](uint32_t i) { return f(z[i]); });
+    return overrows(a.code, z.count(), [&](uint32_t i) { return f(z[i]); });
 }
 
 int power(const callargs& a) {
     const complexoperand z(a, 1), w(a, 2);
-    return overrows(std::max(z.count(), w.count()), [&](uint32_t i) { return cpowfn(z[i], w[i]); });
+    return overrows(a.code, std::max(z.count(), w.count()), [&](uint32_t i) { return cpowfn(z[i], w[i]); });
 }
 
 int abramowitz(const callargs& a) {
     const double m = a.scalar(1);
     const complexoperand z(a, 2);
-    return overrows(z.count(), [&](uint32_t i) {
+    return overrows(a.code, z.count(), [&](uint32_t i) {
         const complexpair w = cabram(m, z[i].re, z[i].im);
         return spcomplex{w.re, w.im};
     });
@@ -91,30 +92,30 @@ int abramowitz(const callargs& a) {
 int bessel(const callargs& a) {
     const double kind = a.scalar(1), nu = a.scalar(2);
     const complexoperand z(a, 3);
-    return overrows(z.count(), [&](uint32_t i) { return cbess(kind, nu, z[i]); });
+    return overrows(a.code, z.count(), [&](uint32_t i) { return cbess(kind, nu, z[i]); });
 }
 int besselj(const callargs& a) {
     const double nu = a.scalar(1);
     const complexoperand z(a, 2);
-    return overrows(z.count(), [&](uint32_t i) { return cbessj(nu, z[i]); });
+    return overrows(a.code, z.count(), [&](uint32_t i) { return cbessj(nu, z[i]); });
 }
 
-int rootmatrix(const std::vector<spcomplex>& roots) {
-    return overrows(uint32_t(roots.size()), [&](uint32_t i) { return roots[i]; });
+int rootmatrix(int code, const std::vector<spcomplex>& roots) {
+    return overrows(code, uint32_t(roots.size()), [&](uint32_t i) { return roots[i]; });
 }
 
 // PROOT(P): real coefficients, the highest power first, in one row or column.
 int realpolynomial(const callargs& a) {
     const matrixoperand m(a[1]);
     if (m.rows() != 1 && m.cols() != 1) argshape(a.name());
-    return rootmatrix(proot(std::vector<double>(m.cell() + 1, m.cell() + 1 + m.count())));
+    return rootmatrix(a.code, proot(std::vector<double>(m.cell() + 1, m.cell() + 1 + m.count())));
 }
 // ZROOT(P): complex coefficients, one a row.
 int complexpolynomial(const callargs& a) {
     const complexoperand z(a, 1);
     std::vector<spcomplex> c(z.count());
     for (size_t i = 0; i < c.size(); i++) c[i] = z[i];
-    return rootmatrix(zroot(c));
+    return rootmatrix(a.code, zroot(c));
 }
 
 constexpr valuerow rows[] = {

@@ -47,7 +47,7 @@ void overrows(int f, const double* x, size_t rows, size_t cols, double* y, size_
         return flatrows(f, rows, cols, x, y, ystride);
     const scalarrow* row = sym(f).type < 0 ? scalarbuiltinrow(sym(f).type) : nullptr;
     if (row && row->arity == 1 && cols == 1 && !(row->flags & COUNTED)) {
-        for (size_t i = 0; i < rows; i++) y[i * ystride] = fpcheck(spchecked(row->f1(x[i])));
+        for (size_t i = 0; i < rows; i++) y[i * ystride] = fpcheck(spchecked(row->f1(x[i]), row->code));
         return;
     }
     const int code = sym(f).type; // the first call checks the arguments of a builtin

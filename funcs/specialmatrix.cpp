@@ -71,14 +71,14 @@ double qrombof(const callargs& a) {
 
 int factors(const callargs& a) {
     const std::vector<double> found = factorfn(a.scalar(1));
-    spchecked(0);
+    spchecked(0, a.code);
     harrayptr m(harrayraw(uint32_t(found.size()), 1));
     std::copy(found.begin(), found.end(), cells(m.get()) + 1);
     return symtabmatrix(0, 0, std::move(m));
 }
 
 int primes(const callargs& a) {
-    const double n = a.scalar(1), count = spchecked(primecount(n));
+    const double n = a.scalar(1), count = spchecked(primecount(n), a.code);
     harrayptr m(harrayraw(uint32_t(count), 1));
     if (count > 0) primesto(n, cells(m.get()) + 1);
     return symtabmatrix(0, 0, std::move(m));

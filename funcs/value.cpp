@@ -167,7 +167,7 @@ double builtinvalue(int p, int code, int n) {
         tarnerror("SUM, PRODUCT, ROOT, INTEGRAL, and EVAL can only appear in function bodies");
     const numberrow* row = numberbuiltinrow(code);
     if (!row) tarnerror("not a function");
-    return fpcheck(spchecked(row->call({p, n, code})));
+    return fpcheck(spchecked(row->call({p, n, code}), code));
 }
 
 // ---- user functions

@@ -266,6 +266,7 @@ void called(compiler& c, pairer& p, int callee, const std::vector<operand>& args
     i.n = int16_t(args.size());
     if (simple) {
         i.f1 = row->f1;
+        i.n = row->code;
         i.a = places[0];
     } else {
         i.index = row ? s.type : callee;

@@ -47,7 +47,7 @@ enum loopop : uint8_t {
 
 struct loopinstr {
     loopop op;
-    int16_t n = 0;      // arguments; the number of an inner loop
+    int16_t n = 0;      // arguments; the number of an inner loop; LOOPCALL1: the code
     int32_t at = 0;     // token from which the statement, or the one to be parsed, begins
     int32_t target = 0; // of a jump
     double* d = nullptr;

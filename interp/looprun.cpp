@@ -137,7 +137,7 @@ size_t run(runner& r) {
             i.matrix->val.rval = *i.a;
             i.matrix->type = SCALAR;
             break;
-        case LOOPCALL1: *i.d = fpcheck(spchecked(i.f1(*i.a))); break;
+        case LOOPCALL1: *i.d = fpcheck(spchecked(i.f1(*i.a), i.n)); break;
         case LOOPCALL: *i.d = builtin(i); break;
         case LOOPUSER: *i.d = userfunction(i); break;
         case LOOPJUMP: r.pc = r.code.code.data() + i.target; break;

@@ -123,7 +123,8 @@ double bairy(double x, double kind) {
     const airyvalues a = airyall(x);
     const double r = kind == 0 ? a.bi : kind == 1 ? a.bip : kind == 2 ? a.ai : a.aip;
     if (kind != 0 && kind != 1 && kind != 2 && kind != 3) return outofrange("BAIRY", 0);
-    return capped("BAIRY", r);
+    if (std::isnan(r) && x > 0) return kind < 2 ? outofrange("BAIRY", MAXPOS) : 0;
+    return cappedorpole("BAIRY", r);
 }
 
 void airyphase(double x, double* modulus, double* theta) {

@@ -128,6 +128,7 @@ besjy turningjy(double nu, double x) {
 }
 
 double joinexponent(double m, double e) {
+    if (m == 0) return 0;
     const double half = std::exp(e / 2);
     return std::fabs(e) < 690 ? m * std::exp(e) : m * half * half;
 }

@@ -111,6 +111,8 @@ besik iany(double nu, double x) { // nu >= 0, x > 0
 
 } // namespace
 
+besik besiwide(double nu, double x) { return iany(nu, x); }
+
 double besiraw(double nu, double x, int shift) {
     const besik i = iany(std::fabs(nu), x);
     const double r = joinexponent(i.i, i.ei - shift * x);
@@ -126,6 +128,9 @@ double beskraw(double nu, double x, int shift) {
 
 namespace {
 
+// True if I is 0 and K infinite at far orders or arguments: Debye's exponent has its zero at x = 0.6627 nu.
+bool farsmall(double nu, double x) { return x < 0.6627 * std::fabs(nu); }
+
 // I_nu(x) exp(-shift |x|), shift 0 or 1.
 double ifunction(const char* name, double nu, double x, int shift) {
     if (std::isnan(nu) || std::isnan(x)) return nu + x;
@@ -134,6 +139,8 @@ double ifunction(const char* name, double nu, double x, int shift) {
     const bool whole = isinteger(nu);
     if (x < 0 && !whole) return outofrange(name, 0);
     if (x == 0) return nu == 0 ? 1 : nu > 0 || whole ? 0 : outofrange(name, MAXPOS);
+    if (std::fabs(nu) > BESSELFAR || std::fabs(x) > BESSELFAR)
+        return shift || farsmall(nu, std::fabs(x)) ? 0 : outofrange(name, MAXPOS);
     const double r = besiraw(nu, std::fabs(x), shift);
     return capped(name, x < 0 && paritysign(nu) < 0 ? -r : r);
 }
@@ -144,6 +151,8 @@ double kfunction(const char* name, double nu, double x, int shift) {
     if (x < 0 || std::isinf(nu)) return outofrange(name, 0);
     if (x == 0) return outofrange(name, MAXPOS);
     if (std::isinf(x)) return 0;
+    if (std::fabs(nu) > BESSELFAR || x > BESSELFAR)
+        return farsmall(nu, x) ? outofrange(name, MAXPOS) : shift ? std::sqrt(PI / 2 / x) : 0;
     return capped(name, beskraw(nu, x, shift));
 }
 
@@ -170,7 +179,7 @@ double beskes(double nu, double x) { return kfunction("BESKES", nu, x, 1); }
 double besks(double nu, double x) { return kfunction("BESKS", nu, x, 0); }
 
 double abessi(double nu, double x) {
-    if (nu >= 0 && x > 0 && x <= MAXPOS && nu <= MAXPOS) {
+    if (nu >= 0 && x > 0 && x <= BESSELFAR && nu <= BESSELFAR) {
         if (const besik r = hankelik(nu, x); r.good) return capped("ABESSI", joinexponent(r.i, r.ei));
         if (const besik r = debyeik(nu, x); r.good) return capped("ABESSI", joinexponent(r.i, r.ei));
     }
@@ -178,7 +187,7 @@ double abessi(double nu, double x) {
 }
 
 double abessk(double nu, double x) {
-    if (nu >= 0 && x > 0 && x <= MAXPOS && nu <= MAXPOS) {
+    if (nu >= 0 && x > 0 && x <= BESSELFAR && nu <= BESSELFAR) {
         if (const besik r = hankelik(nu, x); r.good) return joinexponent(r.k, r.ek);
         if (const besik r = debyeik(nu, x); r.good) return capped("ABESSK", joinexponent(r.k, r.ek));
     }

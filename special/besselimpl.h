@@ -43,6 +43,11 @@ temmegamma temmegammas(double mu);
 void temmey(double mu, double x, double* y0, double* y1);
 void temmek(double mu, double x, double* k0, double* k1);
 
+// I_nu(x), nu >= 0, x > 0, as i exp(ei).
+besik besiwide(double nu, double x);
+// Orders and arguments beyond this are treated by their limits.
+inline constexpr double BESSELFAR = 1e250;
+
 // J, Y, exp(-shift x) I, exp(shift x) K of any real order, infinite on overflow; nothing is noted.
 double besjraw(double nu, double x);
 double besyraw(double nu, double x);

@@ -44,7 +44,7 @@ double ibessi0(double x) {
         }
         r *= a;
     } else {
-        r = joinexponent(i0integralscaled(a), a);
+        r = a > 1e4 ? HUGE_VAL : joinexponent(i0integralscaled(a), a);
     }
     if (r > MAXPOS) {
         rangewarn("IBESSI0");

@@ -289,6 +289,7 @@ double jany(const char* name, double nu, double x) {
     const bool whole = isinteger(nu);
     if (x < 0 && !whole) return outofrange(name, 0);
     if (x == 0) return nu == 0 ? 1 : nu > 0 || whole ? 0 : outofrange(name, MAXPOS);
+    if (std::fabs(nu) > BESSELFAR || std::fabs(x) > BESSELFAR) return 0;
     const double j = besjraw(nu, std::fabs(x));
     return capped(name, x < 0 && paritysign(nu) < 0 ? -j : j);
 }
@@ -298,6 +299,7 @@ double yany(const char* name, double nu, double x) {
     if (x < 0 || std::isinf(nu)) return outofrange(name, 0);
     if (std::isinf(x)) return 0;
     if (x == 0) return outofrange(name, MAXNEG);
+    if (std::fabs(nu) > BESSELFAR || x > BESSELFAR) return x < std::fabs(nu) ? outofrange(name, MAXNEG) : 0;
     return capped(name, besyraw(nu, x));
 }
 
@@ -311,7 +313,7 @@ double bessy(double nu, double x) {
 }
 
 double abessj(double nu, double x) {
-    if (nu >= 0 && x > 0 && x <= MAXPOS && nu <= MAXPOS) {
+    if (nu >= 0 && x > 0 && x <= BESSELFAR && nu <= BESSELFAR) {
         if (const besjy r = hankeljy(nu, x); r.good) return r.j;
         if (const besjy r = debyejy(nu, x); r.good) return r.j;
     }
@@ -319,7 +321,7 @@ double abessj(double nu, double x) {
 }
 
 double abessy(double nu, double x) {
-    if (nu >= 0 && x > 0 && x <= MAXPOS && nu <= MAXPOS) {
+    if (nu >= 0 && x > 0 && x <= BESSELFAR && nu <= BESSELFAR) {
         if (const besjy r = hankeljy(nu, x); r.good) return r.y;
         if (const besjy r = debyejy(nu, x); r.good) return capped("ABESSY", r.y);
     }

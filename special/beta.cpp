@@ -90,6 +90,7 @@ double poch(double a, double x) { return cappedorpole("POCH", pochopen(a, x)); }
 /* W. Fullerton's POCH1 (SLATEC) tells the cases: near x = 0 by expm1 of the logarithm, which holds
  * relative to x; for negative a by reflection, with the quotient of sines less one over x in closed form. */
 double poch1(double a, double x) {
+    if (std::isnan(a + x)) return a + x;
     if (x == 0) return digamma(a);
     if (std::fabs(x) > 0.5 || atpole(a) || atpole(a + x))
         return cappedorpole("POCH1", (pochopen(a, x) - 1) / x);

@@ -36,7 +36,7 @@ logvalue integral(double a, double b, double x) {
     for (int side = -1; side <= 1; side += 2)
         for (int k = 1; k < 1000000; k++) {
             const double e = exponent(side * k * h);
-            if (e < -40) break;
+            if (!(e >= -40)) break;
             sum += std::exp(e);
         }
     const dd top = dd(a) * ddlog(t0) - dd(x) * t0 + (dd(b) - a - 1.0) * ddlog(dd(1) + t0);
@@ -146,23 +146,23 @@ double confluent(const char* name, double a, double b, double x, double shift) {
     dd factor, e;
     if (endingorder(a) >= 0) {
         if (!polynomial(-a, b, x, &factor, &e, &v)) return outofrange(name, 0);
-        return capped(name, widedouble(v, factor, shift == 0 ? e : e + dd(shift) * ddlog(x)));
+        return cappedorpole(name, widedouble(v, factor, shift == 0 ? e : e + dd(shift) * ddlog(x)));
     }
     if (x < 0) return outofrange(name, 0);
     if (x == 0) {
         if (b >= 1 || shift != 0) return outofrange(name, MAXPOS);
         int above, below; // DLMF 13.2.18..22
         e = ddloggamma(dd(1) - b, &above) - ddloggamma(dd(a) - b + 1.0, &below);
-        return below == 0 ? 0 : capped(name, below * ddexp(e).hi);
+        return below == 0 ? 0 : cappedorpole(name, below * ddexp(e).hi);
     }
     if (const dd other = dd(a) - b + 1.0; endingorder(other) >= 0) { // x^(1-b) times a polynomial, 13.2.40
         if (!polynomial(-other.hi, dd(2) - b, x, &factor, &e, &v)) return outofrange(name, 0);
-        return capped(name, widedouble(v, factor, e + (dd(1) - b + shift) * ddlog(x)));
+        return cappedorpole(name, widedouble(v, factor, e + (dd(1) - b + shift) * ddlog(x)));
     }
     logvalue u;
     const bool small = a < 1 && a > -2000 && (x < 30 || std::fabs(b) > x);
     if (!(small && smallargument(a, b, x, &u)) && !recur(a, b, x, &u)) return 0;
-    return capped(name, widedouble({u.m, 0}, 1, u.e + dd(shift) * ddlog(x)));
+    return cappedorpole(name, widedouble({u.m, 0}, 1, u.e + dd(shift) * ddlog(x)));
 }
 
 } // namespace

@@ -172,7 +172,7 @@ double ellippi(double n, double m) {
     if (m > 1) return outofrange("ELLIPPI", 0);
     if (m == 1 || n == 1) return outofrange("ELLIPPI", n > 1 ? MAXNEG : MAXPOS);
     if (n > 1) return -m / n / 3 * carlsonrj(0, 1 - m, 1, (n - m) / n); // DLMF 19.6.5, 19.25.2
-    return picomplete(n, 1 - n, m);
+    return cappedorpole("ELLIPPI", picomplete(n, 1 - n, m));
 }
 
 namespace {
@@ -216,7 +216,7 @@ double ellipf(double phi, double m) {
     const reducedangle r = reduce(phi);
     double result;
     if (noincomplete("ELLIPF", r, m, true, &result)) return result;
-    return fpart(r, m) + (r.halfturns == 0 ? 0 : 2 * r.halfturns * ellipk(m));
+    return cappedorpole("ELLIPF", fpart(r, m) + (r.halfturns == 0 ? 0 : 2 * r.halfturns * ellipk(m)));
 }
 
 double ellipeinc(double phi, double m) {
@@ -224,7 +224,7 @@ double ellipeinc(double phi, double m) {
     const reducedangle r = reduce(phi);
     double result;
     if (noincomplete("ELLIPE", r, m, false, &result)) return result;
-    return epart(r, m) + (r.halfturns == 0 ? 0 : 2 * r.halfturns * ellipe(m));
+    return cappedorpole("ELLIPE", epart(r, m) + (r.halfturns == 0 ? 0 : 2 * r.halfturns * ellipe(m)));
 }
 
 double ellippiinc(double n, double phi, double m) {
@@ -234,5 +234,6 @@ double ellippiinc(double n, double phi, double m) {
     if (noincomplete("ELLIPPI", r, m, true, &result)) return result;
     if (n * r.s * r.s == 1) return outofrange("ELLIPPI", MAXPOS);
     if (n == 1 && r.halfturns != 0) return outofrange("ELLIPPI", r.halfturns < 0 ? MAXNEG : MAXPOS);
-    return pipart(n, 1 - n, r, m) + (r.halfturns == 0 ? 0 : 2 * r.halfturns * ellippi(n, m));
+    const double turns = r.halfturns == 0 ? 0 : 2 * r.halfturns * ellippi(n, m);
+    return cappedorpole("ELLIPPI", pipart(n, 1 - n, r, m) + turns);
 }

@@ -370,7 +370,7 @@ double loggamma(double x) {
 
 double loggammasign(double x, int* sign) {
     *sign = 1;
-    if (x > 0) return loggamma(x);
+    if (!(x <= 0)) return loggamma(x);
     const double s = sinpi(x);
     if (s == 0) {
         *sign = 0;

@@ -22,7 +22,7 @@ hypervalue none() { return {hypervalue::NONE, {}, 0}; }
 
 double settle(const char* name, const hypervalue& r) {
     if (r.kind != hypervalue::GOOD) return outofrange(name, r.kind == hypervalue::POLE ? MAXPOS : 0);
-    return capped(name, widedouble(r.v, 1, r.e));
+    return cappedorpole(name, widedouble(r.v, 1, r.e));
 }
 
 hypervalue summed(const parameters& a, const parameters& b, dd x, dd e = 0) {
@@ -140,6 +140,7 @@ hypervalue gauss(dd a, dd b, dd c, dd x, dd y) {
 
 double hgeof(double a, double b, double c, double x) {
     if (std::isnan(a + b + c + x)) return NAN;
+    if (std::isinf(a + b + c)) return outofrange("HGEOF", 0);
     const parameters up{a, b}, low{c};
     if (x == 0 || a == 0 || b == 0) return 1;
     if (infinite(up, low)) return settle("HGEOF", pole());
@@ -263,6 +264,7 @@ double hyppfq(const double* a, int p, const double* b, int q, double x) {
     for (int k = 0; k < p; k++) check += a[k];
     for (int k = 0; k < q; k++) check += b[k];
     if (std::isnan(check)) return NAN;
+    if (std::isinf(check - x)) return outofrange("GHGEOF", 0);
     return settle("GHGEOF", generalised(parameters(a, a + p), parameters(b, b + q), x));
 }
 
@@ -273,5 +275,6 @@ double ghgeof(double a1, double a2, double a3, double b1, double b2, double x) {
 
 double chm(double a, double b, double x) {
     if (std::isnan(a + b + x)) return NAN;
+    if (std::isinf(a + b)) return outofrange("CHM", 0);
     return settle("CHM", generalised({a}, {b}, x));
 }

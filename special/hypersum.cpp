@@ -9,7 +9,8 @@ namespace {
 
 constexpr int64_t MOSTTERMS = 400000;
 constexpr int64_t MOSTBITS = 40000;
-constexpr double KEPTBITS = 14; // cancellation that the 32 digits bear with 27 left
+constexpr int64_t MOSTWORK = 1000000; // terms times digits: a fifth of a second
+constexpr double KEPTBITS = 14;       // cancellation that the 32 digits bear with 27 left
 
 int64_t lastterm(const std::vector<dd>& a) {
     int64_t last = -1;
@@ -92,7 +93,7 @@ passresult bigpass(const std::vector<dd>& a, const std::vector<dd>& b, dd x, int
             break;
         }
         before = term.magnitude();
-        if (top > 2 * MOSTBITS) return r;
+        if (top > 2 * MOSTBITS || k * int64_t(width) > MOSTWORK) return r;
     }
     r.highest = static_cast<double>(top);
     r.sum.m = sum.value(&r.sum.power);

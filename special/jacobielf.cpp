@@ -29,6 +29,7 @@ agmsteps agm(double mc) { // mc = 1 - m
 /* 0 < m < 1, |u| <= K: R. Bulirsch's descending transformation on cn/sn (Numer. Math. 7 (1965) 78), in which
  * all terms are positive, so that cn and dn are good relatively. */
 jacobivalues bulirsch(double u, const agmsteps& s) {
+    if (std::fabs(u) < 1e-9) return {u, 1, 1};
     const double mean = (s.a[s.n] + s.b[s.n]) / 2, angle = u * mean;
     const double sine = std::sin(angle);
     if (sine == 0) return {u, 1, 1};
@@ -72,7 +73,7 @@ jacobivalues uptoone(double u, double m, double* halfperiods) {
 } // namespace
 
 jacobivalues jacobiall(double u, double m) {
-    if (!std::isfinite(u + m)) return {NAN, NAN, NAN};
+    if (!std::isfinite(u * std::sqrt(1 + std::fabs(m)))) return {NAN, NAN, NAN};
     double ignored;
     if (m <= 1) return uptoone(u, m, &ignored);
     const double root = std::sqrt(m); // Abramowitz and Stegun 16.11
@@ -80,13 +81,15 @@ jacobivalues jacobiall(double u, double m) {
     return {v.sn / root, v.dn, v.cn};
 }
 
-double jacobisn(double u, double m) { return jacobiall(u, m).sn; }
-double jacobicn(double u, double m) { return jacobiall(u, m).cn; }
-double jacobidn(double u, double m) { return jacobiall(u, m).dn; }
+double jacobisn(double u, double m) { return cappedorpole("JACOBISN", jacobiall(u, m).sn); }
+double jacobicn(double u, double m) { return cappedorpole("JACOBICN", jacobiall(u, m).cn); }
+double jacobidn(double u, double m) { return cappedorpole("JACOBIDN", jacobiall(u, m).dn); }
 
 namespace {
 
-double ratio(const char* name, double p, double q) { return q == 0 ? outofrange(name, MAXPOS) : p / q; }
+double ratio(const char* name, double p, double q) {
+    return q == 0 ? outofrange(name, MAXPOS) : cappedorpole(name, p / q);
+}
 
 } // namespace
 
@@ -120,7 +123,7 @@ double jacobidc(double u, double m) {
 }
 
 double jacobiam(double u, double m) {
-    if (!std::isfinite(u + m)) return NAN;
+    if (!std::isfinite(u * std::sqrt(1 + std::fabs(m)))) return outofrange("JACOBIAM", 0);
     if (m > 1) return std::asin(jacobiall(u, m).sn); // swings between the turning points
     if (m == 0) return u;
     if (m == 1) return std::atan(std::sinh(u));

@@ -88,25 +88,26 @@ double leg(double n, double x) {
     if (n < -0.5) n = -n - 1; // DLMF 14.9.5
     if (!isinteger(n)) {
         if (x <= -1) return outofrange("LEG", x == -1 ? MAXPOS : 0);
-        return capped("LEG", x == 1 ? 1 : fractional(n, 0, x));
+        return cappedorpole("LEG", x == 1 ? 1 : fractional(n, 0, x));
     }
     if (n > MANY) return outofrange("LEG", 0);
-    return capped("LEG", legendre(n, x));
+    return cappedorpole("LEG", legendre(n, x));
 }
 
 double aleg(double n, double m, double x) {
     if (std::isnan(n + m + x)) return NAN;
+    if (std::isinf(n + m)) return outofrange("ALEG", 0);
     if (n < -0.5) n = -n - 1;
-    if (!isinteger(n) || !isinteger(m)) return capped("ALEG", anyorder(n, m, x));
+    if (!isinteger(n) || !isinteger(m)) return cappedorpole("ALEG", anyorder(n, m, x));
     if (n > MANY || std::fabs(m) > MANY) return outofrange("ALEG", 0);
-    if (m >= 0) return capped("ALEG", associated(n, m, x, false));
-    if (-m > n) return capped("ALEG", anyorder(n, m, x));
-    return capped("ALEG", associated(n, -m, x, true));
+    if (m >= 0) return cappedorpole("ALEG", associated(n, m, x, false));
+    if (-m > n) return cappedorpole("ALEG", anyorder(n, m, x));
+    return cappedorpole("ALEG", associated(n, -m, x, true));
 }
 
 double plem(double l, double m, double x) {
     if (std::isnan(l + m + x)) return NAN;
-    return badwhole("PLEM", l, m) ? 0 : capped("PLEM", associated(l, m, x, false));
+    return badwhole("PLEM", l, m) ? 0 : cappedorpole("PLEM", associated(l, m, x, false));
 }
 
 namespace {
@@ -138,7 +139,7 @@ double slope(const char* name, double l, double m, double x) {
 
 double plemder(double l, double m, double x) {
     if (std::isnan(l + m + x)) return NAN;
-    return badwhole("PLEMDER", l, m) ? 0 : capped("PLEMDER", slope("PLEMDER", l, m, x));
+    return badwhole("PLEMDER", l, m) ? 0 : cappedorpole("PLEMDER", slope("PLEMDER", l, m, x));
 }
 
 double peqder(double m, double x) {
@@ -147,5 +148,5 @@ double peqder(double m, double x) {
     if (m == 0) return 0;
     if (std::fabs(x) == 1) return endslope("PEQDER", m, m, x);
     const double s = (x - 1) * (x + 1); // P_m^m is a power of |1 - x^2|
-    return capped("PEQDER", m * x / s * associated(m, m, x, false));
+    return cappedorpole("PEQDER", m * x / s * associated(m, m, x, false));
 }

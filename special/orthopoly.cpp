@@ -21,6 +21,12 @@ bool badorder(const char* name, double n) {
     return n > MANY;
 }
 
+// The value, or where it overflowed on the way the largest number of the sign far out.
+double settled(const char* name, double value, double sign) {
+    return std::isnan(value) ? outofrange(name, std::copysign(MAXPOS, sign)) : capped(name, value);
+}
+double signofpower(double x, double n) { return x < 0 ? paritysign(n) : 1; }
+
 bool badparameters(bool bad) {
     if (bad) spnote(SPERR, "parameters invalid");
     return bad;
@@ -45,7 +51,7 @@ double jacobi1(double n, double a, double b, double x) {
                             2 * (k + a) * (k + b) * (c + 2) * p.last;
         p.step(next / (2 * (k + 1) * (k + a + b + 1) * c));
     }
-    return capped("JACOBI1", p.value());
+    return settled("JACOBI1", p.value(), signofpower(x, n));
 }
 
 double jacobi2(double n, double p, double q, double x) {
@@ -61,18 +67,18 @@ double jacobi2(double n, double p, double q, double x) {
                                 : k * (k + a) * (k + b) * (k + a + b) / (c * c * (c + 1) * (c - 1));
         g.step((x - centre) * g.now - s * g.last);
     }
-    return capped("JACOBI2", g.value());
+    return settled("JACOBI2", g.value(), signofpower(x, n));
 }
 
 double gegenp(double n, double a, double x) {
     if (std::isnan(n + a + x)) return NAN;
     if (badorder("GEGENP", n) || badparameters(!(a > -0.5))) return 0;
     if (n == 0) return 1;
-    if (a == 0) return 2 * cheb1(n, x) / n;
+    if (a == 0) return capped("GEGENP", 2 / n * cheb1(n, x));
     scaledpair c{1, 2 * a * x};
     for (double k = 1; k < n; k++) // DLMF 18.9.1
         c.step((2 * (k + a) * x * c.now - (2 * a + (k - 1)) * c.last) / (k + 1));
-    return capped("GEGENP", c.value());
+    return settled("GEGENP", c.value(), signofpower(x, n));
 }
 
 namespace {
@@ -86,7 +92,6 @@ double twoterm(double n, double x, double first) { // f(k+1) = 2x f(k) - f(k-1) 
     return p.value();
 }
 
-double signofpower(double x, double n) { return x < 0 ? paritysign(n) : 1; }
 // The angle of x = cos(t) in [0, pi], and t >= 0 of |x| = cosh(t).
 double angleof(double x) { return std::atan2(std::sqrt((1 - x) * (1 + x)), x); }
 // cos(n t) and sin(n t) for whole n and |x| <= 1; where x is small t is pi/2 - asin(x), whose first part
@@ -117,7 +122,7 @@ bool badwhole(double n) { // the Chebyshev polynomials reach any order
 double cheb1(double n, double x) {
     if (std::isnan(n + x)) return NAN;
     if (badwhole(n)) return 0;
-    if (n <= SHORT) return capped("CHEB1", twoterm(n, x, x));
+    if (n <= SHORT) return settled("CHEB1", twoterm(n, x, x), signofpower(x, n));
     double c, s;
     if (std::fabs(x) <= 1) {
         turned(n, x, &c, &s);
@@ -129,7 +134,7 @@ double cheb1(double n, double x) {
 double cheb2(double n, double x) {
     if (std::isnan(n + x)) return NAN;
     if (badwhole(n)) return 0;
-    if (n <= SHORT) return capped("CHEB2", twoterm(n, x, 2 * x));
+    if (n <= SHORT) return settled("CHEB2", twoterm(n, x, 2 * x), signofpower(x, n));
     if (std::fabs(x) == 1) return signofpower(x, n) * (n + 1);
     if (std::fabs(x) < 1) {
         double c, s;
@@ -156,7 +161,7 @@ double alaguerre(double n, double a, double x) {
             power += 400;
         }
     }
-    return capped("ALAGUERRE", std::ldexp(value, power));
+    return settled("ALAGUERRE", std::ldexp(value, power), signofpower(-x, n));
 }
 
 double laguerre(double n, double x) { return alaguerre(n, 0, x); }
@@ -167,7 +172,7 @@ double hermite(double n, double x) {
     if (n == 0) return 1;
     scaledpair p{1, 2 * x};
     for (double k = 1; k < n; k++) p.step(2 * (x * p.now - k * p.last));
-    return capped("HERMITE", p.value());
+    return settled("HERMITE", p.value(), signofpower(x, n));
 }
 
 double hermite2(double n, double x) {
@@ -176,7 +181,7 @@ double hermite2(double n, double x) {
     if (n == 0) return 1;
     scaledpair p{1, x};
     for (double k = 1; k < n; k++) p.step(x * p.now - k * p.last);
-    return capped("HERMITE2", p.value());
+    return settled("HERMITE2", p.value(), signofpower(x, n));
 }
 
 double charlier(double n, double a, double x) {
@@ -188,7 +193,7 @@ double charlier(double n, double a, double x) {
     scaledpair p{1, 1 - x / a};
     for (double k = 1; k < n; k++) // DLMF 18.22.2
         p.step(((k + a - x) * p.now - k * p.last) / a);
-    return capped("CHARLIER", p.value());
+    return settled("CHARLIER", p.value(), signofpower(-x, n));
 }
 
 namespace {
@@ -233,12 +238,12 @@ double bernpol(double n, double x) {
         h = -h;
         sign = paritysign(n);
     }
-    if (2 * DDPI.hi * h.hi >= n) return capped("BERNPOL", sign * bernoullisum(order, h));
+    if (2 * DDPI.hi * h.hi >= n) return settled("BERNPOL", sign * bernoullisum(order, h), sign);
     // from the first period up, DLMF 24.4.1: nothing cancels
     const dd from = h + 0.5;
     const double periods = std::floor(from.hi);
     const dd rest = from - periods;
     double sum = n > 2 && std::fmod(n, 2) != 0 && rest.hi == 0 ? 0 : bernoullisum(order, rest - 0.5);
     for (double k = 0; k < periods; k++) sum += n * std::pow((rest + k).hi, n - 1);
-    return capped("BERNPOL", sign * sum);
+    return settled("BERNPOL", sign * sum, sign);
 }

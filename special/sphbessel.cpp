@@ -30,11 +30,11 @@ bool refused(const char* name, double n, double x, double* result) {
         *result = n + x;
         return true;
     }
-    if (std::isinf(n) || (x < 0 && !isinteger(n))) {
+    if (std::fabs(n) > BESSELFAR || (x < 0 && !isinteger(n))) {
         *result = outofrange(name, 0);
         return true;
     }
-    if (std::isinf(x)) {
+    if (std::fabs(x) > BESSELFAR) {
         *result = 0;
         return true;
     }
@@ -87,13 +87,16 @@ double spby(double n, double x) {
 
 double spbi(double n, double x) {
     double r;
-    if (refused("SPBI", n, x, &r)) return std::isinf(x) ? outofrange("SPBI", MAXPOS) : r;
+    if (refused("SPBI", n, x, &r))
+        return std::fabs(x) > BESSELFAR && spfaults.count == 0 ? outofrange("SPBI", MAXPOS) : r;
     if (x == 0) return n == 0 ? 1 : n > 0 ? 0 : outofrange("SPBI", MAXPOS);
     const double a = std::fabs(x), sign = x < 0 ? paritysign(n) : 1;
     if (n == 0 && a < 709) return a < 1e-5 ? 1 + a * a / 6 : std::sinh(a) / a;
     if (n == -1 && a < 709) return sign * std::cosh(a) / a;
     if (n >= -0.5 && a * a / 4 < n + 1.5) return sign * ascendinghalf(n, a, 1);
-    return capped("SPBI", sign * joinexponent(half(a, besiraw(n + 0.5, a, 1)), a));
+    if (n < -0.5) return capped("SPBI", sign * joinexponent(half(a, besiraw(n + 0.5, a, 1)), a));
+    const besik wide = besiwide(n + 0.5, a);
+    return capped("SPBI", sign * joinexponent(half(a, wide.i), wide.ei));
 }
 
 double spbk(double n, double x) {

@@ -81,9 +81,10 @@ double any(const char* name, double (*positive)(double, double), double nu, doub
         if (nu == -1) return 2 / PI;
         return halfodd(nu) ? 0 : outofrange(name, MAXPOS);
     }
-    if (x > 0) return capped(name, positive(nu, x));
+    if (std::fabs(nu) > 1e15 || std::fabs(x) > 1e15) return outofrange(name, 0);
+    if (x > 0) return cappedorpole(name, positive(nu, x));
     if (!isinteger(nu)) return outofrange(name, 0);
-    return capped(name, -paritysign(nu) * positive(nu, -x));
+    return cappedorpole(name, -paritysign(nu) * positive(nu, -x));
 }
 
 } // namespace

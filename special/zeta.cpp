@@ -94,6 +94,7 @@ double lambdafn(double s) {
 }
 
 double betacat(double s) {
+    if (std::isnan(s)) return s;
     static constexpr alternating sums;
     if (s >= 0) {
         double sum = 0;
