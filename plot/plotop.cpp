@@ -27,12 +27,13 @@ struct plotdevice {
     bool sized;         // the page has the size of the screen, else one of its own
 };
 constexpr plotdevice devices[] = {
-    {"PSCL", "ps", INKPAPER, "PSL", false},  {"PSL", "ps", INKMONO, "PSL", false},
-    {"PSCP", "ps", INKPAPER, "PSP", false},  {"PSCPX", "ps", INKEXACT, "PSP", false},
-    {"PSCLX", "ps", INKEXACT, "PSL", false}, {"PSP", "ps", INKMONO, "PSP", false},
-    {"LJ2L", "lj", INKMONO, "LJ2L", false},  {"LJ2P", "lj", INKMONO, "LJ2P", false},
-    {"PNG", "png", INKPAPER, "PNG", true},   {"SVG", "svg", INKPAPER, "SVG", true},
-    {"PDF", "pdf", INKPAPER, "PDF", true},
+    {"PSCL", "ps", INKPAPER, "PSL", false},   {"PSL", "ps", INKMONO, "PSL", false},
+    {"PSCP", "ps", INKPAPER, "PSP", false},   {"PSCPX", "ps", INKEXACT, "PSP", false},
+    {"PSCLX", "ps", INKEXACT, "PSL", false},  {"PSP", "ps", INKMONO, "PSP", false},
+    {"LJ2L", "lj", INKMONO, "LJ2L", false},   {"LJ2P", "lj", INKMONO, "LJ2P", false},
+    {"PNG", "png", INKPAPER, "PNG", true},    {"SVG", "svg", INKPAPER, "SVG", true},
+    {"PDF", "pdf", INKPAPER, "PDF", true},    {"PNGP", "png", INKPAPER, "PNGP", false},
+    {"SVGP", "svg", INKPAPER, "SVGP", false}, {"PDFP", "pdf", INKPAPER, "PDFP", false},
 };
 
 const plotdevice& chosendevice() {
