@@ -118,7 +118,9 @@ bool within(const double* x, size_t n) {
 double sinone(double x) { return std::fabs(x) <= MOST ? single(x, 0) : std::sin(x); }
 double cosone(double x) { return std::fabs(x) <= MOST ? single(x, 1) : std::cos(x); }
 
-[[gnu::target_clones("default", "avx2", "avx512f")]] void sincolumn(const double* x, double* y, size_t n) {
+// Called through the functions of the header: not every compiler lets another file call the copies by their
+// name.
+[[gnu::target_clones("default", "avx2", "avx512f")]] void sincopies(const double* x, double* y, size_t n) {
     if (within(x, n)) {
         for (size_t i = 0; i < n; i++) y[i] = core(x[i], 0);
     } else {
@@ -126,10 +128,13 @@ double cosone(double x) { return std::fabs(x) <= MOST ? single(x, 1) : std::cos(
     }
 }
 
-[[gnu::target_clones("default", "avx2", "avx512f")]] void coscolumn(const double* x, double* y, size_t n) {
+[[gnu::target_clones("default", "avx2", "avx512f")]] void coscopies(const double* x, double* y, size_t n) {
     if (within(x, n)) {
         for (size_t i = 0; i < n; i++) y[i] = core(x[i], 1);
     } else {
         for (size_t i = 0; i < n; i++) y[i] = cosone(x[i]);
     }
 }
+
+void sincolumn(const double* x, double* y, size_t n) { sincopies(x, y, n); }
+void coscolumn(const double* x, double* y, size_t n) { coscopies(x, y, n); }
