@@ -180,6 +180,9 @@ void DFLUSH() {
 void DLINEWIDTH(double w) {
     if (!(w >= 0) || !std::isfinite(w)) return;
     vlflushall();
+    // A display list knows the widths 1 to 3 and the thinnest.
+    const long low = w == 0 ? 0 : std::clamp(4 - std::lrint(std::min(w, 4.0)), 1L, 3L);
+    vlputword(VLOPWIDTH | uint32_t(low));
     if (vl.live && vl.ops && vl.ops->setlinewidth) vl.ops->setlinewidth(w);
 }
 

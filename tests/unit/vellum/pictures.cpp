@@ -37,9 +37,11 @@ TEST_F(Picture, wordsOfMovesLinesAndPoints) {
     DCOLOR(3);
     DMOVE(0.125, 0.25);
     DDRAW(0, 0.25);
+    DLINEWIDTH(1);
+    DLINEWIDTH(0);
     EXPECT_EQ(DPICWORDS(p), (std::vector<uint32_t>{move(0, 0), line(one / 4, one / 2), line(one / 2, one / 2),
                                                    line(3 * one / 4, one / 2), point(one / 8, one / 4),
-                                                   0xc0000003, line(0, one / 4)}));
+                                                   0xc0000003, line(0, one / 4), 0xe0000003, 0xe0000000}));
     EXPECT_EQ(DPICSTATE(p), -1);
 }
 
