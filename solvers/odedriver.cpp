@@ -5,9 +5,14 @@
 #include "interp/base/report.h"
 
 #include <algorithm>
+#include <cfloat>
 #include <cmath>
 
 namespace {
+
+// No state is known better than to a few units in its last place: a smaller ERRFAC would end in steps of no
+// length.
+constexpr double LEASTTOLERANCE = 4 * DBL_EPSILON;
 
 struct odejob {
     const odemodel& model;
@@ -15,7 +20,7 @@ struct odejob {
     oderun& run;
     double errfac0;
     odejob(const odemodel& m, const odeswitches& switches, oderun& r)
-        : model(m), sw(switches), run(r), errfac0(switches.errfac) {}
+        : model(m), sw(switches), run(r), errfac0(std::max(switches.errfac, LEASTTOLERANCE)) {}
     double hnominal = 0.1;
     int disasters = 0;   // times that the step could not shrink
     long forcedat = -10; // accepted steps when the solution was last forced on
@@ -264,6 +269,8 @@ void steplimits(odejob& job) {
         s.h = std::max(0.0005 * std::fabs(run.t0), 1e-12);
     }
     s.h = std::min(s.h, s.hlimit);
+    // far from 0 no first step below what the step control would lift it to at once, with no history for it
+    s.h = std::max(s.h, 1e-12 * std::fabs(run.t0));
     if (first > 0) s.h = std::min(s.h, first);
     s.h *= run.dir;
 }
@@ -284,7 +291,7 @@ void begin(odejob& job, const double* times, long ntimes, harray* out) {
     derivative(job);
     s.method = job.sw.method;
     s.stiff = s.method == ODESHRAGER || s.method == ODETU;
-    s.errfac = job.sw.errfac;
+    s.errfac = job.errfac0;
     s.absfloor = MACHEPS;
     s.refreshjac = job.sw.jacsw != 2;
     s.fixedstep = job.sw.disaster == 4;

@@ -202,11 +202,14 @@ constexpr double MOSTPERCHANGE = 50, LEASTSHARE = 0.02;
 /* The truncation test holds the error of one step, and of the blended formula only the part of the third
  * order. What many steps add up to is held here: while a state changes by its own size, the formula may add
  * at most MOSTPERCHANGE times the relative tolerance, so in one step its share by how far the state went; not
- * more than the tolerance, and not less than LEASTSHARE of it where the state hardly moves. */
+ * more than the tolerance, and not less than LEASTSHARE of it where the state hardly moves, nor than
+ * rounding.
+ */
 void accumulationtest(odestepper& s) {
     for (int i = 0; i < s.n; i++) {
         const double change = std::fabs(s.y[i] - s.Y[2][i]) / 3 * s.errfac;
-        const double allowed = std::min(s.tol[i], std::max(LEASTSHARE * s.tol[i], MOSTPERCHANGE * change));
+        const double least = std::max(LEASTSHARE * s.tol[i], 8 * DBL_EPSILON * std::fabs(s.y[i]));
+        const double allowed = std::min(s.tol[i], std::max(least, MOSTPERCHANGE * change));
         keepworst(formulaerror(s, i) / allowed, i, s.truncerr, s.trunceqn);
     }
 }
@@ -372,6 +375,7 @@ void steplength(odestepper& s, double dist) {
     if (std::fabs(s.h) > s.hlimit) s.latched = true;
     const double place = std::fabs(s.tbase);
     s.hmin = s.latched ? s.hlimit : place < 1e-30 ? 1e-30 : place * 1e-12;
+    s.hmin = std::max(s.hmin, 4 * DBL_EPSILON * place); // a step moves the time
     const double error = std::isnan(s.truncerr) || s.truncerr > s.correrr ? s.truncerr : s.correrr;
     const double factor = stepfactor(error);
     double h = std::min(std::max(std::fabs(factor * s.h), s.hmin), s.hmax);

@@ -117,6 +117,26 @@ TEST_F(Ode, TestProblemsReachTheirReferenceValues) {
     }
 }
 
+// A tolerance that no number can hold, a start far from 0: each mode ends, in silence, with what is possible.
+TEST_F(Ode, HardTolerancesAndPlacesEnd) {
+    const struct {
+        const char *errfac, *start;
+        double off; // relative error at the end
+    } rows[] = {{"1E-14", "0", 1E-9},  {"1E-16", "0", 1E-9},      {"1E-300", "0", 1E-9},
+                {"1E-9", "1E3", 1E-6}, {"1E-9", "2451545", 1E-6}, {"1E-9", "-1E6", 1E-6},
+                {"1E-6", "1E10", 1E-3}};
+    for (const auto& row : rows)
+        for (int method = 0; method <= 3; method++) {
+            const std::string said =
+                run(std::string("DELETEALL\nFUNCTION M'T(T) = -M; INITIAL M(") + row.start +
+                    ") = 1; ERRFAC = " + row.errfac + "; METHOD = " + std::to_string(method) +
+                    "; V = " + row.start + "+(0:2); S = INTEGRATE(M,V); LAST = S(3,2)");
+            EXPECT_EQ(said, "") << row.errfac << " " << row.start << " METHOD " << method;
+            EXPECT_NEAR(scalar("LAST") * std::exp(2), 1, row.off)
+                << row.errfac << " " << row.start << " METHOD " << method;
+        }
+}
+
 constexpr char decay[] = "FUNCTION M'T(T) = -M; INITIAL M(0) = 1\n";
 
 TEST_F(Ode, FormsAndMessages) {
