@@ -13,3 +13,6 @@ void nicebounds(double lo, double hi, double scale, double& nicelo, double& nice
 /* The x and y axes of a window whose wclipsw has OWNMARKS get marks at round numbers between its limits, as
  * many as their labels have room for, and labels with as many places as these need. */
 void adjustaxes(int win);
+// The user tells the marks from here on: they, and the format of labels, are no longer chosen.
+struct curve;
+void ownmarksend(curve& c);

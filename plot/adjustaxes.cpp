@@ -142,6 +142,11 @@ bool choosesmarks(const curve& c) {
 
 } // namespace
 
+void ownmarksend(curve& c) {
+    c.wclipsw &= ~OWNMARKS;
+    if (c.format[4] == CHOSEN) std::copy(std::begin(PLAINFORMAT), std::end(PLAINFORMAT), c.format);
+}
+
 void adjustaxes(int win) {
     for (int k = ringnext(win); k; k = ringnext(k))
         if (iscurve(k) && choosesmarks(curveof(k))) markaxis(curveof(k), windowof(win));

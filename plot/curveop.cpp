@@ -137,7 +137,7 @@ void setclip(curve& c, bool newdata) {
     if (given(clause.wclip))
         c.wclipsw = clause.wclip;
     else if (newdata || (given(clause.labelmatrix) && c.labels))
-        c.wclipsw &= ~OWNMARKS;
+        ownmarksend(c);
 }
 
 // ---- the two ways of a statement ----

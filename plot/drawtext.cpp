@@ -223,10 +223,13 @@ double textadvance(const char* text, int font, double size, int rendermode) {
     return p.farthest;
 }
 
-double textheight(const char* text, int font, double size) {
+double textheight(const char* text, int font, double size, int rendermode) {
     if (!(size > 0)) return 0;
+    std::string plain(text);
+    if (rendermode == TEXTCOMMANDS) plain.resize(strcspn(text, "'"));
+    if (plain.empty()) plain = "0";
     vltextsize extent{};
     DCHARSIZE(size * scene.plotscale);
-    DTEXTSIZE(&extent, text, font);
+    DTEXTSIZE(&extent, plain.c_str(), font);
     return (extent.ascent + extent.descent) / scene.plotscale;
 }

@@ -53,7 +53,7 @@ struct labelpen {
 
 void drawlabel(const labelpen& p, double x, double y, const char* text) {
     const double width = textadvance(text, p.c.labelfont, p.size, TEXTPLAIN);
-    const double height = textheight(text, p.c.labelfont, p.size);
+    const double height = textheight(text, p.c.labelfont, p.size, TEXTPLAIN);
     const double along = -(p.c.hplace + 1) * 0.5 * width, across = -(p.c.vplace + 1) * 0.5 * height;
     DMOVE(x + p.xoffset + along * p.cosine - across * p.sine,
           y + p.yoffset + along * p.sine + across * p.cosine);

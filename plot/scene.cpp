@@ -93,7 +93,7 @@ void drawtitle(const window& w, const title& t) {
         length = raylength(frame, x, y, cosine, sine);
     }
     const double width = textadvance(t.text.c_str(), t.font, size, TEXTCOMMANDS);
-    const double height = textheight(t.text.c_str(), t.font, size);
+    const double height = textheight(t.text.c_str(), t.font, size, TEXTCOMMANDS);
     const double along = (length - width) * shift - (t.hplace + 1) * 0.5 * width;
     const double across = -(t.vplace + 1) * 0.5 * height;
     DMOVE(x + along * cosine - across * sine, y + along * sine + across * cosine);

@@ -28,7 +28,8 @@ enum textmode { TEXTPLAIN, TEXTCOMMANDS }; // as it stands, or with the commands
  * as setcolor. TEXTPLAIN leaves the present point behind the text. */
 void drawtext(const char* text, int font, double size, int color, double angle, int rendermode);
 double textadvance(const char* text, int font, double size, int rendermode); // its length on the line
-double textheight(const char* text, int font, double size);                  // ascent and descent
+// Ascent and descent: of the text as far as its first command, or of a digit.
+double textheight(const char* text, int font, double size, int rendermode);
 
 // ---- for the parts of the scene ----
 
