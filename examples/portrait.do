@@ -1,0 +1,22 @@
+/* The phase portrait of predator and prey (Lotka and Volterra): orbits with their direction, and the lines on which one of
+   the two rests. */
+FUNCTION P'T(T) = 1.5*P - P*R
+FUNCTION R'T(T) = P*R - 3*R
+WINDOW 0 TO 8, 0 TO 5
+IMAGE 0.12 TO 0.95, 0.16 TO 0.88
+FOR START = 0.9:2.4:0.5 {
+  INITIAL P(0) = START; INITIAL R(0) = 1.5
+  S = INTEGRATE(P, R, 0:3.6:0.02)
+  ORBIT = S COL LIST(2,4)
+  DRAW ORBIT COLOR BLUE
+  DRAW (ORBIT ROW LIST(36,46)) LINETYPE 0 POINTTYPE -31 PTSIZE 0.024 COLOR BLUE
+}
+DRAW PREYREST = (0&8) &' 1.5 LINETYPE 2 COLOR GREY
+DRAW PREDATORREST = 3 &' (0&5) LINETYPE 2 COLOR GREY
+DRAW MIDDLE = 3 &' 1.5 LINETYPE 0 POINTTYPE -13 PTSIZE 0.012
+XAXIS (0:8) &' 0 LABEL (0:8) LABELSIZE 0.022
+YAXIS 0 &' (0:5) LABEL (0:5) LABELSIZE 0.022
+TITLE TOP, "Predators and prey" SIZE 0.034
+TITLE BOTTOM, "prey" SIZE 0.026
+TITLE LEFT, "predators" SIZE 0.026
+PLOT IN "portrait"
