@@ -1,0 +1,47 @@
+/* words: --quiet --vanilla */
+"Names of plot files, what is asked, what is refused"
+PLOT
+DRAW C1 = 1:4
+PLOTDEV = "psl"
+PLOT
+PLOT
+TYPE PLOTDEV
+TYPE DIR
+PLOT IN FIG
+PLOT W IN "figure.eps"
+PLOT W IN "figure.eps"
+PLOTOVER = 1
+PLOT W IN "figure.eps"
+PLOT C1
+VIEW C1
+PLOTDEV = "LASER"
+PLOT
+PLOTDEV = "LJ2P"
+PLOT IN "never"
+PLOTDEV = 3
+PLOTDEV = "PSCP"
+PLOT IN "no/such/folder"
+TYPE FILE "never.lj"
+"Without a screen"
+VIEW
+VIEW
+VIEW 3
+CLOSEVIEW
+WREAD(5)
+VIEWSIZE 0, 5
+VIEWSIZE 8
+VIEWSIZE 6, 6
+TYPE GETFRAME(W, 2)
+DISPLAY = "VGAC"
+DISPLAY = "MSWDEV"
+"A fault leaves no file and the objects as they were"
+FLATNESS = -1
+DRAW C1 LINETYPE 11
+PLOT IN "broken"
+TYPE FILE "broken.ps"
+FLATNESS = 0
+PLOT IN "broken"
+BLANK W
+PLOT IN "empty"
+DELETEALL
+PLOT IN "nothing"
