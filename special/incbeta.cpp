@@ -149,6 +149,15 @@ double betalimit(double a, double b, double x, double y) {
     spnote(SPERR, "IBETA: a or b too big, or itmax too small");
     return 0;
 }
+
+// I_x(a,b) for whole b up to 8: x^a times the sum of (a)_k y^k/k!, k < b (DLMF 8.17.5); nothing cancels.
+double finiteibeta(double a, int b, double x, double y) {
+    double term = 1, sum = 1, power = 1;
+    for (int k = 1; k < b; k++) sum += term *= (a + (k - 1)) * y / k;
+    if (a > 8 || a != std::trunc(a)) return std::pow(x, a) * sum;
+    for (int k = 0; k < static_cast<int>(a); k++) power *= x;
+    return power * sum;
+}
 } // namespace
 
 double betaterm(double a, double b, double x, double y) {
@@ -161,6 +170,8 @@ double ibetaxy(double a, double b, double x, double y) {
     if (x == 0 || y == 0) return y == 0;
     if (a < 1e-20 && b < 1e-20) return b / (a + b); // x^a and y^b are 1 for every double
     if (a < 1e-100) return 1;
+    if (b >= 1 && b <= 8 && a < 1e3 && b == std::trunc(b))
+        return std::fmin(finiteibeta(a, static_cast<int>(b), x, y), 1);
     if (a < 1e-290 || b < 1e-290 || b > 1e19 || a > 1e19) return betalimit(a, b, x, y);
     lastbeta.set(a, b);
     const double term = betatermof(lastbeta, x, y);
