@@ -90,6 +90,20 @@ double pagescale(const vldevice& page) {
     return std::min({1.0, page.xaspect / screen.aspectx, page.yaspect / screen.aspecty});
 }
 
+double linewidth() {
+    constexpr double MAXPOINTS = 1000;
+    const double width = symtabscalar("PSLINEW", 0.5);
+    if (!(width >= 0 && width <= MAXPOINTS)) tarnerror("PLOT: PSLINEW must be in 0 to %g", MAXPOINTS);
+    return width;
+}
+
+void checkpagesize() {
+    constexpr double MAXPAGE = 60;
+    if (screen.screeninchesx > MAXPAGE || screen.screeninchesy > MAXPAGE)
+        tarnerror("PLOT: a page of %g by %g inches is too large, see VIEWSIZE", screen.screeninchesx,
+                  screen.screeninchesy);
+}
+
 /* The device of a plot, open while this lives. Whatever happens, the screen comes back behind it as it was; a
  * file that was not finished is taken away. */
 class plotpage {
@@ -133,7 +147,7 @@ private:
         scene.plotscale = pagescale(*DDEVICE(nullptr));
         scene.backgrounds = false;
         DGET(DSCREENPATCH(), 1);
-        DLINEWIDTH(symtabscalar("PSLINEW", 0.5));
+        DLINEWIDTH(linewidth());
     }
     void restoreview() {
         DQUIT(0);
@@ -153,6 +167,8 @@ private:
 
 void plotop() {
     const plotdevice& device = chosendevice();
+    if (device.sized) checkpagesize();
+    linewidth(); // a wrong one is told before a file goes
     const std::string path = plotfilename(device);
     if (!mayoverwrite(path)) {
         parser.poltop = -1;

@@ -45,3 +45,9 @@ BLANK W
 PLOT IN "empty"
 DELETEALL
 PLOT IN "nothing"
+PSLINEW = -1
+PLOT IN "thin"
+PSLINEW = 0.5
+VIEWSIZE 500, 5
+PLOTDEV = "PDF"
+PLOT IN "wide"
