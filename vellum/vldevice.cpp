@@ -68,6 +68,10 @@ const vldeviceops* vldeviceoperations(int number) {
     case VLPSP:
     case VLPSL:
     case VLPSH: return vlpostscriptoperations();
+    case VLLJ2P:
+    case VLLJ2L:
+    case VLLJ2PFULL:
+    case VLLJ2LFULL: return vllaserjetoperations();
     case VLMEM: return vlmemoryoperations();
     case VLPNGL:
     case VLPNGP:

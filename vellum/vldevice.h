@@ -87,5 +87,6 @@ void vlsetdeviceoperations(int number, const vldeviceops* ops);
 
 // Implemented in the file of each device.
 const vldeviceops* vlpostscriptoperations();      // vlpostscript.cpp: 8, 9, 10
+const vldeviceops* vllaserjetoperations();        // vllaserjet.cpp: 11 to 14
 const vldeviceops* vlmemoryoperations();          // vlmemory.cpp: 20
 const vldeviceops* vlcairooperations(int number); // cairodevice.cpp: 21 to 26; null without cairo

@@ -23,7 +23,7 @@ std::unique_ptr<vlpatch> memorypatch(int w, int h, int depth, const uint8_t* bit
     patch->flags = VLMEMORY;
     const size_t size = vlbitsize(w, h, depth);
     patch->bits = vlbigalloc(size);
-    if (bits) memcpy(patch->bits.get(), bits, size - 5);
+    if (bits) memcpy(patch->bits.get(), bits, (size_t(w) * size_t(h) * size_t(depth) + 7) / 8);
     return patch;
 }
 

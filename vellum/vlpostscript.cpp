@@ -6,9 +6,16 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
 #include <string>
 
 namespace {
+
+// Half a drawing is worth nothing.
+[[noreturn]] void cannotwrite() {
+    vlcomplain("ERROR writing into PostScript file.\n");
+    exit(1);
+}
 
 // The output of one page: device units are 1/300 inch.
 struct psoutput {
@@ -16,7 +23,7 @@ struct psoutput {
     VLPathBuffer path;
     int color = -1; // that the path stands at; -1 not known
 
-    explicit psoutput(const char* name) : out(name, "ERROR writing into PostScript file.") {}
+    explicit psoutput(const char* name) : out(name, cannotwrite) {}
 };
 
 constexpr double margin = 20, unit = 0.24; // points

@@ -1,27 +1,19 @@
 #include "vellum/vlwriter.h"
 
-#include "vellum/vlstate.h"
-
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
 #include <cstring>
 
-vlwriter::vlwriter(const char* name, const char* failed)
-    : file(fopen(name, "wb")), failure(failed), block(new char[room]) {}
+vlwriter::vlwriter(const char* name, void (*onfailure)())
+    : file(fopen(name, "wb")), failed(onfailure), block(new char[room]) {}
 
 vlwriter::~vlwriter() {
     if (file) fclose(file);
 }
 
-void vlwriter::fail() {
-    vlcomplain("%s\n", failure);
-    exit(1);
-}
-
 void vlwriter::drain() {
-    if (fwrite(block.get(), 1, used, file) != used) fail();
+    if (fwrite(block.get(), 1, used, file) != used) failed();
     used = 0;
 }
 
@@ -29,7 +21,7 @@ void vlwriter::close() {
     drain();
     FILE* done = file;
     file = nullptr;
-    if (fclose(done) != 0) fail();
+    if (fclose(done) != 0) failed();
 }
 
 void vlwriter::text(std::string_view s) {

@@ -9,8 +9,9 @@
 
 class vlwriter {
 public:
-    // Opens the file for writing; isopen tells whether that went well.
-    vlwriter(const char* name, const char* failure);
+    // Opens the file for writing; isopen tells whether that went well. A failed write calls `failed`, which
+    // does not come back.
+    vlwriter(const char* name, void (*failed)());
     vlwriter(const vlwriter&) = delete;
     vlwriter& operator=(const vlwriter&) = delete;
     ~vlwriter();
@@ -31,11 +32,10 @@ public:
 private:
     static constexpr size_t room = 1 << 16, spare = 64;
     FILE* file;
-    const char* failure; // told when a write fails
+    void (*failed)();
     std::unique_ptr<char[]> block;
     size_t used = 0;
 
-    void fail();
     // The place of a number: `spare` bytes can be written there.
     char* place() {
         if (used + spare > room) drain();

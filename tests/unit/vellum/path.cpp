@@ -15,7 +15,7 @@ protected:
         VLPathInit(&p);
     }
     std::string printed() {
-        vlwriter out("path.txt", "no room");
+        vlwriter out("path.txt", [] { FAIL(); });
         VLPathDoPrint(&p, out);
         out.close();
         return readwhole("path.txt");
@@ -89,7 +89,7 @@ TEST_F(Path, imageHasSixtyFourBytesALine) {
 vlwriter* longout = nullptr;
 
 TEST_F(Path, overflowGoesOnAtThePoint) {
-    vlwriter out("long.txt", "no room");
+    vlwriter out("long.txt", [] { FAIL(); });
     longout = &out;
     VLPathSetOverflow(&p, [](VLPathBuffer* q) {
         VLPathDoPrint(q, *longout);
