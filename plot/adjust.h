@@ -1,6 +1,6 @@
 /* plot/adjust.h - round numbers for the limits of a window and the marks of its axes.
  * Owns:    nothing; adjustwindow, which uses both, is told in plotobj.h.
- * Callers: adjustwindow.
+ * Callers: adjustwindow; the statements that change an axis or make it another room.
  * Never:   draws; touches an axis with marks of the user's own. */
 #pragma once
 

@@ -1,7 +1,7 @@
 /* plot/clauses.h - the clauses of plot statements: their cells (base/parser.h) against the records.
  * Owns:    what a clause may hold and how it changes a record. Checks come apart from changes, so that a
  *          statement that is refused has changed nothing.
- * Callers: the statements of this room.
+ * Callers: the statements of this room; TO, which FIT shares.
  * Never:   knows which object a statement means. */
 #pragma once
 

@@ -1,7 +1,8 @@
 /* plot/plotobj.h - windows, curves, axes and titles as objects.
- * Owns:    the three records with their defaults, the rings that hold them together, the six coordinate
- *          units, the shape of the screen. Callers: the statements of this room, the scene drawing, SAVE and
- *          USE, assignment, EDIT. Never:   draws; knows a device. */
+ * Owns:    the three records with their defaults, the rings that hold them together, the units, the screen's
+ *          shape.
+ * Callers: the statements of this room, the scene drawing, SAVE and USE, assignment, EDIT.
+ * Never:   draws; knows a device. */
 #pragma once
 
 #include "interp/base/machine.h"
@@ -13,9 +14,7 @@
 #include <cstdint>
 #include <string>
 
-// Colours are indices of the device's table; these two have no place in it.
-inline constexpr int CLEARCOLOR = -2;  // nothing is drawn
-inline constexpr int ABSENTCOLOR = -1; // in the clause cells: not given
+inline constexpr int CLEARCOLOR = -2; // nothing is drawn; other colours are indices of the device's table
 
 // A limit of a window follows the data by the bits of its code.
 enum adjustbits { ADJUSTSHRINK = 1, ADJUSTEXPAND = 2, ADJUSTPAD = 4, ADJUSTNICE = 8, ADJUSTMATCH = 12 };
