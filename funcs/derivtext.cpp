@@ -110,8 +110,8 @@ int derivformula(const char* formula, const int* args, int nargs) {
 }
 
 const char* derivformulacheck(const char* formula) {
-    const int u = symtabenter("X");
-    const int args[] = {u, u, u, u, u};
+    int args[5]; // different ones: a formula may divide by their difference
+    for (int k = 0; k < 5; k++) args[k] = symtabenter(std::string(1, "XYZST"[k]).c_str());
     formulareader reader{formula, args, 5};
     reader.comparison();
     if (reader.bad) return reader.bad;

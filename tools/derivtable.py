@@ -97,7 +97,54 @@ rows += [
     ("ROOT(V,0,10,V^3+V-X)", root, P),
     ("TYPEOUT(X)*0+X^2", lambda x: x ** 2, P),
 ]
-first = {"IGAMMA(X,1.5)": lambda x: gammareg(x, mpf(1.5)), "IBETA(X,3,0.4)": lambda x: betareg(x, 3, mpf("0.4")),
+H = mpf(1) / 2
+
+
+def spherical(f, n, x):
+    return m.sqrt(m.pi / (2 * x)) * f(n + H, x)
+
+
+def pi3(n, p, k):
+    return m.ellippi(n, p, k)
+
+
+rows += [
+    ("ABESSJ(2,X)", lambda x: m.besselj(2, x), P), ("ABESSY(2,X)", lambda x: m.bessely(2, x), P),
+    ("ABESSI(2,X)", lambda x: m.besseli(2, x), P), ("ABESSK(2,X)", lambda x: m.besselk(2, x), P),
+    ("BESKES(1.5,X)", lambda x: m.exp(x) * m.besselk(3 * H, x), P), ("BESKS(2,X)", lambda x: m.besselk(2, x), P),
+    ("SPBJ(2,X)", lambda x: spherical(m.besselj, 2, x), P), ("SPBY(2,X)", lambda x: spherical(m.bessely, 2, x), P),
+    ("SPBI(2,X)", lambda x: spherical(m.besseli, 2, x), P), ("SPBK(2,X)", lambda x: spherical(m.besselk, 2, x), P),
+    ("IBESSI0(X)", lambda x: x * m.hyper([H], [1, 3 * H], x * x / 4), P),
+    ("BAIRY(X)", m.airybi, P), ("BAIRY(X,1)", lambda x: m.airybi(x, derivative=1), P),
+    ("BAIRY(X,2)", m.airyai, P), ("BAIRY(-X,3)", lambda x: m.airyai(-x, derivative=1), P),
+    ("STRUVED(1,X)", lambda x: m.struveh(1, x), P), ("STRUVELD(0.5,X)", lambda x: m.struvel(H, x), P),
+    ("HGEOF(0.5,1.5,2.5,X/4)", lambda x: m.hyp2f1(H, 3 * H, 5 * H, x / 4), P),
+    ("CHM(0.5,1.5,-X)", lambda x: m.hyp1f1(H, 3 * H, -x), P), ("CHU(0.5,1.5,X)", lambda x: m.hyperu(H, 3 * H, x), P),
+    ("JACOBI1(3,0.5,1.5,X)", lambda x: m.jacobi(3, H, 3 * H, x), U), ("JACOBI1(0,0.5,1.5,X)*X", lambda x: x, U),
+    ("JACOBI2(3,2,1.5,X)", lambda x: m.factorial(3) * m.gamma(5) / m.gamma(8) * m.jacobi(3, H, H, 2 * x - 1), U),
+    ("GEGENP(4,0.7,X)", lambda x: m.gegenbauer(4, mpf("0.7"), x), U), ("GEGENP(3,0,X)", lambda x: 2 * m.chebyt(3, x) / 3, U),
+    ("CHEB1(4,X)", lambda x: m.chebyt(4, x), U), ("CHEB2(4,X)", lambda x: m.chebyu(4, x), U),
+    ("LAGUERRE(3,X)", lambda x: m.laguerre(3, 0, x), P), ("ALAGUERRE(3,0.5,X)", lambda x: m.laguerre(3, H, x), P),
+    ("HERMITE(4,X)", lambda x: m.hermite(4, x), P), ("HERMITE2(3,X)", lambda x: x ** 3 - 3 * x, P),
+    ("HERMITE(0,X)*X", lambda x: x, P), ("BERNPOL(4,X)", lambda x: m.bernpoly(4, x), P),
+    ("DILOG(-X)", lambda x: m.polylog(2, -x), P), ("CLAUSEN(X)", lambda x: m.clsin(2, x), P),
+    ("POCH(X,1.5)", lambda x: m.rf(x, 3 * H), P), ("POCH(1.5,X)", lambda x: m.rf(3 * H, x), P),
+    ("RFACT(X,3)", lambda x: m.rf(x, 3), P), ("FACT(X)", m.factorial, P), ("HARNUM(X)", m.harmonic, P),
+    ("BINCOEF(X,1.5)", lambda x: m.binomial(x, 3 * H), P), ("BINCOEF(3.7,X)", lambda x: m.binomial(mpf("3.7"), x), P),
+    ("ELLIPPI(0.3,X,0.6)", lambda x: pi3(mpf("0.3"), x, mpf("0.6")), U), ("ELLIPPI(0.3,0.9,X)", lambda x: pi3(mpf("0.3"), mpf("0.9"), x), U),
+    ("ELLIPPI(X,0.9,0.6)", lambda x: pi3(x, mpf("0.9"), mpf("0.6")), U), ("ELLIPPI(0.3,X)", lambda x: m.ellippi(mpf("0.3"), x), U),
+    ("ELLIPPI(X,0.6)", lambda x: m.ellippi(x, mpf("0.6")), U),
+    ("JZETA(X,0.6)", lambda x: m.ellipe(am(x, mpf("0.6")), mpf("0.6")) - x * m.ellipe(mpf("0.6")) / m.ellipk(mpf("0.6")), U),
+]
+rows += [("JACOBI%s(0.7,X)" % name.upper(), lambda x, name=name: m.re(m.ellipfun(name, mpf("0.7"), m=x)), U)
+         for name in ("ns", "nc", "nd", "sc", "sd", "cs", "cd", "ds", "dc")]
+slope = {"IERFC(2,X)": lambda x: (m.erfc(x) * (1 + 2 * x * x) - 2 * x * m.exp(-x * x) / m.sqrt(m.pi)) / 4,
+         "IBESSJOXI(X)": lambda x: m.quad(lambda t: (1 - m.besselj(0, t)) / t, [mpf(10) ** -30, x]) - m.log(x / 2) - m.euler,
+         "KELVIN(1,X)": lambda x: m.ber(1, x), "KELVIN(0.5,X,4)": lambda x: m.kei(H, x),
+         "PLEM(3,1,X/3)": lambda x: -m.sqrt(1 - x * x / 9) * (5 * x * x / 3 - 3) / 2,
+         "SIEVERT(2,X/3)": lambda x: m.quad(lambda t: m.exp(-2 * m.sec(t)), [0, x / 3]),
+         "ABRAM(1,X)": lambda x: m.quad(lambda t: t * m.exp(-t * t - x / t), [0, 0.25, 0.5, 1, 2, 4, 12])}
+first = {**slope, "IGAMMA(X,1.5)": lambda x: gammareg(x, mpf(1.5)), "IBETA(X,3,0.4)": lambda x: betareg(x, 3, mpf("0.4")),
          "IBETA(3,X,0.4)": lambda x: betareg(3, x, mpf("0.4"))}
 
 print("# body | point first second | ...   made by tools/derivtable.py (mpmath)")
