@@ -11,3 +11,17 @@ TYPE "-- treated and untreated cells, each velocity weighted by 1/velocity"
 FIT (VM1, K1, VM2, K2), V1 TO TREATED WITH WEIGHT 1/'(TREATED COL 2), V2 TO PLAIN WITH WEIGHT 1/'(PLAIN COL 2)
 TYPE "-- half-saturation: the two constants and their ratio"
 TYPE K1, K2, K1/K2
+
+/* the picture */
+C = 0:1.2:0.01
+IMAGE 0.14 TO 0.95, 0.16 TO 0.88
+DRAW CELLS = TREATED LINETYPE 0 POINTTYPE -13 PTSIZE 0.014
+DRAW CONTROLS = PLAIN LINETYPE 0 POINTTYPE 4 PTSIZE 0.014
+DRAW FIT1 = C &' (V1 ON C) COLOR BLUE
+DRAW FIT2 = C &' (V2 ON C) COLOR BLUE LINETYPE 2
+TITLE "treated" AT (0.9, 185) WORLD SIZE 0.024
+TITLE "untreated" AT (0.9, 138) WORLD SIZE 0.024
+TITLE TOP, "Puromycin and the velocity of a reaction" SIZE 0.032
+TITLE BOTTOM, "concentration (ppm)" SIZE 0.026
+TITLE LEFT, "velocity (counts min'.5U'.7S-1'R)" SIZE 0.026
+PLOT IN "enzyme"

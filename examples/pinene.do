@@ -18,3 +18,20 @@ CONSTRAINTS RATES = { K1 >= 0, K2 >= 0, K3 >= 0, K4 >= 0, K5 >= 0 }
 T = D COL 1
 FIT (K1, K2, K3, K4, K5), A TO T&'(D COL 2), B TO T&'(D COL 3), C TO T&'(D COL 4), P TO T&'(D COL 5), E TO T&'(D COL 6) \
     CONSTRAINTS RATES
+
+/* the picture */
+X = 0:40000:200
+S = INTEGRATE(A, B, C, P, E, X)
+IMAGE 0.12 TO 0.8, 0.16 TO 0.88
+FOR J = 2:6 { DRAW (T &' (D COL J)) LINETYPE 0 POINTTYPE 13 PTSIZE 0.012 }
+FOR J = 2:10:2 { DRAW S COL LIST(1, J) COLOR BLUE }
+N = NROWS(S)
+TITLE "pinene" AT (14500, 31) WORLD SIZE 0.02
+TITLE "dipentene" AT (40500, S(N,4)-1) WORLD SIZE 0.02
+TITLE "allo-ocimene" AT (40500, S(N,6)+2) WORLD SIZE 0.02
+TITLE "pyronene" AT (40500, S(N,8)-3.5) WORLD SIZE 0.02
+TITLE "dimer" AT (40500, S(N,10)-1) WORLD SIZE 0.02
+TITLE TOP, "Isomers of pinene at 189.5 degrees" SIZE 0.032
+TITLE BOTTOM, "time (min)" SIZE 0.026
+TITLE LEFT, "per cent" SIZE 0.026
+PLOT IN "pinene"

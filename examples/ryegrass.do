@@ -7,3 +7,16 @@ LOW = 0.5; HIGH = 8; ED50 = 3; SLOPE = 2
 FIT (LOW, HIGH, ED50, SLOPE), GROWTH TO D
 TYPE "-- concentrations that take 10 and 90 per cent of the growth"
 TYPE ED50*(1/9)^(1/SLOPE), ED50*9^(1/SLOPE)
+
+/* the picture: doses as decimal logarithms, the controls apart */
+TREATED = D ROW (7:24)
+X = -0.3:1.7:0.02
+FUNCTION AT10(U) = GROWTH(10^U)
+IMAGE 0.14 TO 0.95, 0.16 TO 0.88
+DRAW SEEN = (LOG10 ON (TREATED COL 1)) &' (TREATED COL 2) LINETYPE 0 POINTTYPE -13 PTSIZE 0.014
+DRAW MODEL = X &' (AT10 ON X) COLOR BLUE
+DRAW HALF = ((-0.3)&LOG10(ED50)&LOG10(ED50)) &' (((HIGH+LOW)/2)&((HIGH+LOW)/2)&0) LINETYPE 2
+TITLE TOP, "Ryegrass and ferulic acid" SIZE 0.034
+TITLE BOTTOM, "log'.3D'.7S10'R concentration (mM)" SIZE 0.026
+TITLE LEFT, "length of roots (cm)" SIZE 0.026
+PLOT IN "ryegrass"
