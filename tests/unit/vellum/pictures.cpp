@@ -1,5 +1,6 @@
 #include "unit/vellum/harness.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -336,6 +337,36 @@ TEST_F(Patch, childrenDrawIntoTheirRoot) {
     DKILLPATCH(child);
     EXPECT_EQ(DCURRENTPATCH(), DSCREENPATCH());
     EXPECT_EQ(fault([&] { DERASE(grandchild, 0); }), "Illegal picture pointer argument provided in DERASE");
+}
+
+// The same scene at every depth: what is pen in one is pen in the others.
+TEST_F(Patch, takesASceneAtEveryDepth) {
+    page("PSP", "a.ps");
+    std::string first;
+    for (const int depth : {1, 2, 4, 8, 12, 15, 16, 24, 32}) {
+        vlpatch* patch = DPATCH(nullptr, 0, 0, 60, 40, depth, nullptr);
+        DERASE(patch, 0);
+        DTOPPATCH(patch);
+        DWINDOW(-3, 3, -2, 2);
+        const double triangle[] = {3, 2, -2, -1, 2, -1, 0, 1.5};
+        DPOLYGON(triangle, 0, 0, 1);
+        DLINESTYLE(0, 0, 0, 0, 0, 0.05, 0);
+        DMOVE(-3, -2);
+        DDRAW(3, 2);
+        DLINESTYLE(0, 0, 0, 0, 0, 0, 0);
+        const uint32_t paper = DPIXEL(patch, 0, 39, 0, 0);
+        std::string shape;
+        for (int y = 0; y < 40; y++) {
+            for (int x = 0; x < 60; x++) shape += DPIXEL(patch, x, y, 0, 0) == paper ? '.' : '#';
+            shape += '\n';
+        }
+        if (first.empty()) first = shape;
+        EXPECT_EQ(shape, first) << depth;
+    }
+    const auto drawn = std::count(first.begin(), first.end(), '#');
+    EXPECT_GT(drawn, 350);
+    EXPECT_LT(drawn, 750);
+    DTOPPATCH(DSCREENPATCH());
 }
 
 TEST_F(Patch, ofAnotherDepthIsConverted) {
