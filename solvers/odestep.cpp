@@ -191,27 +191,33 @@ void truncationtest(odestepper& s) {
     }
 }
 
-// The error that the formula itself makes in this step of the stiff mode.
+/* What one step may add to the error of state i, so that many steps do not add up to much more than ERRFAC:
+ * while the state changes by its own size at most `perchange` times the relative tolerance, in one step its
+ * share by how far the state went; not more than the tolerance, and not less than `share` of it where the
+ * state hardly moves, nor than rounding. Stiff solutions forget most of an error; those that are left to the
+ * Adams mode keep it, and orbits enlarge it. */
+struct accumulation {
+    double perchange, share;
+};
+constexpr accumulation STIFFERRORS{50, 0.02}, ADAMSERRORS{0.5, 0.005};
+
+double allowance(const odestepper& s, int i) {
+    if (!(std::fabs(s.h) > s.hmin)) return s.tol[i]; // no reason to give up at the floor
+    const accumulation& a = s.stiff ? STIFFERRORS : ADAMSERRORS;
+    const double change = std::fabs(s.y[i] - s.Y[2][i]) / 3 * s.errfac;
+    const double least = std::max(a.share * s.tol[i], 8 * DBL_EPSILON * std::fabs(s.y[i]));
+    return std::min(s.tol[i], std::max(least, a.perchange * change));
+}
+
+/* The error that the formula itself makes in this step of the stiff mode; the truncation test sees of the
+ * blended formula only the part of the third order. */
 double formulaerror(const odestepper& s, int i) {
     if (s.method == ODETU) return 3.0 / 22 * std::fabs(s.y[i] - s.ypred[i]);
     return std::fabs(s.gap[0] * s.y[i] + s.gap[1] * s.Y[0][i] + s.gap[2] * s.Y[1][i] + s.gap[3] * s.Y[2][i]);
 }
 
-constexpr double MOSTPERCHANGE = 50, LEASTSHARE = 0.02;
-
-/* The truncation test holds the error of one step, and of the blended formula only the part of the third
- * order. What many steps add up to is held here: while a state changes by its own size, the formula may add
- * at most MOSTPERCHANGE times the relative tolerance, so in one step its share by how far the state went; not
- * more than the tolerance, and not less than LEASTSHARE of it where the state hardly moves, nor than
- * rounding.
- */
 void accumulationtest(odestepper& s) {
-    for (int i = 0; i < s.n; i++) {
-        const double change = std::fabs(s.y[i] - s.Y[2][i]) / 3 * s.errfac;
-        const double least = std::max(LEASTSHARE * s.tol[i], 8 * DBL_EPSILON * std::fabs(s.y[i]));
-        const double allowed = std::min(s.tol[i], std::max(least, MOSTPERCHANGE * change));
-        keepworst(formulaerror(s, i) / allowed, i, s.truncerr, s.trunceqn);
-    }
+    for (int i = 0; i < s.n; i++) keepworst(formulaerror(s, i) / allowance(s, i), i, s.truncerr, s.trunceqn);
 }
 
 // What rounding alone leaves of equation i of the stiff corrector.
@@ -221,14 +227,14 @@ double roundinglevel(const odestepper& s, int i) {
     return 4 * DBL_EPSILON * (std::fabs(s.y[i]) + std::fabs(s.cnew) * size);
 }
 
-/* A residual above the tolerance that is all rounding would never get smaller by a shorter step: it is none.
- */
+/* In the Adams mode the residual of its one pass is most of the error of the step. In the stiff mode one that
+ * is above the tolerance but all rounding would not get smaller by a shorter step: it is none. */
 void correctortest(odestepper& s) {
     s.correrr = 0;
     for (int i = 0; i < s.n; i++) {
         const double residual = std::fabs(s.y[i] - s.cnew * s.dy[i] - s.ybase[i]);
         if (s.stiff && residual > s.tol[i] && residual <= roundinglevel(s, i)) continue;
-        keepworst(residual / s.tol[i], i, s.correrr, s.correqn);
+        keepworst(residual / (s.stiff ? s.tol[i] : allowance(s, i)), i, s.correrr, s.correqn);
     }
 }
 
@@ -255,7 +261,7 @@ verdict correct(odestepper& s) {
     }
     truncationtest(s);
     if (s.fixedstep || s.steps < 5) return ask(s, ODEDERIV, UNCHECKED);
-    if (s.stiff && std::fabs(s.h) > s.hmin) accumulationtest(s); // no reason to give up at the floor
+    if (s.stiff) accumulationtest(s);
     if (!(s.truncerr <= 1)) return reduce(s);
     return ask(s, ODEDERIV, CHECKED);
 }
@@ -372,7 +378,7 @@ double stepfactor(double error) {
 }
 
 void steplength(odestepper& s, double dist) {
-    if (std::fabs(s.h) > s.hlimit) s.latched = true;
+    if (std::fabs(s.h) > s.hlimit && s.failcount == 0) s.latched = true;
     const double place = std::fabs(s.tbase);
     s.hmin = s.latched ? s.hlimit : place < 1e-30 ? 1e-30 : place * 1e-12;
     s.hmin = std::max(s.hmin, 4 * DBL_EPSILON * place); // a step moves the time

@@ -66,7 +66,7 @@ struct odestepper {
     bool factored = false, newjac = false, needjac = false;
     int coefcount = 0, failcount = 0;
     long jacinterval = 20, stepssincejac = 0;
-    bool latched = false; // |h| has been above hlimit
+    bool latched = false; // a step above hlimit was accepted
 
     // automatic choice of the mode
     double hsum = 0, href = 0;
