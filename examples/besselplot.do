@@ -15,4 +15,5 @@ XAXIS (0:20:5) &' (-0.5) LABEL (0:20:5) LABELSIZE 0.022
 YAXIS 0 &' (-0.5:1:0.25) LABEL (-0.5:1:0.25) LABELSIZE 0.022
 TITLE TOP, "Bessel functions of the first kind" SIZE 0.034
 TITLE BOTTOM, "x" SIZE 0.026
+PLOTOVER = 1
 PLOT IN "besselplot"

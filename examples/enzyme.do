@@ -24,4 +24,5 @@ TITLE "untreated" AT (0.9, 138) WORLD SIZE 0.024
 TITLE TOP, "Puromycin and the velocity of a reaction" SIZE 0.032
 TITLE BOTTOM, "concentration (ppm)" SIZE 0.026
 TITLE LEFT, "velocity (counts min'.5U'.7S-1'R)" SIZE 0.026
+PLOTOVER = 1
 PLOT IN "enzyme"

@@ -24,4 +24,5 @@ TITLE TOP, "Rate of an enzymatic reaction" SIZE 0.034
 TITLE BOTTOM, "substrate (ppm)" SIZE 0.026
 TITLE LEFT, "velocity (counts min'.5U'.7S-1'R)" SIZE 0.026
 TITLE "V'.3D'.7Smax'R" AT (1.05, VM+6) WORLD SIZE 0.024
+PLOTOVER = 1
 PLOT IN "enzymeplot"

@@ -26,4 +26,5 @@ DRAW MODEL = LINLOG(POINTS(C, X)) COLOR BLUE
 TITLE TOP, "Indometacin in plasma" SIZE 0.034
 TITLE BOTTOM, "time (h)" SIZE 0.026
 TITLE LEFT, "log'.3D'.7S10'R concentration (mg/l)" SIZE 0.026
+PLOTOVER = 1
 PLOT IN "indomethacin"

@@ -23,4 +23,5 @@ DRAW T &' (G5 ON T) COLOR VIOLET
 TITLE TOP, "Five orange trees" SIZE 0.034
 TITLE BOTTOM, "age (days)" SIZE 0.026
 TITLE LEFT, "circumference (mm)" SIZE 0.026
+PLOTOVER = 1
 PLOT IN "orange"

@@ -34,4 +34,5 @@ TITLE "dimer" AT (40500, S(N,10)-1) WORLD SIZE 0.02
 TITLE TOP, "Isomers of pinene at 189.5 degrees" SIZE 0.032
 TITLE BOTTOM, "time (min)" SIZE 0.026
 TITLE LEFT, "per cent" SIZE 0.026
+PLOTOVER = 1
 PLOT IN "pinene"

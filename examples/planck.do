@@ -23,4 +23,5 @@ YAXIS (-1) &' (-4:6) LABEL ((-4:6:2) &' (1:11:2)) POINTTYPE 20 PTSIZE 0.03 LABEL
 TITLE TOP, "Radiation of black bodies" SIZE 0.034
 TITLE BOTTOM, "wavelength (micrometres)" SIZE 0.026
 TITLE LEFT, "log'.3D'.7S10'R radiance (W m'.5U'.7S-2'R sr'.5U'.7S-1'R nm'.5U'.7S-1'R)" SIZE 0.026
+PLOTOVER = 1
 PLOT IN "planck"

@@ -19,4 +19,5 @@ YAXIS 0 &' (0:5) LABEL (0:5) LABELSIZE 0.022
 TITLE TOP, "Predators and prey" SIZE 0.034
 TITLE BOTTOM, "prey" SIZE 0.026
 TITLE LEFT, "predators" SIZE 0.026
+PLOTOVER = 1
 PLOT IN "portrait"

@@ -19,4 +19,5 @@ DRAW HALF = ((-0.3)&LOG10(ED50)&LOG10(ED50)) &' (((HIGH+LOW)/2)&((HIGH+LOW)/2)&0
 TITLE TOP, "Ryegrass and ferulic acid" SIZE 0.034
 TITLE BOTTOM, "log'.3D'.7S10'R concentration (mM)" SIZE 0.026
 TITLE LEFT, "length of roots (cm)" SIZE 0.026
+PLOTOVER = 1
 PLOT IN "ryegrass"
