@@ -7,6 +7,7 @@
 #include "plot/plotstate.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 plotstate plotting;
@@ -37,14 +38,15 @@ void makestandard(int idx) {
     }
 }
 
-// W, as the user's own DW.SAV or the system's describes it.
+// W, where there is none as the user's own DW.SAV or the system's describes it.
 int standardwindow() {
     const int idx = symtabenter("W");
-    if (sym(idx).type != UNKNOWN || plotting.dwread) return idx;
-    plotting.dwread = true;
+    if (sym(idx).type != UNKNOWN) return idx;
     upper.usequietly("DW.SAV");
     return symtabenter("W");
 }
+
+bool isstandard(int idx) { return idx == 0 || strcmp(sym(idx).name, "W") == 0; }
 
 } // namespace
 
@@ -120,12 +122,12 @@ int getwindow(int idx) {
         while (!iswindow(idx)) idx = sym(idx).index;
         return idx;
     }
-    if (clause.insym != 0) {
-        makewindow(clause.insym);
-    } else {
+    if (isstandard(clause.insym)) {
         const int standard = standardwindow();
         makestandard(standard);
         clause.insym = int16_t(standard);
+    } else {
+        makewindow(clause.insym);
     }
     return clause.insym;
 }

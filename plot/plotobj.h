@@ -138,9 +138,9 @@ int windowofmember(int idx); // 0 outside any ring
 // The next member behind idx, 0 at the end: for (int k = ringnext(w); k; k = ringnext(k)).
 int ringnext(int idx);
 
-/* With 0 the window of the statement: the one that IN names, else W, which is made if need be, first from
- * DW.SAV. clause.insym holds it from then on. With a member of a ring, or a window: its window. Error "%s is
- * not a window". */
+/* With 0 the window of the statement: the one that IN names, else W. It is made if need be, W from DW.SAV.
+ * clause.insym holds it from then on. With a member of a ring, or a window: its window. Error "%s is not a
+ * window". */
 int getwindow(int idx);
 
 // ---- units ----

@@ -1,5 +1,5 @@
 /* plot/plotstate.h - what the statements of this room share among themselves.
- * Owns:    the counter of automatic names; whether DW.SAV has been looked for.
+ * Owns:    the counter of automatic names.
  * Callers: this room alone; everything else of it is in plotobj.h.
  * Never:   holds a window: those are entries of symtab. */
 #pragma once
@@ -8,7 +8,6 @@
 
 struct plotstate {
     int16_t autoname = 0; // the last number in the names C1, A2, T3...: one counter for the three letters
-    bool dwread = false;  // the file of the standard window has been looked for
 };
 extern plotstate plotting;
 

@@ -126,21 +126,26 @@ TEST_F(PlotObjects, WindowOfTheStatement) {
     EXPECT_EQ(errorof([] { getwindow(0); }), "##Error: X is not a window\n");
 }
 
-TEST_F(PlotObjects, StandardWindowIsLookedForOnce) {
+TEST_F(PlotObjects, StandardWindowIsReadWhereThereIsNone) {
     static int asked;
     asked = 0;
     upper.usequietly = [](const char* file) {
-        asked++;
         EXPECT_STREQ(file, "DW.SAV");
         window w = defaultwindow();
         w.wxmax = 77;
-        windowenter(symtabenter("W"), w);
+        if (asked++ < 2) windowenter(symtabenter("W"), w);
     };
+    EXPECT_EQ(windowof(getwindow(0)).wxmax, 77);
+    EXPECT_EQ(windowof(getwindow(0)).wxmax, 77);
+    EXPECT_EQ(asked, 1);
+    symtabdelete(symtablookup("W"));
+    clausereset();
+    clause.insym = int16_t(symtabenter("W")); // by IN
     EXPECT_EQ(windowof(getwindow(0)).wxmax, 77);
     symtabdelete(symtablookup("W"));
     clausereset();
-    EXPECT_EQ(windowof(getwindow(0)).wxmax, 10);
-    EXPECT_EQ(asked, 1);
+    EXPECT_EQ(windowof(getwindow(0)).wxmax, 10); // the file has none
+    EXPECT_EQ(asked, 3);
 }
 
 // ---- units ----
