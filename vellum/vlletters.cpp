@@ -38,6 +38,12 @@ constexpr row rows[] = {
 static_assert(std::is_sorted(std::begin(rows), std::end(rows),
                              [](const row& a, const row& b) { return a.letter < b.letter; }));
 
+// Of Latin-1 the faces have these under their own codes.
+bool latin(int letter) {
+    return (letter >= 0xc0 && letter <= 0xff) || letter == 0xa1 || letter == 0xa3 || letter == 0xb2 ||
+           letter == 0xb3 || letter == 0xb9 || letter == 0xbf;
+}
+
 const row* find(int letter) {
     const row* at = std::lower_bound(std::begin(rows), std::end(rows), letter,
                                      [](const row& a, int value) { return a.letter < value; });
@@ -62,10 +68,14 @@ int decode(const unsigned char* s, int* length) {
 
 vlletter vlletters::next() {
     int length = 0;
-    const row* known = *at < 0x80 ? nullptr : find(decode(at, &length));
-    if (known) {
+    const int letter = *at < 0x80 ? 0 : decode(at, &length);
+    if (const row* known = find(letter)) {
         at += length;
         return {known->code, known->symbol};
+    }
+    if (latin(letter)) {
+        at += length;
+        return {letter, false};
     }
     return {*at++, false};
 }

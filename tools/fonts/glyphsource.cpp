@@ -175,7 +175,11 @@ struct sourcereader {
         } else if (key == "like") { // takes over the strokes and dots of another glyph
             const glyph& other = set.glyphs.at(code(in));
             const double dx = in.more() ? in.number() : 0, dy = in.more() ? in.number() : 0;
-            copy(other, open(in), dx, dy);
+            copy(other, open(in), dx, dy, in.more() ? in.number() : 1);
+        } else if (key == "accent") {
+            current = &(set.accents[in.word()] = glyph());
+        } else if (key == "letter") {
+            letter(in);
         } else if (key == "zone") {
             zone = in.number();
         } else if (key == "roundness") {
@@ -189,13 +193,34 @@ struct sourcereader {
             in.fault("unknown word: " + key);
         }
     }
-    static void copy(glyph other, glyph& into, double dx, double dy) {
+    // A letter with an accent over its middle: letter CODE BASE ACCENT.
+    void letter(linewords& in) {
+        const int which = code(in), base = code(in);
+        const auto accent = set.accents.find(in.word());
+        if (which < 32 || which > 255 || accent == set.accents.end()) in.fault("no such letter or accent");
+        glyph made = set.glyphs.at(base);
+        if (base == 'i') made.dots.clear();
+        if (made.width == 0) { // the accent is the wider
+            made.bearleft += 30;
+            made.bearright += 30;
+        }
+        copy(accent->second, made, made.width / 2, made.zone > 500 ? 200 : 0, 1);
+        set.glyphs[which] = made;
+        current = nullptr;
+    }
+    // Smaller strokes are drawn by a narrower pen, though not as narrow as their size.
+    static void copy(glyph other, glyph& into, double dx, double dy, double scale) {
+        const double pen = (1 + scale) / 2;
         for (stroke& s : other.strokes) {
-            for (piece& p : s.pieces)
-                for (point& q : p.at) q = {q.x + dx, q.y + dy};
+            for (piece& p : s.pieces) {
+                for (point& q : p.at) q = {q.x * scale + dx, q.y * scale + dy};
+                p.pen0 *= pen;
+                p.pen1 *= pen;
+            }
             into.strokes.push_back(s);
         }
-        for (dot& d : other.dots) into.dots.push_back({{d.at.x + dx, d.at.y + dy}, d.size});
+        for (dot& d : other.dots)
+            into.dots.push_back({{d.at.x * scale + dx, d.at.y * scale + dy}, d.size * scale});
     }
 };
 

@@ -50,6 +50,7 @@ struct glyph {
 
 struct glyphset {
     std::map<int, glyph> glyphs;
+    std::map<std::string, glyph> accents; // about x = 0, as they stand on small letters
     double figurewidth = 0;
 };
 

@@ -38,6 +38,16 @@ TEST(FontFile, facesAreComplete) {
     }
 }
 
+TEST(FontFile, textFacesHaveTheLettersOfWesternEurope) {
+    for (const int k : {1, 2, 3, 5, 6, 7, 8, 9, 10, 13, 14}) {
+        for (int c = 192; c < 256; c++) {
+            const bool left = c == 208 || c == 215 || c == 222 || c == 240 || c == 247 || c == 254;
+            EXPECT_EQ(built().glyphof(k, c).present, !left) << k << ' ' << c;
+        }
+        EXPECT_EQ(built().glyphof(k, 233).points.size() > built().glyphof(k, 'e').points.size(), true);
+    }
+}
+
 TEST(FontFile, figuresAreEquallyWide) {
     for (int k = 1; k <= faces; k++) {
         for (char c = '0'; c <= '9'; c++) {
@@ -90,7 +100,7 @@ TEST(FontFile, shapesDoNotOverlapThemselves) {
     std::mt19937 random(3);
     std::uniform_real_distribution<double> u(0, 1);
     for (int k = 5; k <= faces; k++) {
-        for (int c = 33; c < 127; c++) {
+        for (int c = 33; c < 256; c++) {
             const fontbytes::glyph g = built().glyphof(k, c);
             int differ = 0;
             for (int i = 0; i < 150; i++) {

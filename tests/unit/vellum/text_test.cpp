@@ -236,11 +236,11 @@ struct letterrow {
     bool symbol;
 };
 TEST_F(Text, lettersOfUtf8) {
-    const letterrow rows[] = {{"a", 'a', false},           {"\xc2\xb5", 'm', true},
-                              {"\xce\xb1", 'a', true},     {"\xc2\xb0", 176, true},
-                              {"\xe2\x89\xa4", 163, true}, {"\xe2\x88\x92", '-', false},
-                              {"\xff", 0xff, false},       {"\xc3", 0xc3, false},
-                              {"\xe2\x89", 0xe2, false},   {"\xc3\xa9", 0xc3, false}};
+    const letterrow rows[] = {
+        {"a", 'a', false},         {"\xc2\xb5", 'm', true},     {"\xce\xb1", 'a', true},
+        {"\xc2\xb0", 176, true},   {"\xe2\x89\xa4", 163, true}, {"\xe2\x88\x92", '-', false},
+        {"\xff", 0xff, false},     {"\xc3", 0xc3, false},       {"\xe2\x89", 0xe2, false},
+        {"\xc3\xa9", 0xe9, false}, {"\xc2\xb2", 0xb2, false},   {"\xc2\x80", 0xc2, false}};
     for (const letterrow& row : rows) {
         vlletters letters(row.bytes);
         const vlletter got = letters.next();
