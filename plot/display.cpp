@@ -14,6 +14,7 @@
 #include <cstring>
 
 displaystate display;
+displayhooks displayfns{};
 
 namespace {
 
@@ -57,9 +58,11 @@ void newshape(double inchesx, double inchesy) {
 void platformsize() {
     constexpr double PART = 0.7;
     const vldevice* d = DDEVICE(SCREENDEVICE);
+    int width = 0, height = 0;
+    if (!displayfns.screenpixels || !displayfns.screenpixels(width, height)) return;
     if (!d || d->xdpi <= 0 || d->ydpi <= 0) return;
-    display.viewxpix = int(PART * d->xpix);
-    display.viewypix = int(PART * d->ypix);
+    display.viewxpix = int(PART * width);
+    display.viewypix = int(PART * height);
     display.viewwidthin = display.viewxpix / d->xdpi;
     display.viewheightin = display.viewypix / d->ydpi;
 }

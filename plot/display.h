@@ -19,6 +19,13 @@ struct displaystate {
 };
 extern displaystate display;
 
+// What the platform tells of its screen, set by whoever brings a screen device; null: the device's record
+// holds.
+struct displayhooks {
+    bool (*screenpixels)(int& width, int& height); // the whole screen; false if it is not known
+};
+extern displayhooks displayfns;
+
 void displaystart(); // state anew; rows of statements and builtins, hooks
 
 /* Opens the screen device of that name; returns its highest colour index, 0 if it cannot be opened (PLOT
