@@ -420,6 +420,7 @@ constexpr vldeviceops operations(bool raster) {
     ops.drawline = drawline;
     ops.erasearea = erasearea;
     ops.drawtext = drawtext;
+    ops.textwidth = vlnativewidth;
     ops.writepatch = writepatch;
     ops.polygon = polygon;
     ops.anydepth = true;

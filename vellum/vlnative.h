@@ -8,3 +8,6 @@
 double vlnativelength(const vlnativetext& text);
 double vlnativepoints(const vlnativetext& text); // at least 1
 double vlnativeangle(const vlnativetext& text);  // degrees
+// As the base fonts of PostScript have it on a page of the open device, normal lengths.
+double vlnativewidth(const vlnativetext& text);
+double vlnativeheight(const vlnativetext& text); // of a capital

@@ -265,6 +265,7 @@ constexpr vldeviceops operations = [] {
     ops.erasearea = pserasearea;
     ops.plotbitarray = psplotbitarray;
     ops.drawtext = psdrawtext;
+    ops.textwidth = vlnativewidth;
     ops.writepatch = pswritepatch;
     ops.readpatch = psreadpatch;
     ops.endpage = psendpage;

@@ -2,6 +2,7 @@
 #include "vellum/vlfont.h"
 #include "vellum/vlhatch.h"
 #include "vellum/vlletters.h"
+#include "vellum/vlnative.h"
 #include "vellum/vlpicture.h"
 
 #include <algorithm>
@@ -219,7 +220,7 @@ void measurenative(vltextsize* out, int font, const char* s) {
     out->width =
         vl.ops && vl.ops->textwidth ? vl.ops->textwidth(text) : vl.text.charsize * double(text.length);
     out->right = out->width;
-    out->ascent = vl.text.charsize;
+    out->ascent = vl.ops && vl.ops->textwidth ? vlnativeheight(text) : vl.text.charsize;
 }
 
 // The ink of a string: what is told apart from its width.
