@@ -1,4 +1,5 @@
 // Legendre functions of whole and of any real degree and order.
+#include "special/doubledouble.h"
 #include "special/elementary.h"
 #include "special/gamma.h"
 #include "special/hypergeo.h"
@@ -21,9 +22,55 @@ bool badwhole(const char* name, double l, double m) {
     return l > MANY || m > MANY;
 }
 
+constexpr double FAR = 1000; // degrees above take the expansions on (-1, 1)
+
+// F(-n, n+1; 1; (1-x)/2) in 32 digits, x next to 1: the terms cancel by exp(n theta) at most.
+double legendrenearone(double n, double x) {
+    const dd z = ddsum(1, -x) * 0.5;
+    dd term = 1, sum = 1;
+    for (double k = 0; k < n && std::fabs(term.hi) > 1e-33; k++) {
+        term = term * z * ddprod(k - n, n + 1 + k) / dd((k + 1) * (k + 1));
+        sum += term;
+    }
+    return sum.hi;
+}
+
+/* Stieltjes' expansion (N. Hale and A. Townsend, SIAM J. Sci. Comput. 35 (2013) A652, 3.1): with x = cos t a
+ * constant times the sum of h(m) cos((n+m+1/2) t - (m+1/2) pi/2)/(2 sin t)^(m+1/2), h(m) = h(m-1)
+ * (m-1/2)^2/(m (n+m+1/2)). For small x the angles are n pi/2 - (n+m+1/2) arcsin(x), without the rounding of
+ * a large part. x >= 0. */
+double legendreinside(double n, double x, double sine) {
+    const bool central = x < 0.6;
+    const double t = central ? std::asin(x) : std::atan2(sine, x);
+    const double angle = (n + 0.5) * t - (central ? 0 : PI / 4);
+    double c = std::cos(angle), s = std::sin(angle);
+    if (central) { // cos(n pi/2 - angle), and sin(angle - n pi/2), which turns on with -t
+        const double cosine[] = {c, s, -c, -s}, minus[] = {-s, c, s, -c};
+        const int quarter = static_cast<int>(std::fmod(n, 4));
+        c = cosine[quarter];
+        s = minus[quarter];
+    }
+    // from m to m + 1 the angle grows by t - pi/2, or by -arcsin(x): cosine and sine of that
+    const double turnc = sine, turns = -x;
+    double h = 1, sum = c;
+    for (double m = 1; m < 60; m++) {
+        const double next = c * turnc - s * turns;
+        s = s * turnc + c * turns;
+        c = next;
+        h *= (m - 0.5) * (m - 0.5) / (m * (n + m + 0.5) * 2 * sine);
+        sum += h * c;
+        if (h < 1e-18) break;
+    }
+    return 2 / std::sqrt(PI) * std::exp(loggammaratio(0.5, n + 1)) * sum / std::sqrt(2 * sine);
+}
+
 // P_l of whole degree; exact where the values are whole.
 double legendre(double l, double x) {
     if (l == 0) return 1;
+    if (l > FAR && std::fabs(x) < 1) {
+        const double a = std::fabs(x), sine = std::sqrt((1 - a) * (1 + a)), sign = x < 0 ? paritysign(l) : 1;
+        return sign * (l * sine < 30 ? legendrenearone(l, a) : legendreinside(l, a, sine));
+    }
     scaledpair p{1, x};
     for (double k = 1; k < l; k++) // DLMF 14.10.3
         p.step(((2 * k + 1) * x * p.now - k * p.last) / (k + 1));
@@ -90,7 +137,7 @@ double leg(double n, double x) {
         if (x <= -1) return outofrange("LEG", x == -1 ? MAXPOS : 0);
         return cappedorpole("LEG", x == 1 ? 1 : fractional(n, 0, x));
     }
-    if (n > MANY) return outofrange("LEG", 0);
+    if (n > MANY && std::fabs(x) > 1) return outofrange("LEG", 0);
     return cappedorpole("LEG", legendre(n, x));
 }
 

@@ -261,6 +261,8 @@ def orthopolyrows():
             return +now
 
     out += rows("LEG", lambda l, v: legendre(l, 0, v), grid(n, x), inexact=(1,))
+    high = grid([1001, 3002, 12343], [1e-5, -0.3, 0.59, 0.61, -0.99, 0.99999, 1 - 1e-9])
+    out += rows("LEG", lambda l, v: legendre(l, 0, v), high, inexact=(1,))
     nonwhole = lambda l, k, v: m.re(m.legenp(l, k, v, type=3 if v > 1 else 2))
     out += rows("LEG", lambda l, v: nonwhole(l, 0, v), grid([0.5, -0.3, 7.25, -4.4], [-0.8, 0.1, 0.97, 3, 50]))
     orders = [(1, 0), (1, 1), (2, 1), (5, 2), (5, 5), (20, 3), (20, 19), (90, 40)]
