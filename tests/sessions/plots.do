@@ -17,11 +17,10 @@ VIEW C1
 PLOTDEV = "LASER"
 PLOT
 PLOTDEV = "LJ2P"
-PLOT IN "never"
+PLOT IN "laser"
 PLOTDEV = 3
 PLOTDEV = "PSCP"
 PLOT IN "no/such/folder"
-TYPE FILE "never.lj"
 "Without a screen"
 VIEW
 VIEW
