@@ -185,6 +185,7 @@ void warnings(const fitbinding& b, const fitswitches& sw, const solverconstraint
         tarnwarn("FIT: MAXITER is 0, the parameters were not changed");
     else if (!r.lowered && r.sosq > 0)
         tarnwarn("FIT: no step lowered the sum of squares; the parameters are the starting values");
+    if (r.retried) tarnwarn("FIT: the first search went astray; the result is that of a more careful one");
     for (size_t j = 0; j < b.slots.size(); j++) {
         const std::string name = slotname(b.slots[j]);
         if (onconstraint(cons, r, b.slots[j].parm))

@@ -32,11 +32,55 @@ struct fitrun {
     long evaluations = 0;
     bool lowered = false;
     std::vector<double> lagrange, lagrangebest;
+    unsigned faults = 0, bestfaults = 0; // floating-point faults of the last evaluation, of the best one
+    double pivottol = PIVOTTOL;
+    unsigned faultlimit = ~0U; // an evaluation with more counts as failed
 
     fitrun(const fitmodel& model_, const fitswitches& switches, const solverconstraints& constraints,
            const std::vector<int>& element_, const double* y_, int n_, int m_)
         : model(model_), sw(switches), cons(constraints), element(element_), y(y_), n(n_), m(m_) {}
 };
+
+// ---- at a point (fitpoint.cpp)
+
+/* One evaluation at p into r.ftrial: the weighted sum of |y - f|^norm. MAXPOS when the model failed or Q was
+ * pressed. With `derivatives` the Jacobian there is taken along where one pass gives both. */
+double fitsosq(fitrun& r, const std::vector<double>& p, double norm, bool derivatives = false);
+void fitweights(fitrun& r, bool plain);
+void fitjacobian(fitrun& r);
+// J'WJ and J'W resid. Derivatives that overflow are taken as very steep ones.
+void normalequations(fitrun& r);
+
+// ---- the iteration (fitsolve.cpp)
+
+enum nextmove { NEXTITERATION, STOP, SEARCHON, PROBEON };
+
+void beginiteration(fitrun& r);
+void dampedstep(fitrun& r);           // r.p := the step under the diagonal r.damped
+double promisedgain(const fitrun& r); // by which the linear model promises to lower the sum
+bool improves(fitrun& r, double sos); // takes a better point; whether by enough to end the iteration
+nextmove finished(fitrun& r);
+void reportparms(const fitrun& r, const std::vector<double>& p);
+void reportprobe(const fitrun& r, double e, double sos, bool steepest);
+
+// ---- a second try (fitcareful.cpp)
+
+/* Where a try has ended. */
+struct fitattempt {
+    std::vector<double> p, lagrange;
+    double sosq = 0;
+    unsigned faults = 0;
+    int iteration = 1, converged = 0;
+    bool lowered = false;
+};
+fitattempt thisattempt(const fitrun& r);
+/* Whether the iteration ended without an answer although the start gave hope of one: at the limit, where a
+ * parameter has lost its effect on the model, or where arithmetic overflows. sensitivity: the diagonal of
+ * J'WJ at the start. */
+bool astray(const fitrun& r, const fitattempt& start, const std::vector<double>& sensitivity);
+/* Once more from the start, with steps held to where the linear model serves, in up to three ways. The best
+ * end stays; true if it is a new one. */
+bool carefulfit(fitrun& r, const fitattempt& start, const std::vector<double>& sensitivity);
 
 double constraintcoef(const fitrun& r, int i, int j); // of constraint i for slot j
 /* Moves r.p into the feasible set. project: in the plain metric; else the trial step is replaced by the

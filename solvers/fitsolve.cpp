@@ -11,114 +11,19 @@
 
 namespace {
 
-enum nextmove { NEXTITERATION, STOP, SEARCHON, PROBEON };
-
-constexpr size_t BLOCK = 512; // observations at a time: their part of each column stays in the cache
-
-// sum of w |y - f|^norm
-double weightedsum(const fitrun& r, const double* f, double norm) {
-    const size_t m = size_t(r.m);
-    double sum = 0, d[BLOCK], weighted[BLOCK];
-    for (size_t from = 0; from < m; from += BLOCK) {
-        const size_t count = std::min(BLOCK, m - from);
-        const double *y = r.y + from, *w = r.w + from;
-        for (size_t i = 0; i < count; i++) d[i] = y[i] - f[from + i];
-        if (norm == 2) {
-            for (size_t i = 0; i < count; i++) weighted[i] = w[i] * d[i];
-            sum += dotproduct(count, weighted, d);
-        } else {
-            for (size_t i = 0; i < count; i++)
-                sum += w[i] * (norm == 1 ? std::fabs(d[i]) : std::pow(std::fabs(d[i]), norm));
-        }
-    }
-    return sum;
-}
-
-/* One evaluation at p into r.ftrial: the weighted sum of |y - f|^norm. MAXPOS when the model failed or Q was
- * pressed. With `derivatives` the Jacobian there is taken along where one pass gives both. */
-double fitsosq(fitrun& r, const std::vector<double>& p, double norm, bool derivatives = false) {
-    if (r.evaluations >= 1 && parser.interrupted) return MAXPOS;
-    r.evaluations++;
-    r.lastpoint = p;
-    r.trialjac = derivatives && r.model.both && r.model.both(r.model.context, p.data(), r.ftrial, r.jactrial);
-    if (!r.trialjac && !r.model.values(r.model.context, p.data(), r.ftrial)) return MAXPOS;
-    const double sum = weightedsum(r, r.ftrial, norm);
-    return sum <= MAXPOS ? sum : MAXPOS;
-}
-
-// Weights in force: the user's, and for another norm than 2 those that make its sum quadratic at the best
-// point.
-void fitweights(fitrun& r, bool plain) {
-    if (r.model.weights) r.model.weights(r.model.context, r.p.data(), r.ownw0);
-    r.w = r.w0;
-    if (plain || r.sw.norm == 2) return;
-    for (int i = 0; i < r.m; i++) {
-        const double d = std::fabs(r.fbest[i] - r.y[i]);
-        r.ownw[i] = d != 0 ? r.w0[i] * std::pow(d, r.sw.norm - 2) : r.w0[i];
-    }
-    r.w = r.ownw;
-}
-
-/* Central differences. A side on which the model fails is left out; with both gone the parameter has no
- * effect here. */
-void numericjacobian(fitrun& r) {
-    std::vector<double> p = r.p, plus(size_t(r.m));
-    for (int j = 0; j < r.n; j++) {
-        const double t = r.p[j], delta = std::fabs(t) >= 1e-8 ? 0.01 * std::fabs(t) : 1e-9;
-        p[j] = t + delta;
-        const bool up = fitsosq(r, p, 2) < MAXPOS;
-        std::copy_n(up ? r.ftrial : r.fbest, r.m, plus.begin());
-        p[j] = t - delta;
-        const bool down = fitsosq(r, p, 2) < MAXPOS;
-        const double* minus = down ? r.ftrial : r.fbest;
-        p[j] = t;
-        const double width = (up + down) * delta;
-        double* column = &r.jac[size_t(j) * size_t(r.m)];
-        for (int i = 0; i < r.m; i++) column[i] = width > 0 ? (plus[i] - minus[i]) / width : 0;
-    }
-}
-
-// A symbolic Jacobian is taken where the last evaluation was: most often with it.
-void fitjacobian(fitrun& r) {
-    if (!r.model.jacobian) return numericjacobian(r);
-    if (r.trialjac)
-        std::swap(r.jac, r.jactrial);
-    else
-        r.model.jacobian(r.model.context, r.jac);
-    r.trialjac = false;
-    r.jacpoint = r.lastpoint;
-}
-
-// J'WJ and J'W resid, a block of observations at a time, so that its part of each column stays in the cache.
-void normalequations(fitrun& r) {
-    const size_t n = size_t(r.n), m = size_t(r.m);
-    std::fill(r.normal.begin(), r.normal.end(), 0.0);
-    std::fill(r.ptpdia.begin(), r.ptpdia.end(), 0.0);
-    std::fill(r.dgrad.begin(), r.dgrad.end(), 0.0);
-    for (size_t i = 0; i < m; i++) r.resid[i] = r.y[i] - r.fbest[i];
-    double weighted[BLOCK];
-    for (size_t from = 0; from < m; from += BLOCK) {
-        const size_t count = std::min(BLOCK, m - from);
-        for (size_t j = 0; j < n; j++) {
-            const double* column = &r.jac[j * m + from];
-            for (size_t i = 0; i < count; i++) weighted[i] = r.w[from + i] * column[i];
-            r.dgrad[j] += dotproduct(count, weighted, &r.resid[from]);
-            r.ptpdia[j] += dotproduct(count, weighted, column);
-            for (size_t k = j + 1; k < n; k++)
-                r.normal[j * n + k] += dotproduct(count, weighted, &r.jac[k * m + from]);
-        }
-    }
-}
-
 void reportgradient(const fitrun& r) {
     if (!(r.sw.report & 16)) return;
     tarnprint("     dgrad              ptpdia\n");
     for (int j = 0; j < r.n; j++) tarnprint("  : %12.6lf  : %12.6lf\n", r.dgrad[j], r.ptpdia[j]);
 }
 
+} // namespace
+
 void reportparms(const fitrun& r, const std::vector<double>& p) {
     if ((r.sw.report & 4) && r.model.printparms) r.model.printparms(r.model.context, p.data());
 }
+
+namespace {
 
 // Q and R at the end of an iteration.
 void pollkeys(fitrun& r) {
@@ -146,14 +51,21 @@ bool fitfinish(fitrun& r) {
     return true;
 }
 
+} // namespace
+
 nextmove finished(fitrun& r) { return fitfinish(r) ? STOP : NEXTITERATION; }
 
-// The damped inverse and the step that it gives.
-void marquardtstep(fitrun& r, double e) {
-    for (int j = 0; j < r.n; j++) r.damped[j] = r.ptpdia[j] * (1 + e);
-    symsweepall(r.n, r.normal.data(), r.damped.data(), PIVOTTOL, r.pivots, r.work);
+void dampedstep(fitrun& r) {
+    symsweepall(r.n, r.normal.data(), r.damped.data(), r.pivottol, r.pivots, r.work);
     symmul(r.n, r.normal.data(), r.dgrad.data(), r.pivots, r.p.data());
     for (int j = 0; j < r.n; j++) r.p[j] += r.p0[j];
+}
+
+namespace {
+
+void marquardtstep(fitrun& r, double e) {
+    for (int j = 0; j < r.n; j++) r.damped[j] = r.ptpdia[j] * (1 + e);
+    dampedstep(r);
 }
 
 void descentstep(fitrun& r, double e) {
@@ -176,9 +88,9 @@ void jumpuseless(fitrun& r, double e) {
     if (v > e) r.eps = EPSFACTOR * v;
 }
 
-/* Whether the linear model promises enough for the step to be taken: then the Jacobian at the trial point
- * will be wanted. */
-bool promising(const fitrun& r) {
+} // namespace
+
+double promisedgain(const fitrun& r) {
     const size_t n = size_t(r.n);
     double gain = 0;
     for (size_t j = 0; j < n; j++) {
@@ -187,8 +99,10 @@ bool promising(const fitrun& r) {
         for (size_t k = j + 1; k < n; k++) row += 2 * r.normal[j * n + k] * (r.p[k] - r.p0[k]);
         gain += d * (2 * r.dgrad[j] - row);
     }
-    return gain > r.sw.tolsos * r.oldsosq;
+    return gain;
 }
+
+namespace {
 
 // The sum that the linear model promises for the step.
 double promisedsum(fitrun& r) {
@@ -214,6 +128,8 @@ void begindescent(fitrun& r, bool& steepest) {
     for (double& g : r.dgrad) g *= factor;
 }
 
+} // namespace
+
 bool improves(fitrun& r, double sos) {
     if (!(sos < r.bestsosq)) return false;
     r.lowered = true;
@@ -221,6 +137,7 @@ bool improves(fitrun& r, double sos) {
     std::swap(r.fbest, r.ftrial);
     r.pbest = r.p;
     r.lagrangebest = r.lagrange;
+    r.bestfaults = r.faults;
     return sos < (1 - r.sw.tolsos) * r.oldsosq;
 }
 
@@ -230,6 +147,8 @@ void reportprobe(const fitrun& r, double e, double sos, bool steepest) {
               steepest ? " steepest-descent search" : " Marquardt-Levenberg line search probe:", e, sos);
     reportparms(r, r.p);
 }
+
+namespace {
 
 struct sweepstate {
     bool steepest = false;
@@ -265,8 +184,9 @@ nextmove probe(fitrun& r, sweepstate& sweep) {
             if (move != PROBEON) return move;
         }
     }
-    // the weights already carry the norm
-    const double sos = fitsosq(r, r.p, 2, sweep.steepest || promising(r));
+    // The weights already carry the norm. The Jacobian at the trial point will be wanted if it is taken.
+    const bool promising = sweep.steepest || promisedgain(r) > r.sw.tolsos * r.oldsosq;
+    const double sos = fitsosq(r, r.p, 2, promising);
     reportprobe(r, e, sos, sweep.steepest);
     if (improves(r, sos)) return finished(r);
     if (r.eps > EPSMAX || sweep.steepest) {
@@ -279,7 +199,9 @@ nextmove probe(fitrun& r, sweepstate& sweep) {
     return SEARCHON;
 }
 
-nextmove iteration(fitrun& r) {
+} // namespace
+
+void beginiteration(fitrun& r) {
     fitjacobian(r);
     r.p0 = r.p;
     fitweights(r, false);
@@ -293,9 +215,15 @@ nextmove iteration(fitrun& r) {
     if (r.sw.report & 1) tarnprint("Begin iteration %hd bestsosq=%le\n", short(r.iteration), r.bestsosq);
     reportparms(r, r.p);
     r.oldsosq = r.bestsosq;
-    r.eps = EPSMIN;
     normalequations(r);
     reportgradient(r);
+}
+
+namespace {
+
+nextmove iteration(fitrun& r) {
+    beginiteration(r);
+    r.eps = EPSMIN;
     if (r.sw.maxiter <= 0) return finished(r);
     sweepstate sweep;
     nextmove move;
@@ -357,9 +285,15 @@ fitresult fitsolve(const fitmodel& model, const fitswitches& switches, const sol
     fitweights(r, true);
     r.bestsosq = r.oldsosq = fitsosq(r, r.p, r.sw.norm, true);
     std::swap(r.fbest, r.ftrial);
+    r.bestfaults = r.faults;
     fitresult result;
     result.started = r.bestsosq < MAXPOS;
-    while (iteration(r) != STOP) {}
+    const fitattempt start = thisattempt(r);
+    const nextmove first = iteration(r);
+    const std::vector<double> sensitivity = r.ptpdia;
+    if (first != STOP)
+        while (iteration(r) != STOP) {}
+    if (astray(r, start, sensitivity)) result.retried = carefulfit(r, start, sensitivity);
     fitstatistics(r, result);
     takeresult(r, result);
     return result;
