@@ -31,6 +31,31 @@ double dotproduct(size_t n, const double* x, const double* y) {
     return ((sum[0] + sum[4]) + (sum[2] + sum[6])) + ((sum[1] + sum[5]) + (sum[3] + sum[7]));
 }
 
+// Eight sums, each with what its roundings lost.
+void dotproduct2(size_t n, const double* x, const double* y, double* total) {
+    constexpr double split = 134217729.0; // 2^27 + 1: a product's rounding error by halves of its factors
+    double sum[8] = {}, lost[8] = {};
+    const auto addeight = [&](const double* a, const double* b) {
+        for (size_t k = 0; k < 8; k++) {
+            const double p = a[k] * b[k], ta = split * a[k], tb = split * b[k];
+            const double ah = ta - (ta - a[k]), al = a[k] - ah, bh = tb - (tb - b[k]), bl = b[k] - bh;
+            const double e = ((ah * bh - p) + ah * bl + al * bh) + al * bl;
+            const double t = sum[k] + p, z = t - sum[k];
+            lost[k] += e + ((sum[k] - (t - z)) + (p - z));
+            sum[k] = t;
+        }
+    };
+    size_t i = 0;
+    for (; i + 8 <= n; i += 8) addeight(x + i, y + i);
+    double a[8] = {}, b[8] = {};
+    for (size_t k = 0; i + k < n; k++) a[k] = x[i + k], b[k] = y[i + k];
+    addeight(a, b);
+    dd all(total[0], total[1]);
+    for (size_t k = 0; k < 8; k++) all += ddsum(sum[k], lost[k]);
+    total[0] = all.hi;
+    total[1] = all.lo;
+}
+
 void reflect3(size_t n, double x, double y, double z, double q, double r, double* __restrict a,
               double* __restrict b, double* __restrict c) {
     for (size_t i = 0; i < n; i++) {
@@ -49,4 +74,4 @@ void reflect2(size_t n, double x, double y, double q, double* __restrict a, doub
     }
 }
 
-constexpr looptable loops = {axpy, axpy4, rotate, dotproduct, reflect3, reflect2};
+constexpr looptable loops = {axpy, axpy4, rotate, dotproduct, dotproduct2, reflect3, reflect2};

@@ -9,6 +9,7 @@
 #include "interp/base/machine.h"
 #include "interp/base/parser.h"
 #include "solvers/fitrun.h"
+#include "solvers/precise.h"
 
 #include <algorithm>
 #include <cmath>
@@ -26,6 +27,8 @@ struct caution {
     manner how;
     double damping, growth;
     std::vector<double> scale; // of the damping, by parameter
+    precisenormal normal;
+    precisefactor factor;
 };
 
 constexpr double LARGESTDAMPING = 1e20, LEASTRATIO = 1e-3, MOSTBEND = 0.75, CAREFULPIVOT = 1e-14;
@@ -46,7 +49,7 @@ bool bend(fitrun& r, const caution& c) {
     for (size_t j = 0; j < n; j++) axpy(m, -v[j], r.jac + j * m, bent);
     for (size_t i = 0; i < m; i++) bent[i] *= -2 / along * r.w[i];
     for (size_t j = 0; j < n; j++) g[j] = dotproduct(m, r.jac + j * m, bent);
-    symmul(r.n, r.normal.data(), g.data(), r.pivots, a.data());
+    a = precisesolve(c.factor, std::vector<dd>(g.begin(), g.end()));
     double bends = 0, goes = 0;
     for (size_t j = 0; j < n; j++) {
         bends += c.scale[j] * a[j] * a[j];
@@ -56,11 +59,31 @@ bool bend(fitrun& r, const caution& c) {
     return bends <= MOSTBEND * MOSTBEND * goes;
 }
 
+/* Under constraints the step is that of the iteration; else it has all digits that dependence leaves it.
+ * Returns what the linear model promises for it: without constraints from J'WJ d = g - added d, which loses
+ * no digits. */
+double carefulstep(fitrun& r, caution& c) {
+    const size_t n = size_t(r.n);
+    std::vector<double> added(n);
+    for (size_t j = 0; j < n; j++) added[j] = c.damping * c.scale[j];
+    if (r.cons.count > 0) {
+        for (size_t j = 0; j < n; j++) r.damped[j] = r.ptpdia[j] + added[j];
+        dampedstep(r);
+        fitconstrain(r, false);
+        return promisedgain(r);
+    }
+    c.factor = precisefactors(c.normal, added);
+    const std::vector<double> step = precisesolve(c.factor, c.normal.gradient);
+    double gain = 0;
+    for (size_t j = 0; j < n; j++) {
+        r.p[j] = r.p0[j] + step[j];
+        gain += step[j] * (c.normal.gradient[j].hi + added[j] * step[j]);
+    }
+    return gain;
+}
+
 nextmove carefulprobe(fitrun& r, caution& c) {
-    for (size_t j = 0; j < size_t(r.n); j++) r.damped[j] = r.ptpdia[j] + c.damping * c.scale[j];
-    dampedstep(r);
-    if (r.cons.count > 0) fitconstrain(r, false);
-    const double promised = promisedgain(r);
+    const double promised = carefulstep(r, c);
     if (!(promised > r.sw.tolsos * r.oldsosq)) return finished(r);
     const bool serves = r.cons.count > 0 || !c.how.bends || bend(r, c);
     const double sos = serves ? fitsosq(r, r.p, 2, true) : MAXPOS;
@@ -79,6 +102,7 @@ nextmove carefulprobe(fitrun& r, caution& c) {
 
 nextmove carefuliteration(fitrun& r, caution& c) {
     beginiteration(r);
+    if (r.cons.count == 0) c.normal = precisesums(r);
     for (size_t j = 0; j < size_t(r.n); j++)
         c.scale[j] = c.how.remembers ? std::max(c.scale[j], r.ptpdia[j]) : r.ptpdia[j];
     nextmove move;
@@ -108,12 +132,14 @@ bool lostparameter(const fitrun& r, const std::vector<double>& sensitivity) {
     return false;
 }
 
-// Whether the end is a minimum, not a place on a long way: r.normal holds the last inverse.
+// Whether the end is a minimum, not a place on a long way.
 bool settled(const fitrun& r, const std::vector<double>& sensitivity) {
     constexpr double determined = 1e9;
     if (r.converged != 1 || lostparameter(r, sensitivity)) return false;
-    for (size_t j = 0; j < size_t(r.n); j++)
-        if (r.normal[j * size_t(r.n) + j] * r.ptpdia[j] > determined) return false;
+    const size_t n = size_t(r.n);
+    const std::vector<double> inverse = preciseinverse(precisefactors(precisesums(r), {}));
+    for (size_t j = 0; j < n; j++)
+        if (inverse[j * n + j] * r.ptpdia[j] > determined) return false;
     return true;
 }
 
@@ -139,7 +165,7 @@ bool carefulfit(fitrun& r, const fitattempt& start, const std::vector<double>& s
     r.pivottol = CAREFULPIVOT;
     for (const manner& how : manners) {
         goback(r, start);
-        caution c{how, 1e-4, 2, {}};
+        caution c{how, 1e-4, 2, {}, {}, {}};
         c.scale.assign(size_t(r.n), 0);
         while (carefuliteration(r, c) != STOP) {}
         last = r.lowered && r.bestsosq < best.sosq;

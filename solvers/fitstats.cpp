@@ -1,6 +1,7 @@
 // What a fit tells of its best point: errors, dependencies, covariance, goodness.
 #include "interp/base/machine.h"
 #include "solvers/fitrun.h"
+#include "solvers/precise.h"
 
 #include <algorithm>
 #include <cmath>
@@ -15,7 +16,8 @@ double deviationfraction(const fitrun& r) {
         off += weight * std::fabs(r.fbest[i] - r.y[i]);
         all += weight * size;
     }
-    return all == 0 ? MAXPOS : off / all;
+    const double fraction = all == 0 ? MAXPOS : off / all;
+    return fraction <= MAXPOS ? fraction : MAXPOS; // also where the sums overflow
 }
 
 // Without weights. The total sum is taken about the mean in two passes, which loses no digits to
@@ -30,67 +32,6 @@ double rsquared(const fitrun& r) {
     return total == 0 ? 1 : 1 - error / total;
 }
 
-constexpr long double LONGPIVOTTOL = 1e-16L; // of the longer format
-
-struct longnormal {
-    std::vector<long double> a, diagonal, gradient; // J'WJ (see symsweep.h), its diagonal, J'W (y - f)
-};
-
-longnormal buildnormal(const fitrun& r) {
-    const size_t n = size_t(r.n);
-    longnormal normal{std::vector<long double>(n * n, 0), std::vector<long double>(n, 0),
-                      std::vector<long double>(n, 0)};
-    const size_t m = size_t(r.m);
-    for (size_t j = 0; j < n; j++) {
-        const double* column = &r.jac[j * m];
-        for (size_t i = 0; i < m; i++) {
-            const long double a = static_cast<long double>(r.w[i]) * column[i];
-            normal.diagonal[j] += a * column[i];
-            normal.gradient[j] += a * (r.y[i] - r.fbest[i]);
-        }
-        for (size_t k = j + 1; k < n; k++) {
-            const double* other = &r.jac[k * m];
-            long double sum = 0;
-            for (size_t i = 0; i < m; i++) sum += static_cast<long double>(r.w[i]) * column[i] * other[i];
-            normal.a[j * n + k] = sum;
-        }
-    }
-    return normal;
-}
-
-/* The inverse of a symmetric matrix (upper triangle and diagonal) by Cholesky factors of the matrix scaled to
- * a diagonal of 1, which is as exact as the dependence of the parameters lets it be. Rows of a zero diagonal
- * stay zero; pivots are held above LONGPIVOTTOL. */
-std::vector<long double> longinverse(const longnormal& normal, size_t n) {
-    std::vector<long double> scale(n), l(n * n, 0), inverse(n * n, 0);
-    for (size_t j = 0; j < n; j++) scale[j] = normal.diagonal[j] > 0 ? 1 / std::sqrt(normal.diagonal[j]) : 0;
-    for (size_t j = 0; j < n; j++) {
-        for (size_t i = j; i < n; i++) {
-            long double sum = i == j ? (scale[j] > 0 ? 1 : 0) : normal.a[j * n + i] * scale[i] * scale[j];
-            for (size_t k = 0; k < j; k++) sum -= l[i * n + k] * l[j * n + k];
-            if (i == j)
-                l[j * n + j] = std::sqrt(std::max(sum, scale[j] > 0 ? LONGPIVOTTOL : 1.0L));
-            else
-                l[i * n + j] = sum / l[j * n + j];
-        }
-    }
-    std::vector<long double> e(n);
-    for (size_t c = 0; c < n; c++) {
-        if (scale[c] == 0) continue;
-        for (size_t i = 0; i < n; i++) {
-            e[i] = i == c;
-            for (size_t k = 0; k < i; k++) e[i] -= l[i * n + k] * e[k];
-            e[i] /= l[i * n + i];
-        }
-        for (size_t i = n; i-- > 0;) {
-            for (size_t k = i + 1; k < n; k++) e[i] -= l[k * n + i] * e[k];
-            e[i] /= l[i * n + i];
-        }
-        for (size_t i = 0; i < n; i++) inverse[i * n + c] = e[i] * scale[i] * scale[c];
-    }
-    return inverse;
-}
-
 // The Jacobian where the fit has ended; false when it is not to be had there at little cost.
 bool finaljacobian(fitrun& r) {
     if (!r.model.jacobian || !r.lowered) return false;
@@ -101,41 +42,56 @@ bool finaljacobian(fitrun& r) {
     return true;
 }
 
-/* The last undamped step, far below the errors of the parameters: the sum cannot tell it any more, the digits
- * of the parameters can. */
-void polish(fitrun& r, const std::vector<long double>& step, const std::vector<long double>& inverse,
-            double var) {
+// What rounding in the model may add to the sum, if its terms are as large as its derivatives tell.
+double roundingsum(const fitrun& r) {
+    constexpr double unit = 0x1p-52;
+    double noise = 0;
+    for (int i = 0; i < r.m; i++) {
+        double size = std::fabs(r.fbest[i]);
+        for (int j = 0; j < r.n; j++)
+            size += std::fabs(r.jac[size_t(j) * size_t(r.m) + size_t(i)] * r.pbest[j]);
+        noise += r.w[i] * size * unit * size * unit;
+    }
+    return 2 * std::sqrt(r.bestsosq * noise) + noise;
+}
+
+/* An undamped step, far below the errors of the parameters: the sum cannot tell it any more, the digits of
+ * the parameters can. True when it has been taken and was not yet at the end of the digits. */
+bool polish(fitrun& r, const std::vector<double>& step, double var) {
     const size_t n = size_t(r.n);
     std::vector<double> p = r.pbest;
+    bool more = false;
     for (size_t j = 0; j < n; j++) {
-        const long double error = std::sqrt(std::max(inverse[j * n + j] * var, 0.0L));
-        if (!(std::fabs(step[j]) <= 1e-2L * error)) return;
-        p[j] = double(p[j] + step[j]);
+        const double error = std::sqrt(std::max(r.normal[j * n + j] * var, 0.0));
+        if (!(std::fabs(step[j]) <= 1e-2 * error)) return false;
+        more |= std::fabs(step[j]) > 1e-9 * std::fabs(p[j]);
+        p[j] += step[j];
     }
-    if (!r.model.values(r.model.context, p.data(), r.ftrial)) return;
-    r.evaluations++;
-    double sum = 0;
-    for (int i = 0; i < r.m; i++) sum += r.w[i] * (r.y[i] - r.ftrial[i]) * (r.y[i] - r.ftrial[i]);
-    if (!(sum <= r.bestsosq * (1 + 1e-9))) return; // what rounding of the model may add
+    const double sum = fitsosq(r, p, 2, more);
+    if (!(sum <= r.bestsosq * (1 + 1e-9)) && !(sum <= r.bestsosq + roundingsum(r))) return false;
     r.pbest = p;
     std::swap(r.fbest, r.ftrial);
     r.bestsosq = std::min(sum, r.bestsosq);
+    return more;
 }
 
 /* The inverse of J'WJ. Parameters that nearly depend on each other cost as many digits of their errors as the
- * matrix has lost to rounding, so it is built anew where the fit has ended, and inverted, in the longer
- * format. */
+ * matrix has lost to rounding, so it is built anew where the fit has ended, and inverted, at twice the
+ * precision. */
 void invertnormal(fitrun& r, double var) {
-    const bool fresh = finaljacobian(r);
+    constexpr int mostpolish = 6; // where the steps shrink slowly, as with large residuals
     const size_t n = size_t(r.n);
-    const longnormal normal = buildnormal(r);
-    const std::vector<long double> inverse = longinverse(normal, n);
-    std::vector<long double> step(n, 0);
-    for (size_t i = 0; i < n; i++)
-        for (size_t j = 0; j < n; j++) step[i] += inverse[i * n + j] * normal.gradient[j];
-    if (fresh && r.cons.count == 0 && r.converged == 1) polish(r, step, inverse, var);
-    for (size_t k = 0; k < n * n; k++) r.normal[k] = double(inverse[k]);
-    for (size_t j = 0; j < n; j++) r.ptpdia[j] = double(normal.diagonal[j]);
+    bool more = finaljacobian(r) && r.cons.count == 0 && r.converged == 1;
+    for (int pass = 0;; pass++) {
+        const precisenormal normal = precisesums(r);
+        const precisefactor factor = precisefactors(normal, {});
+        r.normal = preciseinverse(factor);
+        for (size_t j = 0; j < n; j++) r.ptpdia[j] = normal.a[j * n + j].hi;
+        if (!more || pass == mostpolish) return;
+        more = polish(r, precisesolve(factor, normal.gradient), var);
+        if (!more) return;
+        fitjacobian(r);
+    }
 }
 
 } // namespace

@@ -1,9 +1,11 @@
 // The fit's iteration on plain callbacks: linear constraints against an enumeration of active sets,
 // statistics, norms, models that fail.
+#include "funcs/vectorloops.h"
 #include "interp/base/machine.h"
 #include "interp/base/parser.h"
 #include "interp/base/report.h"
 #include "solvers/fitsolve.h"
+#include "solvers/precise.h"
 #include "solvers/symsweep.h"
 
 #include <gtest/gtest.h>
@@ -272,6 +274,35 @@ TEST_F(fittest, sweptInverseIsTheInverse) {
             for (int k = 0; k < n; k++) sum += full[i * n + k] * symat(a.data(), n, k, j);
             EXPECT_NEAR(sum, i == j, 1e-13);
         }
+}
+
+// The inverse of the Hilbert matrix has whole entries (M.-D. Choi, Amer. Math. Monthly 90 (1983) 301); at n =
+// 10 it loses 13 digits.
+TEST_F(fittest, preciseInverseKeepsItsDigits) {
+    const int n = 10;
+    precisenormal normal{n, std::vector<dd>(n * n), std::vector<dd>(n)};
+    for (int i = 0; i < n; i++)
+        for (int j = i; j < n; j++) normal.a[i * n + j] = dd(1) / dd(i + j + 1);
+    const vector inverse = preciseinverse(precisefactors(normal, {}));
+    EXPECT_EQ(inverse[0], 100);
+    EXPECT_EQ(inverse[1], -4950);
+    EXPECT_EQ(inverse[n * n - 1], 19.0 * 48620 * 48620);
+    for (int i = 0; i < n; i++)
+        for (int j = 0; j < n; j++) EXPECT_EQ(inverse[i * n + j], std::round(inverse[i * n + j])) << i << j;
+}
+
+TEST_F(fittest, longSumsOfProductsLoseNothing) {
+    for (size_t n : {1, 3, 8, 9, 40, 513}) {
+        vector x(n), y(n);
+        for (size_t i = 0; i < n; i++) { // pairs that cancel, with a last product that stays
+            x[i] = i + 1 == n ? 1 : (i % 2 ? -1 : 1) * (1e15 + double(i / 2));
+            y[i] = i + 1 == n ? 0.1 : 3 + double(i / 2) / 7;
+        }
+        if (n % 2 == 0) x[n - 2] = 0;
+        double sum[2] = {0, 0};
+        dotproduct2(n, x.data(), y.data(), sum);
+        EXPECT_NEAR(sum[0] + sum[1], 0.1, 1e-13) << n << ": a plain sum is off by halves";
+    }
 }
 
 } // namespace
