@@ -2,6 +2,7 @@
 #include "funcs/builtin.h"
 #include "funcs/matrixoperand.h"
 #include "funcs/rows.h"
+#include "funcs/scratch.h"
 #include "interp/base/machine.h"
 #include "interp/base/report.h"
 
@@ -28,7 +29,7 @@ uint64_t orderedbits(double x) {
     return bits ^ (uint64_t(int64_t(bits) >> 63) | uint64_t(1) << 63);
 }
 
-void radixpass(const std::vector<sortkey>& from, std::vector<sortkey>& to, int shift,
+void radixpass(scratch<sortkey>& from, scratch<sortkey>& to, int shift,
                const std::array<uint32_t, 1 << DIGIT>& count) {
     std::array<uint32_t, 1 << DIGIT> next;
     uint32_t sum = 0;
@@ -41,8 +42,8 @@ void radixpass(const std::vector<sortkey>& from, std::vector<sortkey>& to, int s
 
 /* Row numbers (from 0) in ascending order of a column, equal numbers in their order: least digit first over
  * the upper 33 bits, then runs that agree in them by comparison. */
-std::vector<sortkey> sortedrows(const double* column, size_t n, size_t stride) {
-    std::vector<sortkey> keys(n);
+scratch<sortkey> sortedrows(const double* column, size_t n, size_t stride) {
+    scratch<sortkey> keys(n);
     std::vector<std::array<uint32_t, 1 << DIGIT>> count(3);
     for (auto& c : count) c.fill(0);
     for (size_t i = 0; i < n; i++) {
@@ -50,7 +51,7 @@ std::vector<sortkey> sortedrows(const double* column, size_t n, size_t stride) {
         keys[i] = {b, uint32_t(i)};
         for (int d = 0; d < 3; d++) count[size_t(d)][b >> (LOWEST + d * DIGIT) & ((1 << DIGIT) - 1)]++;
     }
-    std::vector<sortkey> other(n);
+    scratch<sortkey> other(n);
     for (int d = 0; d < 3; d++) {
         const auto& c = count[size_t(d)];
         if (n == 0 || c[keys[0].bits >> (LOWEST + d * DIGIT) & ((1 << DIGIT) - 1)] == n) continue;
@@ -60,7 +61,7 @@ std::vector<sortkey> sortedrows(const double* column, size_t n, size_t stride) {
     const auto before = [](const sortkey& a, const sortkey& b) { return a.bits < b.bits; };
     for (size_t i = 0, k; i < n; i = k) {
         for (k = i + 1; k < n && keys[k].bits >> LOWEST == keys[i].bits >> LOWEST;) k++;
-        const auto first = keys.begin() + long(i), last = keys.begin() + long(k);
+        sortkey *const first = keys.data() + i, *const last = keys.data() + k;
         if (k - i > 1 && !std::is_sorted(first, last, before)) std::stable_sort(first, last, before);
     }
     return keys;
@@ -87,7 +88,7 @@ size_t columnargument(const callargs& a, int k, double absent, const matrixopera
 int sortmatrix(const callargs& a) {
     const matrixoperand m(a[1]);
     const size_t k = columnargument(a, 2, 1, m, "SORT"), width = m.cols();
-    const std::vector<sortkey> keys = sortedrows(m.cell() + k, m.rows(), width);
+    scratch<sortkey> keys = sortedrows(m.cell() + k, m.rows(), width);
     harrayptr result(harrayraw(m.m->rows, m.m->cols));
     double* to = cells(result.get()) + 1;
     const double* from = m.cell() + 1;

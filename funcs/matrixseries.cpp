@@ -4,6 +4,7 @@
 #include "funcs/linearcalls.h"
 #include "funcs/matrixoperand.h"
 #include "funcs/rows.h"
+#include "funcs/scratch.h"
 #include "interp/base/fpfault.h"
 #include "interp/base/report.h"
 
@@ -28,34 +29,50 @@ void needdftcolumns(const matrixoperand& m) {
     if (m.cols() < 1 || m.cols() > 4) tarnerror("DFT functions require a 1, 2, 3, or 4 column matrix");
 }
 
+// The transform of a real column as two columns of the result, the inverse divided by the length.
+void transformreal(const matrixoperand& m, int sign, double* to) {
+    const size_t n = m.rows();
+    scratch<std::complex<double>> y(n / 2 + 1);
+    realdft(m.cell() + 1, 1, n, y.data());
+    const double scale = sign > 0 ? double(n) : 1;
+    for (size_t k = 0; k < n; k++) {
+        const bool upper = k > n / 2; // the conjugate of an element of the lower half
+        const std::complex<double> z = y[upper ? n - k : k];
+        to[2 * k] = fpcheck(z.real() / scale);
+        to[2 * k + 1] = fpcheck((upper != (sign > 0) ? -z.imag() : z.imag()) / scale) + 0.0; // no -0
+    }
+}
+
+// The same for columns re and re + 1 of m, to those of the result.
+void transformcomplex(const matrixoperand& m, size_t re, int sign, double* to) {
+    const size_t n = m.rows(), cols = m.cols();
+    scratch<std::complex<double>> x(n);
+    const double* from = m.cell() + 1 + re;
+    for (size_t i = 0; i < n; i++) x[i] = {from[i * cols], from[i * cols + 1]};
+    dft(x.data(), n, sign);
+    const double scale = sign > 0 ? double(n) : 1;
+    for (size_t i = 0; i < n; i++) {
+        to[i * cols + re] = fpcheck(x[i].real() / scale);
+        to[i * cols + re + 1] = fpcheck(x[i].imag() / scale) + 0.0;
+    }
+}
+
 /* DFT(M) and IDFT(M). One column: a real series; two: real and imaginary parts; three: equally spaced times
  * (or frequencies), real and imaginary parts, and the result begins with frequencies (times); four: two
  * complex series. The inverse divides by the length. */
 int transform(const callargs& a, int sign) {
     const matrixoperand m(a[1]);
     needdftcolumns(m);
-    const size_t n = m.rows(), cols = m.cols(), first = cols == 3, series = cols == 4 ? 2 : 1;
-    const size_t width = first + 2 * series;
-    vec result(n * width);
-    cvec x(n);
-    for (size_t s = 0; s < series; s++) {
-        const size_t re = first + 2 * s;
-        for (size_t i = 0; i < n; i++) {
-            const double* row = m.cell() + 1 + i * cols;
-            x[i] = {row[re], cols == 1 ? 0 : row[re + 1]};
-        }
-        dft(x, sign);
-        for (size_t i = 0; i < n; i++) {
-            const std::complex<double> z = sign > 0 ? x[i] / double(n) : x[i];
-            result[i * width + re] = z.real();
-            result[i * width + re + 1] = z.imag();
-        }
+    const size_t n = m.rows(), cols = m.cols();
+    harrayptr result(harrayraw(m.m->rows, cols == 1 ? 2 : m.m->cols));
+    double* to = cells(result.get()) + 1;
+    if (n > 0 && cols == 1) transformreal(m, sign, to);
+    for (size_t re = cols % 2; re < cols && cols > 1; re += 2) transformcomplex(m, re, sign, to);
+    if (cols == 3) {
+        const double span = n > 1 ? m.cell()[1 + (n - 1) * 3] - m.cell()[1] : 0, step = span / double(n - 1);
+        for (size_t i = 0; i < n; i++) to[i * 3] = n > 1 ? fpdiv(double(i), step * double(n)) : 0;
     }
-    if (first && n > 1) {
-        const double span = m.cell()[1 + (n - 1) * 3] - m.cell()[1], step = span / double(n - 1);
-        for (size_t i = 0; i < n; i++) result[i * width] = fpdiv(double(i), step * double(n));
-    }
-    return temporary(n, width, result);
+    return symtabmatrix(0, 0, std::move(result));
 }
 int forward(const callargs& a) { return transform(a, -1); }
 int backward(const callargs& a) { return transform(a, 1); }
@@ -66,17 +83,17 @@ int realforward(const callargs& a) {
     const matrixoperand m(a[1]);
     needdftcolumns(m);
     const size_t n = m.rows(), cols = m.cols(), half = n ? n / 2 + 1 : 0;
-    vec result(half * 2 * cols);
-    cvec x(n);
-    for (size_t j = 0; j < cols; j++) {
-        for (size_t i = 0; i < n; i++) x[i] = m.cell()[1 + i * cols + j];
-        dft(x, -1);
+    harrayptr result(harrayraw(uint32_t(half), uint32_t(2 * cols)));
+    double* to = cells(result.get()) + 1;
+    scratch<std::complex<double>> y(half);
+    for (size_t j = 0; j < cols && n > 0; j++) {
+        realdft(m.cell() + 1 + j, cols, n, y.data());
         for (size_t i = 0; i < half; i++) {
-            result[i * 2 * cols + 2 * j] = x[i].real();
-            result[i * 2 * cols + 2 * j + 1] = x[i].imag();
+            to[i * 2 * cols + 2 * j] = fpcheck(y[i].real());
+            to[i * 2 * cols + 2 * j + 1] = fpcheck(y[i].imag()) + 0.0;
         }
     }
-    return temporary(half, 2 * cols, result);
+    return symtabmatrix(0, 0, std::move(result));
 }
 
 vec column(const matrixoperand& m, size_t j) {

@@ -19,7 +19,7 @@ namespace {
  * matrices then works in memory that is mapped and warm. */
 struct blockcache {
     static constexpr size_t smallest = 64 * 1024, limit = size_t(256) << 20;
-    static constexpr int room = 8;
+    static constexpr int room = 16;
     void* block[room] = {};
     size_t bytes[room] = {};
     size_t total = 0;
