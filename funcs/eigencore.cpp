@@ -220,6 +220,17 @@ void settlepair(eigenwork& w, size_t en, double shift, std::vector<double>& wr, 
     w.at(en, na) = 0;
 }
 
+/* Of two real shifts the one nearer to the corner counts, twice: two that differ can hold each other up for
+ * ever. (D. Day, How the QR algorithm fails to converge and how to fix it, Sandia report SAND96-0913J.) */
+void nearshift(double& x, double& y, double& prod) {
+    const double half = (y - x) / 2, square = half * half + prod;
+    if (square < 0) return;
+    const double far = half + std::copysign(std::sqrt(square), half);
+    if (far != 0) x -= prod / far;
+    y = x;
+    prod = 0;
+}
+
 bool quasitriangular(eigenwork& w, double norm, std::vector<double>& wr, std::vector<double>& wi) {
     double shift = 0;
     std::vector<reflection> done;
@@ -248,6 +259,7 @@ bool quasitriangular(eigenwork& w, double norm, std::vector<double>& wr, std::ve
             }
             if (sweeps >= MAXSWEEPS) return false;
             double x = w.at(en, en), y = w.at(en - 1, en - 1), prod = w.at(en, en - 1) * w.at(en - 1, en);
+            nearshift(x, y, prod);
             if (sweeps == 10 || sweeps == 20) { // exceptional shift
                 shift += x;
                 for (size_t i = 0; i <= en; i++) w.at(i, i) -= x;

@@ -13,11 +13,21 @@ bool lufactor(double* a, size_t n, std::vector<size_t>& perm);
 // Solves for all k right sides at once: b is n by k and takes the solution.
 void lusubstitute(const double* lu, size_t n, const std::vector<size_t>& perm, double* b, size_t k);
 double ludeterminant(const double* lu, size_t n, const std::vector<size_t>& perm);
+/* Both at once, with any range of elements: a is destroyed, b takes the solution, infinite where it is beyond
+ * the largest number. False when a pivot is exactly zero. */
+bool lusolve(std::vector<double>& a, size_t n, std::vector<double>& b, size_t k);
+
+/* The reflection I - beta v v' that turns x (n elements `stride` apart) into (alpha, 0...). v overwrites x,
+ * v[0] = 1 included; returns beta, 0 where nothing is to be done (x stays). The square of no element may
+ * overflow. */
+double reflector(double* x, size_t n, size_t stride, double& alpha);
+// What to take off the binary exponents of all elements so that their squares stay in range; 0 if they do.
+int squarescale(const double* a, size_t count);
 
 /* Singular values w (descending, not negative) of a (m by n, any shape), with p = min(m, n): u is m by p, v
- * is n by p, both with orthonormal columns; a = u diag(w) v'. False when a value has not settled in 30
- * sweeps. (Householder bidiagonalisation and implicit-shift QR: G. H. Golub, C. Reinsch, Numer. Math. 14
- * (1970) 403.) */
+ * is n by p, both with orthonormal columns; a = u diag(w) v'. A value that is rounding alone is exactly 0;
+ * one beyond the largest number is infinite. False when a value has not settled in 30 sweeps. (Householder
+ * bidiagonalisation and implicit-shift QR: G. H. Golub, C. Reinsch, Numer. Math. 14 (1970) 403.) */
 bool svdcore(const double* a, size_t m, size_t n, std::vector<double>& w, std::vector<double>& u,
              std::vector<double>& v);
 

@@ -41,10 +41,8 @@ int inv(const callargs& a) {
     needsquare(m, a.name());
     const size_t n = m.rows();
     vec lu = copied(m), x(n * n, 0.0);
-    std::vector<size_t> perm;
-    if (!lufactor(lu.data(), n, perm)) tarnerror("INV: numerically singular matrix");
     for (size_t i = 0; i < n; i++) x[i * n + i] = 1;
-    lusubstitute(lu.data(), n, perm, x.data(), n);
+    if (!lusolve(lu, n, x, n)) tarnerror("INV: numerically singular matrix");
     return temporary(n, n, x);
 }
 
@@ -53,11 +51,15 @@ harrayptr pseudoinverse(const harray* m) {
     const svdresult s(m);
     if (!s.done) tarnerror("INV used svd, which failed");
     const size_t rows = m->rows, cols = m->cols, p = s.w.size();
+    const int exponent = squarescale(s.w.data(), p); // of values so small that their inverses overflow
     vec x(cols * rows, 0.0), ut(p * rows);
-    for (size_t i = 0; i < rows; i++)
-        for (size_t k = 0; k < p; k++) ut[k * rows + i] = s.w[k] != 0 ? s.u[i * p + k] / s.w[k] : 0;
+    for (size_t k = 0; k < p; k++) {
+        const double w = std::ldexp(s.w[k], -exponent);
+        for (size_t i = 0; i < rows; i++) ut[k * rows + i] = w != 0 ? s.u[i * p + k] / w : 0;
+    }
     for (size_t j = 0; j < cols; j++)
         for (size_t k = 0; k < p; k++) axpy(rows, s.v[j * p + k], &ut[k * rows], &x[j * rows]);
+    for (double& t : x) t = std::ldexp(t, -exponent);
     return matrixfrom(cols, rows, x.data());
 }
 
@@ -65,9 +67,7 @@ int lineq(const callargs& a) {
     const matrixoperand m(a[1]), b(a[2]);
     if (m.rows() != m.cols() || m.rows() != b.rows()) argshape(a.name());
     vec lu = copied(m), x = copied(b);
-    std::vector<size_t> perm;
-    if (!lufactor(lu.data(), m.rows(), perm)) tarnerror("LINEQ: numerically singular matrix");
-    lusubstitute(lu.data(), m.rows(), perm, x.data(), b.cols());
+    if (!lusolve(lu, m.rows(), x, b.cols())) tarnerror("LINEQ: numerically singular matrix");
     return temporary(b.rows(), b.cols(), x);
 }
 
@@ -118,24 +118,13 @@ int eigen(const callargs& a) {
     return temporary(2 * n + 2, n, block);
 }
 
-// The reflection that clears column k below the diagonal, on the columns from k on; its vector is kept in v.
-void householder(vec& r, size_t m, size_t n, size_t k, vec& v, vec& work) {
-    double most = 0, sum = 0;
-    for (size_t i = k; i < m; i++) most = std::max(most, std::fabs(r[i * n + k]));
-    v.assign(m, 0);
-    if (most == 0) return;
-    for (size_t i = k; i < m; i++) {
-        v[i] = r[i * n + k] / most;
-        sum += v[i] * v[i];
-    }
-    const double length = std::sqrt(sum);
-    v[k] += std::copysign(length, v[k]);
-    const double beta = 1 / (length * std::fabs(v[k]));
-    work.assign(n, 0);
-    for (size_t i = k; i < m; i++) axpy(n - k, v[i], &r[i * n + k], &work[k]);
-    for (size_t i = k; i < m; i++) axpy(n - k, -beta * v[i], &work[k], &r[i * n + k]);
-    for (size_t i = k + 1; i < m; i++) r[i * n + k] = 0;
-    for (double& x : v) x *= std::sqrt(beta);
+// Rows k.. of the columns from.. of r (n columns) turned by the reflection in v and beta.
+void reflectfrom(vec& r, size_t n, size_t k, size_t from, const vec& v, double beta, vec& work) {
+    if (beta == 0) return;
+    const size_t width = n - from;
+    work.assign(width, 0);
+    for (size_t i = 0; i < v.size(); i++) axpy(width, v[i], &r[(k + i) * n + from], work.data());
+    for (size_t i = 0; i < v.size(); i++) axpy(width, -beta * v[i], work.data(), &r[(k + i) * n + from]);
 }
 
 /* QRFAC(A), A m by n: with p = min(m, n), Q (m by p, orthonormal columns; columns of 0 fill it up to n) and
@@ -144,20 +133,25 @@ void householder(vec& r, size_t m, size_t n, size_t k, vec& v, vec& work) {
 int qrfac(const callargs& a) {
     const matrixoperand given(a[1]);
     const size_t m = given.rows(), n = given.cols(), p = std::min(m, n);
-    vec r = copied(given), q(m * p, 0.0), work;
+    vec r = copied(given), q(m * p, 0.0), beta(p), work;
+    const int exponent = squarescale(r.data(), r.size());
+    if (exponent != 0)
+        for (double& x : r) x = std::ldexp(x, -exponent);
     std::vector<vec> v(p);
-    for (size_t k = 0; k < p; k++) householder(r, m, n, k, v[k], work);
-    for (size_t k = 0; k < p; k++) q[k * p + k] = 1;
-    for (size_t k = p; k-- > 0;) {
-        work.assign(p, 0);
-        for (size_t i = k; i < m; i++) axpy(p, v[k][i], &q[i * p], work.data());
-        for (size_t i = k; i < m; i++) axpy(p, -v[k][i], work.data(), &q[i * p]);
+    for (size_t k = 0; k < p; k++) {
+        for (size_t i = k; i < m; i++) v[k].push_back(r[i * n + k]);
+        double alpha = 0;
+        beta[k] = reflector(v[k].data(), m - k, 1, alpha);
+        if (k + 1 < n) reflectfrom(r, n, k, k + 1, v[k], beta[k], work);
+        r[k * n + k] = alpha;
     }
+    for (size_t k = 0; k < p; k++) q[k * p + k] = 1;
+    for (size_t k = p; k-- > 0;) reflectfrom(q, p, k, k, v[k], beta[k], work);
     vec block((m + p) * n, 0.0);
     for (size_t k = 0; k < p; k++) {
         const double sign = r[k * n + k] < 0 ? -1 : 1;
-        for (size_t i = 0; i < m; i++) block[i * n + k] = sign * q[i * p + k];
-        for (size_t j = k; j < n; j++) block[(m + k) * n + j] = sign * r[k * n + j];
+        for (size_t i = 0; i < m; i++) block[i * n + k] = sign * q[i * p + k] + 0.0; // no -0
+        for (size_t j = k; j < n; j++) block[(m + k) * n + j] = sign * std::ldexp(r[k * n + j], exponent);
     }
     return temporary(m + p, n, block);
 }
@@ -250,7 +244,7 @@ double mnorm(const callargs& a) {
     if (p == 2) {
         const svdresult s(m.m);
         if (!s.done) tarnerror("MNORM: svd failed to converge");
-        return s.w[0];
+        return fpcheck(s.w[0]);
     }
     double most = 0;
     if (p == 1)

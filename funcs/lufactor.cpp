@@ -48,6 +48,37 @@ bool factorpanel(double* a, size_t n, size_t from, size_t to, std::vector<size_t
     return true;
 }
 
+constexpr double WIDEST = 0x1p1000; // beyond it and its inverse, sums of products may leave the range
+
+/* Elimination in the wide exponent range of long double, past factors of 0: for elements at the ends of the
+ * range of a double, where products on the way would overflow or vanish. */
+bool widesolve(const std::vector<double>& given, size_t n, const std::vector<double>& right,
+               std::vector<double>& b, size_t k) {
+    std::vector<long double> a(given.begin(), given.end()), x(right.begin(), right.end());
+    const auto subtract = [](size_t count, long double f, const long double* from, long double* to) {
+        for (size_t j = 0; f != 0 && j < count; j++)
+            if (from[j] != 0) to[j] -= f * from[j];
+    };
+    for (size_t c = 0; c < n; c++) {
+        size_t p = c;
+        for (size_t i = c + 1; i < n; i++)
+            if (std::fabs(a[i * n + c]) > std::fabs(a[p * n + c])) p = i;
+        if (a[p * n + c] == 0) return false;
+        std::swap_ranges(&a[p * n], &a[p * n] + n, &a[c * n]);
+        std::swap_ranges(&x[p * k], &x[p * k] + k, &x[c * k]);
+        for (size_t i = c + 1; i < n; i++) {
+            const long double f = a[i * n + c] / a[c * n + c];
+            subtract(n - c - 1, f, &a[c * n] + c + 1, &a[i * n] + c + 1);
+            subtract(k, f, &x[c * k], &x[i * k]);
+        }
+    }
+    for (size_t i = n; i-- > 0;) {
+        for (size_t c = i + 1; c < n; c++) subtract(k, a[i * n + c], &x[c * k], &x[i * k]);
+        for (size_t j = 0; j < k; j++) b[i * k + j] = double(x[i * k + j] /= a[i * n + i]);
+    }
+    return true;
+}
+
 } // namespace
 
 bool lufactor(double* a, size_t n, std::vector<size_t>& perm) {
@@ -77,13 +108,29 @@ void lusubstitute(const double* lu, size_t n, const std::vector<size_t>& perm, d
 }
 
 double ludeterminant(const double* lu, size_t n, const std::vector<size_t>& perm) {
-    double product = 1;
+    double product = 1; // times 2^exponent: the product of some of the factors may be out of range
+    long exponent = 0;
     std::vector<char> seen(n, 0);
     for (size_t i = 0; i < n; i++) {
-        product *= lu[i * n + i];
+        int factor = 0, shift = 0;
+        product = std::frexp(product * std::frexp(lu[i * n + i], &factor), &shift);
+        exponent += factor + shift;
         size_t length = 0; // of the cycle that starts here
         for (size_t j = i; !seen[j]; j = perm[j], length++) seen[j] = 1;
         if (length > 0 && length % 2 == 0) product = -product;
     }
-    return product;
+    return std::ldexp(product, int(std::clamp(exponent, -100000L, 100000L)));
+}
+
+bool lusolve(std::vector<double>& a, size_t n, std::vector<double>& b, size_t k) {
+    double most = 0;
+    for (const double x : a) most = std::max(most, std::fabs(x));
+    const std::vector<double> givena = a, givenb = b;
+    std::vector<size_t> perm;
+    if (most < WIDEST && (most > 1 / WIDEST || most == 0)) {
+        if (!lufactor(a.data(), n, perm)) return false;
+        lusubstitute(a.data(), n, perm, b.data(), k);
+        if (std::all_of(b.begin(), b.end(), [](double x) { return std::isfinite(x); })) return true;
+    }
+    return widesolve(givena, n, givenb, b, k);
 }

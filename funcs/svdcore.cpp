@@ -10,31 +10,18 @@ namespace {
 
 constexpr int MAXSWEEPS = 30;
 
-/* The work is done on a matrix of at least as many rows as columns, scaled by a power of two so that no
- * square over- or underflows. ut and vt hold the transposes of U and V, so that rotations run along rows. */
+constexpr int LARGEST = 480; // binary exponent of the largest element, so that no square overflows
+
+/* The work is done on a matrix of at least as many rows as columns, scaled by a power of two where squares
+ * would over- or underflow. ut and vt hold the transposes of U and V, so that rotations run along rows. */
 struct svdwork {
     size_t m, n;
     std::vector<double> a;      // m by n, the reflections as they come
     std::vector<double> d, e;   // diagonal and superdiagonal; e[0] is unused
     std::vector<double> ut, vt; // n by m and n by n
+    std::vector<size_t> row,
+        col; // which of the given matrix: those of zeros stand last, where nothing mixes them
 };
-
-/* The reflection I - beta v v' that turns x into (alpha, 0...). v overwrites x, v[0] included; returns beta.
- */
-double reflector(double* x, size_t n, size_t stride, double& alpha) {
-    double most = 0;
-    for (size_t i = 0; i < n; i++) most = std::max(most, std::fabs(x[i * stride]));
-    alpha = x[0];
-    if (most == 0 || n == 1) return 0;
-    double sum = 0;
-    for (size_t i = 0; i < n; i++) sum += (x[i * stride] / most) * (x[i * stride] / most);
-    const double length = most * std::sqrt(sum);
-    alpha = x[0] > 0 ? -length : length;
-    const double v0 = x[0] - alpha;
-    for (size_t i = 1; i < n; i++) x[i * stride] /= v0;
-    x[0] = 1;
-    return -v0 / alpha;
-}
 
 // Rows from.. of the columns from.. of a: a -= beta v (v'a), v being column `col` from row `from` on.
 void reflectrows(svdwork& s, size_t from, size_t col, double beta, std::vector<double>& w) {
@@ -172,12 +159,13 @@ void chasecolumn(svdwork& w, size_t l, size_t k) {
 bool diagonalise(svdwork& w) {
     double size = 0;
     for (size_t i = 0; i < w.n; i++) size = std::max(size, std::fabs(w.d[i]) + (i ? std::fabs(w.e[i]) : 0));
-    const double tiny = DBL_EPSILON * size * 0.5;
+    const double smalle = 1e-19 * size,
+                 smalld = 1e-100 * size; // nothing beside the largest; hardly a divisor
     for (size_t k = w.n; k-- > 1;) {
         for (int count = 0;; count++) {
             const auto negligible = [&](size_t i) {
                 return std::fabs(w.e[i]) <= DBL_EPSILON * (std::fabs(w.d[i]) + std::fabs(w.d[i - 1])) * 0.5 ||
-                       std::fabs(w.e[i]) <= tiny * 1e-3;
+                       std::fabs(w.e[i]) <= smalle;
             };
             size_t l = k;
             bool split = false;
@@ -186,7 +174,7 @@ bool diagonalise(svdwork& w) {
                     w.e[l] = 0;
                     break;
                 }
-                if (std::fabs(w.d[l - 1]) <= tiny * 1e-3) {
+                if (std::fabs(w.d[l - 1]) <= smalld) {
                     split = true;
                     break;
                 }
@@ -198,7 +186,7 @@ bool diagonalise(svdwork& w) {
                 chaserow(w, l, k);
                 continue;
             }
-            if (std::fabs(w.d[k]) <= tiny * 1e-3) {
+            if (std::fabs(w.d[k]) <= smalld) {
                 w.d[k] = 0;
                 chasecolumn(w, l, k);
                 continue;
@@ -210,8 +198,8 @@ bool diagonalise(svdwork& w) {
 }
 
 // Values positive and descending (ties keep their order); the columns of U and V follow.
-void sorted(const svdwork& s, double scale, std::vector<double>& w, std::vector<double>& u,
-            std::vector<double>& v, bool transposed) {
+void sorted(const svdwork& s, std::vector<double>& w, std::vector<double>& u, std::vector<double>& v,
+            bool transposed) {
     const size_t m = s.m, n = s.n;
     std::vector<size_t> order(n);
     std::iota(order.begin(), order.end(), size_t(0));
@@ -224,13 +212,74 @@ void sorted(const svdwork& s, double scale, std::vector<double>& w, std::vector<
     for (size_t k = 0; k < n; k++) {
         const size_t from = order[k];
         const double sign = s.d[from] < 0 ? -1 : 1;
-        w[k] = std::fabs(s.d[from]) * scale;
-        for (size_t i = 0; i < m; i++) left[i * n + k] = s.ut[from * m + i];
-        for (size_t i = 0; i < n; i++) right[i * n + k] = sign * s.vt[from * n + i];
+        w[k] = std::fabs(s.d[from]);
+        for (size_t i = 0; i < m; i++) left[s.row[i] * n + k] = s.ut[from * m + i];
+        for (size_t i = 0; i < n; i++) right[s.col[i] * n + k] = sign * s.vt[from * n + i];
+    }
+}
+
+// x, or its transpose, with the rows and the columns that hold nothing but zeros last.
+void load(svdwork& s, const std::vector<double>& x, bool transposed) {
+    const auto cell = [&](size_t i, size_t j) { return transposed ? x[j * s.m + i] : x[i * s.n + j]; };
+    std::vector<char> rowused(s.m, 0), colused(s.n, 0);
+    for (size_t i = 0; i < s.m; i++)
+        for (size_t j = 0; j < s.n; j++)
+            if (cell(i, j) != 0) rowused[i] = colused[j] = 1;
+    for (const char used : {1, 0}) {
+        for (size_t i = 0; i < s.m; i++)
+            if (rowused[i] == used) s.row.push_back(i);
+        for (size_t j = 0; j < s.n; j++)
+            if (colused[j] == used) s.col.push_back(j);
+    }
+    s.a.resize(s.m * s.n);
+    for (size_t i = 0; i < s.m; i++)
+        for (size_t j = 0; j < s.n; j++) s.a[i * s.n + j] = cell(s.row[i], s.col[j]);
+}
+
+/* A value no larger than what rounding of the elements of a in their last place changes it by is 0: what was
+ * computed instead is rounding alone. The reduction adds some for larger matrices. Small values that the
+ * elements do determine, as those of graded matrices, stay. (First-order change of a value: u' da v. G. W.
+ * Stewart, J. Sun, Matrix Perturbation Theory, ch. IV.4.) */
+void zerowhatisrounding(const double* a, size_t m, size_t n, std::vector<double>& w,
+                        const std::vector<double>& u, const std::vector<double>& v) {
+    const size_t p = w.size();
+    const double unit = DBL_EPSILON * std::max(2.0, double(p) / 5);
+    for (size_t k = p; k-- > 0 && w[k] <= DBL_EPSILON * double(m + n) * w[0];) {
+        double change = 0;
+        for (size_t i = 0; i < m; i++) {
+            double sum = 0;
+            for (size_t j = 0; j < n; j++) sum += std::fabs(a[i * n + j]) * std::fabs(v[j * p + k]);
+            change += std::fabs(u[i * p + k]) * sum;
+        }
+        if (w[k] <= unit * change || w[k] > change) w[k] = 0; // no true value is above it
     }
 }
 
 } // namespace
+
+int squarescale(const double* a, size_t count) {
+    double most = 0;
+    for (size_t k = 0; k < count; k++) most = std::max(most, std::fabs(a[k]));
+    int exponent = 0;
+    std::frexp(most, &exponent);
+    return exponent > 0 ? std::max(0, exponent - LARGEST) : exponent; // what is made larger loses nothing
+}
+
+double reflector(double* x, size_t n, size_t stride, double& alpha) {
+    double most = 0;
+    for (size_t i = 1; i < n; i++) most = std::max(most, std::fabs(x[i * stride]));
+    alpha = x[0];
+    if (most == 0) return 0;
+    most = std::max(most, std::fabs(alpha));
+    double sum = 0;
+    for (size_t i = 0; i < n; i++) sum += (x[i * stride] / most) * (x[i * stride] / most);
+    const double length = most * std::sqrt(sum);
+    alpha = x[0] > 0 ? -length : length;
+    const double v0 = x[0] - alpha;
+    for (size_t i = 1; i < n; i++) x[i * stride] /= v0;
+    x[0] = 1;
+    return -v0 / alpha;
+}
 
 bool svdcore(const double* a, size_t m, size_t n, std::vector<double>& w, std::vector<double>& u,
              std::vector<double>& v) {
@@ -238,14 +287,11 @@ bool svdcore(const double* a, size_t m, size_t n, std::vector<double>& w, std::v
     svdwork s{};
     s.m = std::max(m, n);
     s.n = std::min(m, n);
-    s.a.resize(m * n);
-    double most = 0;
-    for (size_t k = 0; k < m * n; k++) most = std::max(most, std::fabs(a[k]));
-    int exponent = 0;
-    if (most > 0) std::frexp(most, &exponent);
-    for (size_t i = 0; i < m; i++)
-        for (size_t j = 0; j < n; j++)
-            s.a[transposed ? j * m + i : i * n + j] = std::ldexp(a[i * n + j], -exponent);
+    const int exponent = squarescale(a, m * n);
+    std::vector<double> scaled(a, a + m * n);
+    if (exponent != 0)
+        for (double& x : scaled) x = std::ldexp(x, -exponent);
+    load(s, scaled, transposed);
     s.d.assign(s.n, 0);
     s.e.assign(s.n + 1, 0);
     std::vector<double> betau(s.n, 0), betav(s.n, 0);
@@ -253,7 +299,8 @@ bool svdcore(const double* a, size_t m, size_t n, std::vector<double>& w, std::v
     buildu(s, betau);
     buildv(s, betav);
     if (!diagonalise(s)) return false;
-    sorted(s, 1, w, u, v, transposed);
-    for (double& x : w) x = std::min(std::ldexp(x, exponent), DBL_MAX);
+    sorted(s, w, u, v, transposed);
+    zerowhatisrounding(scaled.data(), m, n, w, u, v);
+    for (double& x : w) x = std::ldexp(x, exponent);
     return true;
 }

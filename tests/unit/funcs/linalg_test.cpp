@@ -112,6 +112,30 @@ TEST(svdcore, knownValues) {
     EXPECT_NEAR(w[7], 1.1115389663724424e-10, 1e-15);
 }
 
+size_t rankof(size_t m, size_t n, const vec& a) {
+    vec w, u, v;
+    EXPECT_TRUE(svdcore(a.data(), m, n, w, u, v));
+    return size_t(std::count_if(w.begin(), w.end(), [](double x) { return x != 0; }));
+}
+
+// What rounding alone leaves is exactly 0; what the elements determine stays, however small.
+TEST(svdcore, valuesOfRoundingAloneAreZero) {
+    EXPECT_EQ(rankof(2, 2, {1, 2, 2, 4}), 1u);
+    EXPECT_EQ(rankof(3, 3, {1, 2, 3, 4, 5, 6, 7, 8, 9}), 2u);
+    EXPECT_EQ(rankof(3, 2, {0.1, 0.3, 0.2, 0.6, 0.3, 0.9}), 1u) << "singular but for the rounding of tenths";
+    EXPECT_EQ(rankof(3, 3, {1, 2, 0, 3, 6, 0, 5, 10, 0}), 1u);
+    for (const size_t n : {5, 20, 90}) {
+        EXPECT_EQ(rankof(n, n, vec(n * n, 1.0)), 1u) << n;
+        vec a(n * n);
+        for (size_t k = 0; k < n * n; k++) a[k] = double(k + 1);
+        EXPECT_EQ(rankof(n, n, a), 2u) << n;
+    }
+    EXPECT_EQ(rankof(2, 2, {1, 1, 1, 1 + 0x1p-48}), 2u);
+    EXPECT_EQ(rankof(2, 2, {1, 1, 0, 1e-20}), 2u);
+    EXPECT_EQ(rankof(2, 2, {1, 1e-20, 1e-20, 1e-30}), 2u);
+    EXPECT_EQ(rankof(4, 4, {1e150, 0, 0, 0, 0, 1e-150, 0, 0, 0, 0, 1e-300, 0, 0, 0, 0, 1}), 4u);
+}
+
 // Product of the eigenvectors with A against lambda times them; each of unit length.
 void checkeigen(const matrixcase& c, double tolerance) {
     SCOPED_TRACE(c.name + " " + std::to_string(c.n));
@@ -157,6 +181,9 @@ TEST(eigencore, vectorsSatisfyTheirEquation) {
     for (size_t j = 0; j < 10; j++) companion[j] = cubes[j];
     for (size_t i = 1; i < 10; i++) companion[i * 10 + i - 1] = 1;
     checkeigen({"companion", 10, 10, companion}, 1e-14);
+    // two real shifts that differ hold each other up (D. Day, SAND96-0913J)
+    for (const double h : {1e-2, 1e-6, 1e-9, 1e-15})
+        checkeigen({"held up", 4, 4, {0, 1, 0, 0, 1, 0, h, 0, 0, -h, 0, 1, 0, 0, 1, 0}}, 1e-14);
     // D^-1 R D for powers of ten: bad scaling that balancing takes out
     vec bad = randommatrix(6, 6, 3);
     for (size_t i = 0; i < 6; i++)
@@ -200,8 +227,11 @@ TEST(lufactor, solvesForAllRightSides) {
         lusubstitute(lu.data(), n, perm, b.data(), 3);
         for (size_t k = 0; k < n * 3; k++) EXPECT_NEAR(b[k], x[k], 1e-11) << n;
     }
-    vec lu = {0, 2, 3, 0};
+    vec outofrange = {1e200, 0, 0, 0, 0, 1e200, 0, 0, 0, 0, 1e-200, 0, 0, 0, 0, -1e-190};
     std::vector<size_t> perm;
+    ASSERT_TRUE(lufactor(outofrange.data(), 4, perm));
+    EXPECT_NEAR(ludeterminant(outofrange.data(), 4, perm), -1e10, 1e-4);
+    vec lu = {0, 2, 3, 0};
     ASSERT_TRUE(lufactor(lu.data(), 2, perm));
     EXPECT_EQ(ludeterminant(lu.data(), 2, perm), -6);
     vec singular = {1, 2, 2, 4};
@@ -209,6 +239,29 @@ TEST(lufactor, solvesForAllRightSides) {
     vec cycle = {0, 1, 0, 0, 0, 1, 1, 0, 0}; // an even permutation
     ASSERT_TRUE(lufactor(cycle.data(), 3, perm));
     EXPECT_EQ(ludeterminant(cycle.data(), 3, perm), 1);
+}
+
+// Elements at the ends of the range: the solution is right wherever it can be told.
+TEST(lusolve, widestRange) {
+    const struct {
+        size_t n;
+        vec a, b, x;
+    } rows[] = {{2, {1.7e308, 1.7e308, -1.7e308, 1.7e308}, {1.7e308, 1.7e308}, {0, 1}},
+                {2, {5e-324, 1e-323, 1e-323, 5e-324}, {1.5e-323, 1.5e-323}, {1, 1}},
+                {3, {1e300, 0, 0, 0, 1e-300, 0, 0, 0, 1}, {1e300, 1, 3}, {1, 1e300, 3}},
+                {2, {1e-320, 0, 0, 1}, {1, 2}, {INFINITY, 2}},
+                {2, {1, 0, 1, 1e-310}, {1, 1}, {1, 0}}};
+    for (const auto& row : rows) {
+        vec a = row.a, b = row.b;
+        ASSERT_TRUE(lusolve(a, row.n, b, 1));
+        for (size_t i = 0; i < row.n; i++)
+            if (row.x[i] == INFINITY)
+                EXPECT_EQ(b[i], INFINITY);
+            else
+                EXPECT_NEAR(b[i], row.x[i], 1e-15 * std::fabs(row.x[i])) << row.a[0];
+    }
+    vec singular = {1e308, 1e308, 1e308, 1e308}, b = {1, 1};
+    EXPECT_FALSE(lusolve(singular, 2, b, 1));
 }
 
 } // namespace

@@ -125,6 +125,8 @@ TEST_F(matrixcallstest, linearAlgebra) {
     EXPECT_EQ(result("SVD", {matrix(3, 2, {3, 0, 0, 2, 0, 0})}).substr(0, 9), "6x2: 3 2 ");
     EXPECT_EQ(result("QRFAC", {matrix(2, 2, {3, 0, 4, 5})}), "4x2: 0.6 -0.8 0.8 0.6 5 4 0 3");
     EXPECT_EQ(result("QRFAC", {matrix(1, 2, {-2, 4})}), "2x2: -1 0 2 -4");
+    EXPECT_EQ(result("QRFAC", {matrix(2, 2, {1, 2, 0, -3})}), "4x2: 1 0 0 -1 1 2 0 3");
+    EXPECT_EQ(result("COND", {matrix(2, 2, {2, 4, 4, 8})}), "1") << "zero values are not counted";
 }
 
 TEST_F(matrixcallstest, refusals) {
