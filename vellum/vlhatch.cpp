@@ -1,5 +1,7 @@
 #include "vellum/vlhatch.h"
 
+#include "vellum/vlpicture.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -141,7 +143,114 @@ void vlhatch(const double* xy, size_t n, double spacing, double angle, bool draw
     }
 }
 
+namespace {
+
+// Does the device fill polygons, but none of so many points?
+bool toolong(size_t n) {
+    return !vl.open && vl.live && vl.ops && vl.ops->polygon && !(vlrootof(vl.patch)->flags & VLMEMORY) &&
+           vl.ops->maxpolygon > 0 && n > vl.ops->maxpolygon;
+}
+
+/* Cuts off the part of a polygon beyond a line x or y = limit. What is left of the contours are chains whose
+ * ends lie on the line; sorted along it, the ends are joined two by two, as the even-odd rule has it. */
+struct cutter {
+    struct end {
+        double along;
+        size_t chain;
+        bool tail;
+    };
+    int axis;
+    double limit, side; // kept: side * (coordinate - limit) <= 0
+    std::vector<std::vector<double>> chains;
+    std::vector<end> ends;
+    std::vector<double> out;
+
+    double beyond(const double* p) const { return side * (p[axis] - limit); }
+    void contour(const double* xy, size_t n);
+    void link();
+};
+
+void cutter::contour(const double* xy, size_t n) {
+    const auto kept = [&](size_t i) { return beyond(xy + 2 * (i % n)) <= 0; };
+    size_t start = 0;
+    while (start < n && !(kept(start + 1) && !kept(start))) start++;
+    if (start == n) { // wholly on one side
+        if (!kept(0)) return;
+        out.insert(out.end(), xy, xy + 2 * n);
+        out.insert(out.end(), {1e300, 0});
+        return;
+    }
+    for (size_t i = start; i < start + n; i++) {
+        const double *p = xy + 2 * (i % n), *q = xy + 2 * ((i + 1) % n);
+        if (kept(i) != kept(i + 1)) {
+            const double t = beyond(p) / (beyond(p) - beyond(q));
+            double at[2] = {p[0] + t * (q[0] - p[0]), p[1] + t * (q[1] - p[1])};
+            at[axis] = limit;
+            if (kept(i + 1)) chains.emplace_back();
+            chains.back().insert(chains.back().end(), at, at + 2);
+            ends.push_back({at[1 - axis], chains.size() - 1, kept(i)});
+        }
+        if (kept(i + 1)) chains.back().insert(chains.back().end(), q, q + 2);
+    }
+}
+
+void cutter::link() {
+    std::sort(ends.begin(), ends.end(), [](const end& a, const end& b) { return a.along < b.along; });
+    std::vector<size_t> place(2 * chains.size()); // of each chain's head and tail among the ends
+    for (size_t i = 0; i < ends.size(); i++) place[2 * ends[i].chain + (ends[i].tail ? 1 : 0)] = i;
+    std::vector<char> done(chains.size(), 0);
+    for (size_t first = 0; first < chains.size(); first++) {
+        size_t chain = first;
+        bool forward = true;
+        while (!done[chain]) {
+            done[chain] = 1;
+            const std::vector<double>& c = chains[chain];
+            for (size_t i = 0; i < c.size(); i += 2) {
+                const double* p = &c[forward ? i : c.size() - 2 - i];
+                out.insert(out.end(), p, p + 2);
+            }
+            const end& next = ends[place[2 * chain + (forward ? 1 : 0)] ^ 1];
+            chain = next.chain;
+            forward = !next.tail;
+        }
+        if (!out.empty() && out[out.size() - 2] < 1e300) out.insert(out.end(), {1e300, 0});
+    }
+}
+
+std::vector<double> halfof(const std::vector<double>& xy, int axis, double limit, double side) {
+    cutter cut{axis, limit, side, {}, {}, {}};
+    for (size_t first = 0, end; first < xy.size(); first = end + 2) {
+        for (end = first; end < xy.size() && xy[end] < 1e300;) end += 2;
+        if (end > first) cut.contour(&xy[first], (end - first) / 2);
+    }
+    cut.link();
+    return std::move(cut.out);
+}
+
+// Fills a polygon of too many points in parts, halved along its longer side. The parts overlap by a dot.
+void fillparts(const std::vector<double>& xy, int depth) {
+    if (xy.empty() || vlfillpolygonn(xy.data(), xy.size() / 2)) return;
+    double low[2] = {HUGE_VAL, HUGE_VAL}, high[2] = {-HUGE_VAL, -HUGE_VAL};
+    for (size_t i = 0; i < xy.size(); i += 2) {
+        if (xy[i] >= 1e300) continue;
+        for (size_t k = 0; k < 2; k++) {
+            low[k] = std::min(low[k], xy[i + k]);
+            high[k] = std::max(high[k], xy[i + k]);
+        }
+    }
+    constexpr int deepest = 12;
+    const int axis = high[0] - low[0] > high[1] - low[1] ? 0 : 1;
+    const double overlap = 0.5 / (axis == 0 ? vl.pix.sx : vl.pix.sy), middle = (low[axis] + high[axis]) / 2;
+    if (depth == deepest || !(high[axis] - low[axis] > 4 * overlap))
+        return vlhatch(xy.data(), xy.size() / 2, 0, 0, true, nullptr);
+    fillparts(halfof(xy, axis, middle + overlap, 1), depth + 1);
+    fillparts(halfof(xy, axis, middle - overlap, -1), depth + 1);
+}
+
+} // namespace
+
 void vlfillsolid(const double* xy, size_t n) {
-    if (!vlcandraw() || vlfillpolygonn(xy, n)) return;
-    vlhatch(xy, n, 0, 0, true, nullptr);
+    if (!vlcandraw()) return;
+    if (toolong(n)) return fillparts(std::vector<double>(xy, xy + 2 * n), 0);
+    if (!vlfillpolygonn(xy, n)) vlhatch(xy, n, 0, 0, true, nullptr);
 }

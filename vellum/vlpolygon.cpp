@@ -15,10 +15,10 @@ std::vector<double> normalpoints(const double* poly, int flags) {
     vlrealloc(xy, 2 * n);
     for (size_t i = 0; i < n; i++) {
         const double x = poly[2 + 2 * i], y = poly[3 + 2 * i];
-        const bool gap = !(x < 1e300);
-        const vlpoint p = gap ? vlpoint{1e300, 0} : flags & normalunits ? vlpoint{x, y} : vltonorm(x, y);
-        xy[2 * i] = p.x;
-        xy[2 * i + 1] = p.y;
+        const vlpoint p = flags & normalunits ? vlpoint{x, y} : vltonorm(x, y);
+        const bool gap = !(x < 1e300) || !std::isfinite(p.x) || !std::isfinite(p.y);
+        xy[2 * i] = gap ? 1e300 : p.x;
+        xy[2 * i + 1] = gap ? 0 : p.y;
     }
     return xy;
 }

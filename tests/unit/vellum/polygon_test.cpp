@@ -62,6 +62,34 @@ TEST_F(Polygon, anOpenPictureGetsLinesADotApart) {
     EXPECT_NEAR(totallength() * 0.4 / 404, 0.15, 0.002);
 }
 
+// A device that takes few points gets parts, which together cover the polygon and nothing else.
+TEST_F(Polygon, aLongPolygonGoesInParts) {
+    std::vector<double> gear = {2 * 720 + 1, 2};
+    for (const double radius : {0.4, 0.2}) {
+        if (radius == 0.2) gear.insert(gear.end(), {1e300, 0});
+        for (int i = 0; i < 720; i++) {
+            const double a = i * std::numbers::pi / 360, r = radius + 0.03 * std::sin(30 * a);
+            gear.insert(gear.end(), {0.5 + r * std::cos(a), 0.5 + r * std::sin(a)});
+        }
+    }
+    vldeviceops few = *recorderoperations();
+    few.maxpolygon = 100;
+    vl.ops = &few;
+    DPOLYGON(gear.data(), 0, 0, 1);
+    vl.ops = recorderoperations();
+    const auto parts = recorded.polygons;
+    EXPECT_TRUE(recorded.lines.empty());
+    EXPECT_GT(parts.size(), 14u);
+    for (const recordedpolygon& p : parts) EXPECT_LE(p.size(), 100u);
+    for (int i = 0; i < 4000; i++) {
+        const vlpoint q{(i % 63 + 0.37) / 63, (i / 63 + 0.41) / 64};
+        const double a = std::atan2(q.y - 0.5, q.x - 0.5), r = std::hypot(q.x - 0.5, q.y - 0.5);
+        const double wave = 0.03 * std::sin(30 * a);
+        if (std::fabs(r - 0.4 - wave) < 0.002 || std::fabs(r - 0.2 - wave) < 0.002) continue;
+        ASSERT_EQ(covered(q), r < 0.4 + wave && r > 0.2 + wave) << q.x << ' ' << q.y;
+    }
+}
+
 TEST_F(Polygon, linesAreKeptWithoutBeingDrawn) {
     DPOLYGON(ring.data(), 0.05, 0, 2);
     EXPECT_TRUE(recorded.lines.empty() && recorded.polygons.empty());
