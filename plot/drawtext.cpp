@@ -87,11 +87,18 @@ void passed(textpen& p, double width) {
     p.farthest = std::max(p.farthest, p.along);
 }
 
-// One character, with what goes along with it.
-void drawglyph(textpen& p, char c) {
-    const char text[2] = {c, 0};
-    const double own = plainwidth(p, text), width = p.now.cell > 0 ? p.now.cell : own;
-    for (int k = 0; k <= p.repeats; k++) ink(p, text);
+// The bytes of the letter that begins at s[k]: one, or as many as its UTF-8 takes.
+size_t letterbytes(const std::string& s, size_t k) {
+    size_t end = k + 1;
+    if (static_cast<unsigned char>(s[k]) >= 0xC0)
+        while (end < s.size() && end < k + 4 && (static_cast<unsigned char>(s[end]) & 0xC0) == 0x80) end++;
+    return end - k;
+}
+
+// One letter, with what goes along with it.
+void drawglyph(textpen& p, const std::string& letter) {
+    const double own = plainwidth(p, letter.c_str()), width = p.now.cell > 0 ? p.now.cell : own;
+    for (int k = 0; k <= p.repeats; k++) ink(p, letter.c_str());
     p.repeats = 0;
     if (p.ink && p.now.bar) penline(p, p.along, height(p), p.along, height(p) + p.now.size * p.now.high);
     if (p.ink && p.now.underline) {
@@ -105,15 +112,22 @@ bool byglyphs(const textpen& p) {
     return p.repeats > 0 || p.now.turn != 0 || p.now.cell > 0 || p.now.bar || p.now.underline;
 }
 
-// Characters up to the next command: at once where they need no care one by one.
+// Letters up to the next command: at once where they need no care one by one.
 void drawrun(textpen& p, const std::string& run) {
     size_t k = 0;
-    while (k < run.size() && byglyphs(p)) drawglyph(p, run[k++]);
+    while (k < run.size() && byglyphs(p)) {
+        const size_t n = letterbytes(run, k);
+        drawglyph(p, run.substr(k, n));
+        k += n;
+    }
     if (k == run.size()) return;
     const std::string rest = run.substr(k);
     ink(p, rest.c_str());
     const double before = p.along, width = plainwidth(p, rest.c_str());
-    for (; k < run.size(); k++) passed(p, plainwidth(p, std::string(1, run[k]).c_str()));
+    for (size_t n; k < run.size(); k += n) {
+        n = letterbytes(run, k);
+        passed(p, plainwidth(p, run.substr(k, n).c_str()));
+    }
     p.along = before + width; // what the text took as a whole
     p.farthest = std::max(p.farthest, p.along);
 }
@@ -139,7 +153,7 @@ void control(textpen& p, char letter) {
     const char code = char(toupper(static_cast<unsigned char>(letter)) - 64);
     if (code == '\r') return margin(p);
     if (code == '\n') return linefeed(p);
-    drawglyph(p, code);
+    drawglyph(p, std::string(1, code));
 }
 
 /* A command is an apostrophe, a number or none, and a letter. Without a number it takes 1, but A, which then

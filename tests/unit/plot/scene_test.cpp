@@ -376,6 +376,9 @@ INSTANTIATE_TEST_SUITE_P(
                     escapecase{"HH'2BHH", "HH", 0, 0, 0, 0}, escapecase{"HH'1B'1FH", "HHH", 0, 0, 0, 0},
                     escapecase{"H'MH", "H", 0, 0, -1.666667, 0},
                     escapecase{"H'CM'CJH", "H", 0, 0, -1.666667, 0}, escapecase{"'3IH", "H", 0, 0, 0, 0},
+                    // a letter of two bytes is one letter
+                    escapecase{"H\xC3\xA4'1B\xC3\xA4", "H\xC3\xA4", 0, 0, 0, 0},
+                    escapecase{"'3I\xC3\xA4H", "\xC3\xA4H", 0, 0, 0, 0},
                     escapecase{"'90A'0AH", "H", 0, 0, 0, 0}, escapecase{"'Y'YH", "H", 0, 0, 0, 0},
                     escapecase{"'Z'ZH", "H", 0, 0, 0, 0}, escapecase{"'QH", "H", 0, 0, 0, 0},
                     escapecase{"'-1DH", "H", 0, 0, 1, 1}));
