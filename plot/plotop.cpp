@@ -84,6 +84,19 @@ std::string plotfilename(const plotdevice& device) {
     return bindname(name, report.filedir.c_str(), device.extension);
 }
 
+// The kind of a file is told by PLOTDEV; a name that tells another is pointed out.
+void checkextension(const std::string& path, const plotdevice& device) {
+    const size_t dot = path.find_last_of("./\\");
+    if (dot == std::string::npos || path[dot] != '.') return;
+    std::string extension = path.substr(dot + 1);
+    for (char& c : extension) c = char(tolower(static_cast<unsigned char>(c)));
+    if (extension == "eps") extension = "ps";
+    const bool known = std::any_of(std::begin(devices), std::end(devices),
+                                   [&](const plotdevice& row) { return extension == row.extension; });
+    if (known && extension != device.extension)
+        tarnwarn("PLOTDEV is %s: %s is no %s file", device.name, path.c_str(), extension.c_str());
+}
+
 /* The whole picture fits on the page: a tall screen on a wide page by its height, a wide screen on a tall
  * page by its width. It is never enlarged. */
 double pagescale(const vldevice& page) {
@@ -170,6 +183,7 @@ void plotop() {
     if (device.sized) checkpagesize();
     linewidth(); // a wrong one is told before a file goes
     const std::string path = plotfilename(device);
+    checkextension(path, device);
     if (!mayoverwrite(path)) {
         parser.poltop = -1;
         return;

@@ -50,3 +50,8 @@ PSLINEW = 0.5
 VIEWSIZE 500, 5
 PLOTDEV = "PDF"
 PLOT IN "wide"
+VIEWSIZE 6, 4
+PLOTDEV = "PSL"
+PLOT IN "figure.PNG"
+PLOT IN "figure2.eps"
+PLOT IN "figure.v2"
