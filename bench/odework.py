@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
-"""Prints the work that INTEGRATE takes for the problems of tests/data/odeproblems.txt, beside LSODA's (through SciPy).
+"""Prints what INTEGRATE reaches and takes for the problems of tests/data/odeproblems.txt, beside LSODA (through SciPy).
 
-Usage: bench/odework.py [build/tarn]. For each problem and ERRFAC: accepted steps, evaluations of the right-hand side
-(those of difference Jacobians included), Jacobians, and the error at the end in units of ERRFAC times the largest size of
-a state; then LSODA's evaluations and Jacobians at the same relative tolerance, and its error in the same units.
+Usage: bench/odework.py [build/tarn]. Cells hold three figures, for ERRFAC 1E-3, 1E-6, 1E-9. Errors are those at the end,
+in units of ERRFAC times the largest size of a state. First table: the automatic mode; evaluations of the right-hand side
+(those of difference Jacobians included), Jacobians, and LSODA's error and evaluations at the same relative tolerance.
+Second table: the errors of each METHOD.
 """
 import math
 import pathlib
@@ -20,15 +21,15 @@ def problems():
         if line.startswith("#"):
             continue
         cells = [c.strip() for c in line.split("|")]
-        yield cells[0], cells[2], [c.split(None, 4) for c in cells[3:]]
+        yield cells[0], cells[1] == "1", cells[2], [c.split(None, 4) for c in cells[3:]]
 
 
 def worst(values, states):
     return max(abs(v - float(s[2])) / float(s[3]) for v, s in zip(values, states))
 
 
-def ours(end, states, errfac):
-    text = "ODERPT = 3; METHOD = 0; ERRFAC = %s\n" % errfac
+def ours(end, states, errfac, method):
+    text = "ODERPT = 3; METHOD = %d; ERRFAC = %s\n" % (method, errfac)
     for name, start, _, _, rhs in states:
         text += "FUNCTION %s'T(T) = %s\nINITIAL %s(0) = %s\n" % (name, rhs, name, start)
     text += 'SOLN = INTEGRATE(%s,0:%s!11)\nNFORMAT = "%%.15e"; NAMESW = 1\n' % (",".join(s[0] for s in states), end)
@@ -44,16 +45,12 @@ def lsoda(end, states, errfac):
     from scipy.integrate import ode
 
     names = [s[0] for s in states]
-    code = [compile(re.sub(r"\b(COS|SIN|EXP)\b", lambda m: "math." + m[1].lower(), s[4].replace("^", "**")), s[0], "eval")
-            for s in states]
+    rhs = [re.sub(r"\b(COS|SIN|EXP|SQRT)\b", lambda m: "math." + m[1].lower(), s[4].replace("^", "**")) for s in states]
     counted = [0]
+    scope = {"math": math, "counted": counted}
+    exec("def f(T, y):\n    counted[0] += 1\n    %s, = y\n    return [%s]" % (", ".join(names), ", ".join(rhs)), scope)
 
-    def f(t, y):
-        counted[0] += 1
-        scope = dict(zip(names, y), T=t, math=math)
-        return [eval(c, scope) for c in code]
-
-    solver = ode(f).set_integrator("lsoda", rtol=float(errfac), atol=1e-14, nsteps=10**7)
+    solver = ode(scope["f"]).set_integrator("lsoda", rtol=float(errfac), atol=1e-14, nsteps=10**7)
     solver.set_initial_value([float(s[1]) for s in states], 0)
     last = float(end)
     for k in range(1, 11):
@@ -66,15 +63,32 @@ try:
     peer = True
 except ImportError:
     peer = False
-print("| Problem | ERRFAC | steps | evaluations | Jacobians | error | LSODA evaluations | error |")
-print("|---|---|---|---|---|---|---|---|")
-for name, end, states in problems():
-    for errfac in ("1E-3", "1E-6", "1E-9"):
-        (steps, evaluations, jacobians), error = ours(end, states, errfac)
-        row = [name, errfac, str(steps), str(evaluations), str(jacobians), "%.2g" % (error / float(errfac))]
-        if peer:
-            count, off = lsoda(end, states, errfac)
-            row += [str(count), "%.2g" % (off / float(errfac))]
-        else:
-            row += ["", ""]
-        print("| " + " | ".join(row) + " |", flush=True)
+TOLERANCES = ("1E-3", "1E-6", "1E-9")
+
+
+def cell(values, form="%.2g"):
+    return " / ".join(form % v for v in values)
+
+
+work, errors = [], []
+for name, stiff, end, states in problems():
+    reached = {}
+    for method in (0, 2, 3) if stiff else (0, 1):
+        runs = [ours(end, states, errfac, method) for errfac in TOLERANCES]
+        reached[method] = [error / float(errfac) for (_, error), errfac in zip(runs, TOLERANCES)]
+        if method == 0:
+            row = [name, cell(reached[0]), cell([r[0][1] for r in runs], "%d"), cell([r[0][2] for r in runs], "%d")]
+    if peer:
+        runs = [lsoda(end, states, errfac) for errfac in TOLERANCES]
+        row += [cell([off / float(errfac) for (_, off), errfac in zip(runs, TOLERANCES)]), cell([r[0] for r in runs], "%d")]
+    else:
+        row += ["", ""]
+    work.append(row)
+    errors.append([name] + [cell(reached[m]) if m in reached else "" for m in (1, 2, 3)])
+
+print("| Problem | error | evaluations | Jacobians | LSODA error | LSODA evaluations |\n|---|---|---|---|---|---|")
+for row in work:
+    print("| " + " | ".join(row) + " |")
+print("\n| Problem | METHOD 1 | METHOD 2 | METHOD 3 |\n|---|---|---|---|")
+for row in errors:
+    print("| " + " | ".join(row) + " |")

@@ -210,6 +210,7 @@ bool solutions(const int* functions, int count, const harray* points, int, harra
     solve.system = odededuce(names, 0);
     if (!solve.system.active()) return false;
     if (points->cols != 1) argshape("POINTS");
+    for (int f : names) odeusable(f, 1);
     const std::vector<size_t> order = sortedorder(points);
     std::vector<double> times;
     for (size_t i : order) times.push_back(at(points, i, 1));

@@ -194,8 +194,9 @@ void takefunction(deduction& d, size_t i) {
         addoutput(d, i, f, count > 0);
 }
 
-// Can the name be called with so many scalars?
-void checkusable(int f, int nargs) {
+} // namespace
+
+void odeusable(int f, int nargs) {
     if (nargs == 0 || sym(f).type == INITIALVALUE) return;
     if (sym(f).type == USERFUNCTION) {
         if (formalcount(f) != nargs) tarnerror("incorrect number of arguments of a function\n");
@@ -214,8 +215,6 @@ void checkusable(int f, int nargs) {
     if (nargs < mandatory || nargs > slots[0]) tarnerror("incorrect number of arguments of a function\n");
 }
 
-} // namespace
-
 odesystem odededuce(const std::vector<int>& names, int nargs) {
     deduction d(names);
     for (int f : names) {
@@ -226,7 +225,7 @@ odesystem odededuce(const std::vector<int>& names, int nargs) {
     for (size_t i = 0; i < names.size(); i++) {
         const int f = names[i];
         if (d.s.code[i] != 0) continue;
-        checkusable(f, nargs);
+        odeusable(f, nargs);
         if (isstate(f))
             takestate(d, f);
         else if (isfunction(f))

@@ -49,6 +49,9 @@ struct odesolve {
 /* Deduces the system from `names` (functions, states, derivatives, builtins). nargs: 0, or the arguments with
  * which each must be usable. Throws the stated errors; no system found leaves states empty. */
 odesystem odededuce(const std::vector<int>& names, int nargs);
+// Throws the stated error unless f (a function, state or builtin) can be called with nargs scalars; 0: no
+// check.
+void odeusable(int f, int nargs);
 /* The result that the builtin layer asks for: 0 no state or derivative listed; 1 every equation named, no
  * plain function; 2 not all named, no plain function; 3 all named and a plain function; 4 a plain function
  * and not all named. */

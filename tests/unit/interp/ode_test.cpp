@@ -1,6 +1,7 @@
 // Differential equations: the usual test problems against reference values, the forms of a system, every
 // message, and sessions that stay whole.
 #include "interp/base/parser.h"
+#include "solvers/odesetup.h"
 #include "unit/interp/livesession.h"
 
 #include <cmath>
@@ -133,6 +134,27 @@ TEST_F(Ode, FormsAndMessages) {
          "FUNCTION M'T(T) = -M; FUNCTION N'T(T) = M; INITIAL M(0) = 1; INITIAL N(1) = 1; S = "
          "INTEGRATE(M,N,0:1)",
          "##Error: All initials do NOT have the same starting point\n"},
+        {"higher derivative missing", "INITIAL M(0) = 1; INITIAL M'T(0) = 1; S = INTEGRATE(M,0:1)",
+         "##Error: Higher order derivative missing\n"},
+        {"no such derivative", "S = INTEGRATE(GG'T,0:1)",
+         "##Error: derivative of GG wrt T cannot be computed\n\n"},
+        {"no function", "FUNCTION M'T(T) = -M; INITIAL M(0) = 1; S = INTEGRATE(M,5,0:1)",
+         "##Error: trying to evaluate illegal function\n\n"},
+        {"function of two arguments over points",
+         "FUNCTION M'T(T) = -M; INITIAL M(0) = 1; FUNCTION F(A,B) = M; S = POINTS(M,F,0:1)",
+         "##Error: incorrect number of arguments of a function\n\n"},
+        {"builtin of two arguments over points",
+         "FUNCTION M'T(T) = -M; INITIAL M(0) = 1; S = POINTS(M,ATAN2,0:1)",
+         "##Error: incorrect number of arguments of a function\n\n"},
+        {"points of two columns",
+         "FUNCTION M'T(T) = -M; INITIAL M(0) = 1; D = POINTS(SQRT,0:1); S = POINTS(M,D)",
+         "##Error: Incorrect row/col shape of an argument of POINTS\n\n"},
+        {"long names",
+         "FUNCTION ABCDEFGHIJKL'T(T) = -ABCDEFGHIJKL; INITIAL ABCDEFGHIJKL(0) = 1; S = "
+         "INTEGRATE(ABCDEFGHIJKL,0:1); R = ABS(S(2,2)-EXP(-1)) < 1E-7; TYPE R",
+         "Warning: jacobian derivative name is too long.\n  R = 1\n"},
+        {"no derivative of a builtin", "FUNCTION M'T(T) = -MAXV(M); INITIAL M(0) = 1; S = INTEGRATE(M,0:1)",
+         "##Error: DIFF: MAXV is not a differentiable builtin function\n"},
         {"arguments", "FUNCTION M'T(T,U) = -M; INITIAL M(0) = 1; S = INTEGRATE(M,0:1)",
          "##Error: The ode function M'T does not have exactly one independent variable\n\n"},
         {"start at a string", "A = \"x\"; FUNCTION M'T(T) = -M; INITIAL M(A) = 1; S = INTEGRATE(M,0:1)",
@@ -211,6 +233,74 @@ TEST_F(Ode, DisastersAreTreatedAsTheirSwitchTells) {
     run("DELETEALL\nDISASTERSW = 4; FUNCTION M'T(T) = -M; INITIAL M(0) = 1; S = INTEGRATE(M,0:2); R = "
         "S(3,2)");
     EXPECT_NEAR(scalar("R"), std::exp(-2), 1e-6) << "a constant step from the outset";
+}
+
+TEST_F(Ode, ReportsTellWhatIsDone) {
+    run(decay);
+    const struct {
+        const char *switches, *says;
+    } rows[] = {
+        {"ODERPT = 1; METHOD = 1", "t: 0 step #: 0 step: 1e-12 adams\n"},
+        {"ODERPT = 1; METHOD = 2", "t:0 jacobian evaluation:1\nt: 0 step #: 0 step: 1e-12 gear-shrager\n"},
+        {"ODERPT = 1; METHOD = 3", " gear-tu\n"},
+        {"ODERPT = 2; METHOD = 1", "y, dy [1]: 1, -1\nstoring for t = 0\n"},
+        {"ODERPT = 3; METHOD = 1", "t = 1, # steps = "},
+        {"ODERPT = 3; METHOD = 1", "\n # system derivative evaluations = "},
+        {"ODERPT = 3; METHOD = 1", ", # jacobian evaluations = 0\n"},
+    };
+    for (const auto& row : rows) {
+        const std::string said =
+            run(std::string("ERRFAC = 1E-6; ") + row.switches + "; S = INTEGRATE(M,0:1)");
+        EXPECT_NE(said.find(row.says), std::string::npos) << row.switches << "\n" << said;
+    }
+    EXPECT_EQ(run("ODERPT = 0; S = INTEGRATE(M,0:1)"), "");
+}
+
+// MANDSW lands on the output times: the value there is no interpolation across a jump of the derivative.
+TEST_F(Ode, OutputTimesMayBeMandatory) {
+    run("FUNCTION M'T(T) = IF T <= 1 THEN 1 ELSE -1; INITIAL M(0) = 0; MANDSW = 1; ERRFAC = 1E-6");
+    run("S = INTEGRATE(M,0:2); TOP = S(2,2); END = S(3,2)");
+    EXPECT_NEAR(scalar("TOP"), 1, 1e-9);
+    EXPECT_NEAR(scalar("END"), 0, 1e-5);
+}
+
+TEST_F(Ode, TablesHaveBounds) {
+    std::string chain = "DELETEALL\nFUNCTION Y0'T(T) = -Y0; INITIAL Y0(0) = 1\n";
+    for (int k = 1; k <= 500; k++) {
+        const std::string here = "Y" + std::to_string(k), last = "Y" + std::to_string(k - 1);
+        chain += "FUNCTION " + here + "'T(T) = " + last + "-" + here + "; INITIAL " + here + "(0) = 0\n";
+    }
+    run(chain);
+    EXPECT_EQ(run("S = INTEGRATE(Y500,0:1)"), "##Error: too many initials\n");
+    EXPECT_EQ(run("METHOD = 1; S = INTEGRATE(Y499,0:1); R = NCOLS(S); TYPE R"), "  R = 1001\n");
+}
+
+// What a list of names covers, and whether each can be called with so many scalars.
+TEST_F(Ode, DeductionTellsWhatIsCovered) {
+    run("FUNCTION A'T(T) = -A+B; FUNCTION B'T(T) = A; INITIAL A(0) = 1; INITIAL B(0) = 0");
+    run("FUNCTION F(T) = A; FUNCTION G(X) = X^2; FUNCTION H(X,Y) = X*Y; FUNCTION F2(X,Y) = A*X");
+    const struct {
+        std::vector<const char*> names;
+        int covers;
+    } rows[] = {{{"G"}, 0},           {{"A", ".B.T"}, 1}, {{"A"}, 2},
+                {{"A", "B", "G"}, 3}, {{"F", "A"}, 4},    {{"F"}, 0}};
+    for (const auto& row : rows) {
+        std::vector<int> list;
+        for (const char* name : row.names) list.push_back(symtablookup(name));
+        EXPECT_EQ(odecoverage(odededuce(list, 0), list), row.covers) << row.names[0];
+        EXPECT_EQ(odededuce(list, 1).active(), row.names[0] != std::string("G"));
+    }
+    const auto refused = [](const char* name, int nargs) {
+        try {
+            odededuce({symtablookup(name)}, nargs);
+        } catch (const recoveryjump&) { return true; }
+        return false;
+    };
+    EXPECT_TRUE(refused("H", 1));
+    EXPECT_FALSE(refused("H", 2));
+    EXPECT_TRUE(refused("F2", 2)) << "a system has one variable";
+    EXPECT_TRUE(refused("INV", 1));
+    EXPECT_FALSE(refused("SQRT", 1));
 }
 
 TEST_F(Ode, FailuresLeaveTheSessionWhole) {
