@@ -106,7 +106,6 @@ int getdisplay(const char* name, int keep, bool resize) {
         return 0;
     }
     display.graphicsfail = GRAPHICSUP;
-    display.selected = true;
     takesizes();
     colors.ink = INKSCREEN;
     colors.top = ncolors - 1;

@@ -11,7 +11,6 @@ enum graphicsstate { GRAPHICSUP, GRAPHICSFAILED, GRAPHICSTOLD }; // TOLD: the us
 struct displaystate {
     int graphicsfail = GRAPHICSFAILED;        // of the screen: PLOT works all the same
     bool viewactive = false;                  // the screen holds a picture
-    bool selected = false;                    // a screen has been open in this session
     std::string plotname;                     // the device of the plot under way, else empty
     int plotfile = 0;                         // number of the last plot file named by the system
     double viewwidthin = 0, viewheightin = 0; // 0: what the device has

@@ -121,14 +121,7 @@ void checkpagesize() {
  * file that was not finished is taken away. */
 class plotpage {
 public:
-    plotpage(const plotdevice& device, std::string file)
-        : path(std::move(file)), wasactive(display.viewactive) {
-        colorskeep();
-        DQUIT(0);
-        display.viewactive = false;
-        display.plotname = device.name;
-        open(device);
-    }
+    explicit plotpage(std::string file) : path(std::move(file)), wasactive(display.viewactive) {}
     ~plotpage() {
         try {
             restoreview();
@@ -138,23 +131,18 @@ public:
     }
     plotpage(const plotpage&) = delete;
     plotpage& operator=(const plotpage&) = delete;
-    void finish() {
-        DFLUSH();
-        DQUIT(0); // what fails here is an error of PLOT
-        finished = true;
-    }
-
-private:
     void open(const plotdevice& device) {
+        colorskeep();
+        DQUIT(0);
+        display.viewactive = false;
+        display.plotname = device.name;
         displayerrors();
         DSETFONTPATH(report.tarnpath.c_str());
         int ncolors = 0;
         const double width = device.sized ? screen.screeninchesx : 0;
         const double height = device.sized ? screen.screeninchesy : 0;
-        if (!DDEVICE(device.device) || !DINI(device.device, &ncolors, path.c_str(), width, height, 0, 0)) {
-            restoreview();
+        if (!DDEVICE(device.device) || !DINI(device.device, &ncolors, path.c_str(), width, height, 0, 0))
             tarnerror("PLOT: this build has no device for %s", device.name);
-        }
         colors.ink = device.ink;
         colors.top = ncolors - 1;
         scene.plotscale = pagescale(*DDEVICE(nullptr));
@@ -162,6 +150,13 @@ private:
         DGET(DSCREENPATCH(), 1);
         DLINEWIDTH(linewidth());
     }
+    void finish() {
+        DFLUSH();
+        DQUIT(0); // what fails here is an error of PLOT
+        finished = true;
+    }
+
+private:
     void restoreview() {
         DQUIT(0);
         scene.plotscale = 1;
@@ -170,7 +165,7 @@ private:
         display.plotname.clear();
         if (display.graphicsfail != GRAPHICSUP) return;
         getdisplay(displayname().c_str(), 0, false);
-        if (wasactive) redisplay(REDISPLAYCHANGE);
+        if (wasactive && finished) redisplay(REDISPLAYCHANGE); // what failed once would fail again
     }
     std::string path;
     bool wasactive, finished = false;
@@ -189,7 +184,8 @@ void plotop() {
         return;
     }
     {
-        plotpage page(device, path);
+        plotpage page(path);
+        page.open(device);
         drawpages(REDISPLAYVIEW);
         page.finish();
     }

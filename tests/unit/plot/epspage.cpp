@@ -105,11 +105,15 @@ void sceneroomsstart() {
     std::filesystem::remove(plotfilepath());
 }
 
-epspage plotpage(const char* plotdev) {
+void plotto(const char* plotdev, const std::string& path) {
     definestring("PLOTDEV", plotdev);
-    definestring("PLOTFILENAME", plotfilepath());
+    definestring("PLOTFILENAME", path);
     clause.insym = int16_t(symtablookup("PLOTFILENAME"));
     plotop();
+}
+
+epspage plotpage(const char* plotdev) {
+    plotto(plotdev, plotfilepath());
     epspage page;
     std::ostringstream text;
     text << std::ifstream(plotfilepath()).rdbuf();

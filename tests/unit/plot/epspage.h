@@ -35,6 +35,7 @@ struct epspage {
 void sceneroomsstart();                // a fresh session as far as plot/ needs one
 epspage plotpage(const char* plotdev); // all windows; throws recoveryjump as PLOT does
 epspage plotpage(const char* plotdev, int window);
+void plotto(const char* plotdev, const std::string& path); // PLOT of all windows to that file
 std::string plotfilepath(); // where plotpage writes; the file is gone afterwards
 
 // A window on the whole screen with its image at 0.2..0.8 by 0.15..0.6, fixed limits 0..10, and no boxes.

@@ -38,7 +38,7 @@ const vldeviceops* fakeoperations() {
 }
 
 class views : public testing::Test {
-  protected:
+protected:
     void SetUp() override {
         shown = fakescreen{};
         vlsetdeviceoperations(VLMSWDEV, fakeoperations());
@@ -163,6 +163,23 @@ TEST_F(views, PlotBringsTheScreenBack) {
     EXPECT_DOUBLE_EQ(scene.plotscale, 1);
     redisplay(REDISPLAYVIEW);
     EXPECT_EQ(shown.lines, 2);
+}
+
+TEST_F(views, APlotThatFailsBringsTheScreenBackToo) {
+    open();
+    curve& c = curveof((window(), symtablookup("C1")));
+    redisplay(REDISPLAYVIEW);
+    EXPECT_THROW(plotto("PSL", "/no/such/folder/plot.ps"), recoveryjump); // when the page is opened
+    c.linetype = 13;
+    EXPECT_THROW(plotto("PSL", plotfilepath()), recoveryjump); // in the middle of it
+    c.linetype = 1;
+    EXPECT_EQ(DDEVICENUMBER(nullptr), int(VLMSWDEV));
+    EXPECT_DOUBLE_EQ(scene.plotscale, 1);
+    EXPECT_TRUE(scene.backgrounds);
+    const int before = shown.lines;
+    redisplay(REDISPLAYVIEW);
+    EXPECT_EQ(shown.lines, before + 1);
+    EXPECT_EQ(DGETCOLOR(), 1);
 }
 
 TEST_F(views, AnotherSizeKeepsWindowsInTheirFractions) {
