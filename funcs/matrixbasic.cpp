@@ -218,6 +218,20 @@ int cross(const callargs& a) {
     return symtabmatrix(0, 0, crossproduct(matrixoperand(a[1]).m, matrixoperand(a[2]).m));
 }
 
+// KRON(A, B): the Kronecker product, a block B times each element of A in its place.
+int kron(const callargs& a) {
+    const matrixoperand x(a[1]), y(a[2]);
+    const double rows = double(x.rows()) * double(y.rows()), cols = double(x.cols()) * double(y.cols());
+    if (rows > UINT32_MAX || cols > UINT32_MAX) tarnerror("Too many elements requested in 'xalloc()'");
+    harrayptr result(harrayraw(uint32_t(rows), uint32_t(cols)));
+    double* to = cells(result.get()) + 1;
+    for (size_t i = 1; i <= x.rows(); i++)
+        for (size_t k = 1; k <= y.rows(); k++)
+            for (size_t j = 1; j <= x.cols(); j++)
+                for (size_t l = 1; l <= y.cols(); l++) *to++ = fpcheck(at(x.m, i, j) * at(y.m, k, l));
+    return symtabmatrix(0, 0, std::move(result));
+}
+
 // MAX and MIN with a matrix among the arguments: over all cells of all arguments.
 int extremeofall(const callargs& a, int direction) {
     double best = direction * MAXNEG;
@@ -237,8 +251,8 @@ constexpr numberrow numbers[] = {
     {-445, prodv},        {-426, trace},    {-404, equal},  {-400, lookup}, {-427, lookupslope},
     {-505, typeofsymbol}, {-434, strlenof},
 };
-constexpr valuerow values[] = {{-606, reshape}, {-626, diag},     {-628, cumsum},
-                               {-611, cross},   {-205, maxofall}, {-206, minofall}};
+constexpr valuerow values[] = {{-606, reshape}, {-626, diag},     {-628, cumsum},  {-611, cross},
+                               {-673, kron},    {-205, maxofall}, {-206, minofall}};
 
 } // namespace
 

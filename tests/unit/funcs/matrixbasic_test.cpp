@@ -112,6 +112,8 @@ TEST_F(matrixbasictest, layouts) {
     EXPECT_EQ(result("SHAPE", {scalar(2), scalar(2), scalar(5)}), "2x2: 5 5 5 5");
     EXPECT_EQ(result("SHAPE", {scalar(2), scalar(1), matrix(0, 3, {0})}), "2x1: 0 0");
     EXPECT_EQ(result("SHAPE", {scalar(0), scalar(3), scalar(1)}), "0x3:");
+    EXPECT_EQ(result("KRON", {matrix(1, 2, {1, -2}), matrix(2, 2, {1, 2, 4, 3})}), "2x4: 1 2 -2 -4 4 3 -8 -6");
+    EXPECT_EQ(result("KRON", {matrix(0, 2, {0}), matrix(2, 1, {1, 2})}), "0x2:");
     EXPECT_EQ(result("SHAPE", {scalar(-1), scalar(3), scalar(1)}), "##Error: SHAPE: argument out of range\n");
     EXPECT_EQ(result("SHAPE", {scalar(1e6), scalar(1e6), scalar(1)}),
               "##Error: Too many elements requested in 'xalloc()'\n");

@@ -29,8 +29,21 @@ TEST(dft, agreesWithTheSum) {
     }
 }
 
+TEST(dft, aRealSeriesHasTheTransformOfTheComplexOne) {
+    for (const size_t n : {1, 2, 3, 4, 9, 10, 61, 122, 360, 1009, 1 << 12}) {
+        const cvec x = series(n);
+        std::vector<double> real(3 * n);
+        cvec f(n), half(n / 2 + 1);
+        for (size_t k = 0; k < n; k++) f[k] = real[3 * k + 1] = x[k].real();
+        dft(f, -1);
+        realdft(&real[1], 3, n, half.data());
+        for (size_t k = 0; k <= n / 2; k++)
+            ASSERT_NEAR(std::abs(half[k] - f[k]), 0, 1e-15 * double(n)) << n << ", " << k;
+    }
+}
+
 TEST(dft, theInverseBringsItBack) {
-    for (const size_t n : {1024, 4096, 1000, 3 * 5 * 7 * 11, 10007, 1 << 16, 65537}) {
+    for (const size_t n : {1024, 4096, 1000, 6561, 15625, 3 * 5 * 7 * 11, 10007, 1 << 16, 65537}) {
         const cvec x = series(n);
         cvec f = x;
         dft(f, -1);

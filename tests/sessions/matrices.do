@@ -1,0 +1,43 @@
+/* tolerance: 1e-7 */
+"Matrix functions as a user meets them: values that are known, and every refusal"
+A = LIST(4, 1, 2, 1, 3, 0, 2, 0, 5)
+A = SHAPE(3, 3, A)
+INV(A) * A - SHAPE(3, 3, LIST(1, 0, 0, 0))
+DET(A)
+LINEQ(A, LIST(1, 2, 3))
+SVD(A) ROW 1
+EIGEN(SHAPE(2, 2, LIST(0, -1, 1, 0))) ROW 1:2
+COND(A)
+S = SHAPE(2, 2, LIST(1, 2, 2, 4))
+RANK(S)
+COND(S)
+S^-1
+INV(S)
+LINEQ(S, LIST(1, 2))
+LINEQ(S, LIST(1, 2, 3))
+INV(SHAPE(2, 3, 1))
+EIGEN(SHAPE(2, 3, 1))
+MRHO(SHAPE(1, 2, 1))
+LIST(1, 0, 0) # LIST(0, 1, 0)
+LIST(1, 0, 0) # 3
+LIST(1, 0) # LIST(0, 1)
+KRON(LIST(1, 2), LIST(1, 10)')
+SORT(SHAPE(4, 2, LIST(3, 1, 1, 2, 2, 3, 1, 4)))
+SORT(S, 3)
+COMPRESS(SHAPE(3, 2, LIST(0, 1, 2, 3, 0, 5)))
+COMPRESS(S, 0)
+GETDIAG(S, 1)
+GETDIAG(S, 2)
+BAND(A, 0)
+BAND(A, 3)
+LENGTH(LIST(3, 4), -1)
+DECONV(LIST(1, 3, 3, 1), LIST(1, 1))
+DECONV(LIST(1, 3, 3, 1), LIST(0, 1))
+HISTO(LIST(1, 2, 2, 3), 2)
+HISTO(LIST(1, 2, 2, 3), SHAPE(0, 1, 1))
+DFT(SHAPE(2, 5, 1))
+DFT(LIST(1, 2, 3, 4))
+SPLINE(SHAPE(3, 2, LIST(0, 0, 1, 1, 1, 2)), 0.5)
+INV(A, 2, 3)
+PROOT(0)
+A
