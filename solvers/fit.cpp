@@ -177,15 +177,32 @@ bool onconstraint(const solverconstraints& cons, const fitresult& r, int parm) {
     return false;
 }
 
+// The first row that the result breaks, from 1; 0: none. Rows that contradict each other cannot all be met.
+int brokenconstraint(const fitbinding& b, const solverconstraints& cons, const fitresult& r) {
+    for (int i = 0; i < cons.count; i++) {
+        double value = 0, size = std::fabs(cons.rhs[i]);
+        for (size_t j = 0; j < b.slots.size(); j++) {
+            const double term = cons.coef[size_t(i) * cons.width + b.slots[j].parm] * r.p[j];
+            value += term;
+            size = std::max(size, std::fabs(term));
+        }
+        const double over = value - cons.rhs[i];
+        if ((cons.type[i] == 0 ? std::fabs(over) : -cons.type[i] * over) > 1e-6 * size) return i + 1;
+    }
+    return 0;
+}
+
 /* What a reader of "CONVERGED" should know besides: a fit can stand still without having found anything. */
 void warnings(const fitbinding& b, const fitswitches& sw, const solverconstraints& cons, const fitresult& r) {
     if (!r.started)
-        tarnwarn("FIT: the model has no value at the starting parameters; try other starting values");
-    else if (sw.maxiter <= 0)
+        return tarnwarn("FIT: the model has no value at the starting parameters; try other starting values");
+    if (sw.maxiter <= 0)
         tarnwarn("FIT: MAXITER is 0, the parameters were not changed");
     else if (!r.lowered && r.sosq > 0)
         tarnwarn("FIT: no step lowered the sum of squares; the parameters are the starting values");
     if (r.retried) tarnwarn("FIT: the first search went astray; the result is that of a more careful one");
+    if (const int broken = brokenconstraint(b, cons, r))
+        tarnwarn("FIT: constraint %d is not met: no parameters meet all of them", broken);
     for (size_t j = 0; j < b.slots.size(); j++) {
         const std::string name = slotname(b.slots[j]);
         if (onconstraint(cons, r, b.slots[j].parm))

@@ -107,7 +107,7 @@ void fitstatistics(fitrun& r, fitresult& result) {
     result.covariance.assign(n * n, 0);
     for (size_t j = 0; j < n; j++) {
         const double a = r.normal[j * n + j], v = a * r.ptpdia[j];
-        result.dependency[j] = v > 0 ? 1 - 1 / v : 1;
+        result.dependency[j] = v > 0 ? std::max(1 - 1 / v, 0.0) : 1; // rounding can leave v below 1
         result.stderrors[j] = a == 0 ? MAXPOS : std::sqrt(a) * result.rms;
         for (size_t k = 0; k <= j; k++)
             result.covariance[j * n + k] = result.covariance[k * n + j] = r.normal[j * n + k] * var;

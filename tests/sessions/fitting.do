@@ -1,0 +1,32 @@
+/* tolerance: 1e-6 */
+"Fits that need a second look: lost from a far start, contradicting constraints, a parameter without effect"
+M = LIST(1,2,3,5,7,10) &' LIST(109,149,149,191,213,224)
+FUNCTION F(X) = B1*(1-EXP(-(B2*X)))
+MATHEX = 0
+B1 = 1; B2 = 1
+FIT (B1,B2), F TO M
+B3 = 7
+FIT (B1,B3), F TO M
+CONSTRAINTS NEVER = {B1 >= 300, B1 <= 200}
+FIT (B1,B2), F TO M CONSTRAINTS NEVER
+CONSTRAINTS HALF = {B1 = 400*B2}
+FIT (B1,B2), F TO M CONSTRAINTS HALF
+MAXITER = 0
+FIT (B1,B2), F TO M
+MAXITER = 1000
+B2 = -1000
+FIT (B1,B2), F TO M
+"A failure inside the model leaves everything as it was, but for the parameters' last trial"
+S = SOSQ
+FUNCTION G(X) = B1+NOSUCH*X
+FIT (B1,B2), G TO M
+TYPE SOSQ = S
+FIT (B1,B2), F TO M WITH WEIGHT LIST(1,2)
+FIT (B1,B2), F TO 3
+FIT (B1,B2), B1 TO M
+FUNCTION H(X,Y) = B1*X+Y
+FIT (B1,B2), H TO M
+FIT (B1,M+1), F TO M
+FIT (B1,B2), F TO M CONSTRAINTS M
+FIT (B1,B2)
+FIT
