@@ -1,5 +1,6 @@
 #include "glyphsource.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <functional>
@@ -193,6 +194,26 @@ struct sourcereader {
             in.fault("unknown word: " + key);
         }
     }
+    // How far a glyph goes to the right of x = 0, or with side -1 to the left.
+    static double reach(const glyph& g, double side) {
+        double most = 0;
+        for (const stroke& s : g.strokes)
+            for (const piece& p : s.pieces)
+                for (const point& q : p.at) most = std::max(most, side * q.x);
+        for (const dot& d : g.dots) most = std::max(most, side * d.at.x);
+        return most;
+    }
+    // A bare stem under an accent that is wider on one side or on both.
+    static void widen(glyph& made, const glyph& accent) {
+        constexpr double stempen = 40, least = 14;
+        const glyph stem = made;
+        const double left = reach(accent, -1), right = reach(accent, 1), half = std::max(left, right);
+        made.strokes.clear();
+        made.width = 2 * half;
+        made.bearleft = std::max(least, stem.bearleft - std::max(0.0, left - stempen));
+        made.bearright = std::max(least, stem.bearright - std::max(0.0, right - stempen));
+        copy(stem, made, half, 0, 1);
+    }
     // A letter with an accent over its middle: letter CODE BASE ACCENT.
     void letter(linewords& in) {
         const int which = code(in), base = code(in);
@@ -200,10 +221,7 @@ struct sourcereader {
         if (which < 32 || which > 255 || accent == set.accents.end()) in.fault("no such letter or accent");
         glyph made = set.glyphs.at(base);
         if (base == 'i') made.dots.clear();
-        if (made.width == 0) { // the accent is the wider
-            made.bearleft += 30;
-            made.bearright += 30;
-        }
+        if (made.width == 0) widen(made, accent->second);
         copy(accent->second, made, made.width / 2, made.zone > 500 ? 200 : 0, 1);
         set.glyphs[which] = made;
         current = nullptr;
