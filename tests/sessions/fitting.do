@@ -1,4 +1,3 @@
-/* tolerance: 1e-6 */
 "Fits that need a second look: lost from a far start, contradicting constraints, a parameter without effect"
 M = LIST(1,2,3,5,7,10) &' LIST(109,149,149,191,213,224)
 FUNCTION F(X) = B1*(1-EXP(-(B2*X)))
