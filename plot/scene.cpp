@@ -62,7 +62,11 @@ void drawboxes(const window& w) {
     if (w.framebox) drawbox(frameof(w), w.frameboxcolor);
 }
 
-bool inside(const box& b, double x, double y) { return x >= b.x0 && x <= b.x1 && y >= b.y0 && y <= b.y1; }
+// With its edges, however they were rounded on the way from fractions.
+bool inside(const box& b, double x, double y) {
+    constexpr double ROUNDING = 1e-12;
+    return x >= b.x0 - ROUNDING && x <= b.x1 + ROUNDING && y >= b.y0 - ROUNDING && y <= b.y1 + ROUNDING;
+}
 
 // How far a ray from (x, y) inside the box goes along (dx, dy) before it leaves.
 double raylength(const box& b, double x, double y, double dx, double dy) {

@@ -17,7 +17,7 @@ static int polls;
 static bool longenough() { return ++polls > 20000; }
 
 static void withoutfiles() {
-    for (const int pcase : {8, 16, 17, 22, 34, 41, 59, 67}) {
+    for (const int pcase : {8, 16, 17, 22, 34, 41, 59, 60, 67}) {
         const processrow none{pcase, nullptr};
         processadd(&none, 1);
     }

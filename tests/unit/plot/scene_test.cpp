@@ -344,6 +344,14 @@ TEST_F(scenepages, ShiftDividesTheRoomThatIsLeft) {
 }
 
 TEST_F(scenepages, ATitleOutsideTheFrameIsLeftOut) {
+    for (const double edge : {0.1, 0.3, 0.7}) { // its edges belong to the frame
+        w().fxmin = edge - 0.1 / 3, w().fxmax = edge + 0.1, w().fymin = edge / 3, w().fymax = edge;
+        title& corner = titleof(newtitle(win, "CORNER", "HHHH"));
+        corner.x = corner.y = 1;
+        corner.hplace = corner.vplace = 1;
+        EXPECT_FALSE(plotpage("PSL").marks.empty()) << edge;
+        symtabdelete(symtablookup("CORNER"));
+    }
     title& t = titleof(newtitle(win, "T1", "HHHH"));
     t.x = 1.5;
     EXPECT_TRUE(plotpage("PSL").marks.empty());
