@@ -249,10 +249,12 @@ template <edge e> void edgeline(marker& m) {
     m.line(0, 0, p.x, p.y);
 }
 template <edge e> void edgedots(marker& m) {
+    constexpr double SEEN = 3, FARTHEST = 1e6; // from an edge of the image nothing farther than SEEN shows
     const place p = toedge(m, e);
     const double length = std::hypot(p.x, p.y), step = std::fmax(m.half, 1 / DPIXELSPER());
-    if (!(length < MAXPOS)) return;
-    for (double d = 0; d <= length; d += step) {
+    if (!(length < FARTHEST)) return;
+    const double first = std::ceil(std::fmax(length - SEEN, 0) / step) * step;
+    for (double d = first; d <= length; d += step) {
         const double f = length > 0 ? d / length : 0;
         m.move(f * p.x, f * p.y);
         DDOT(0, 0);
