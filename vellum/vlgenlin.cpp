@@ -28,9 +28,13 @@ void put(std::vector<vlpoint>& points, vlpoint p) {
     if (points.empty() || !same(points.back(), p)) points.push_back(p);
 }
 
+// The points are gone also when the device stops the drawing by an error.
 void strokepoints(vlgenerator& g) {
+    struct clearing {
+        std::vector<vlpoint>& points;
+        ~clearing() { points.clear(); }
+    } after{g.points};
     if (g.points.size() > 1) vlstroke(g, g.points.data(), static_cast<int>(g.points.size()));
-    g.points.clear();
 }
 
 double markat(const vlgenerator& g, int mark) {
@@ -264,8 +268,9 @@ void vlgenlin(double x0, double y0, double x1, double y1) {
 void vlflushline(int final) {
     vlgenerator& g = generator();
     if (final != 0 || !g.open) return; // what is complete was drawn when it became so
-    if (g.waiting) take(g, g.waits);
+    const bool waiting = g.waiting;
     g.waiting = g.open = false;
+    if (waiting) take(g, g.waits);
     strokepoints(g);
 }
 
@@ -274,9 +279,7 @@ namespace {
 double positive(double length) { return length > 0 && std::isfinite(length) ? length : 0; }
 // Wider than this, all of any device is covered; the bound keeps what can be seen of a line finite.
 constexpr double widest = 4;
-double magnitude(double length) {
-    return std::isfinite(length) ? std::min(std::fabs(length), widest) : 0;
-}
+double magnitude(double length) { return std::isfinite(length) ? std::min(std::fabs(length), widest) : 0; }
 
 void derive(vlgenerator& g, const vlstyle& s) {
     g.seg1 = positive(s.seg1);

@@ -315,4 +315,19 @@ TEST_F(Generator, aStyleEndsWhereAnotherBegins) {
     EXPECT_EQ(recorded.lines.size(), 1u);
 }
 
+// A device that stops the drawing: the line is given up, and the next one is drawn.
+TEST_F(Generator, anErrorOfTheDeviceEndsTheLine) {
+    vldeviceops failing = *recorderoperations();
+    failing.polygon = [](const double*, size_t, const double*) { vlerror("no paper"); };
+    DLINESTYLE(0, 0, 0, 0, 0, 0.02, 0);
+    DMOVE(0.1, 0.1);
+    DDRAW(0.4, 0.1);
+    vl.ops = &failing;
+    EXPECT_EQ(fault([] { DFLUSH(); }), "no paper");
+    vl.ops = recorderoperations();
+    polyline({{0.1, 0.5}, {0.4, 0.5}});
+    ASSERT_EQ(recorded.polygons.size(), 1u);
+    EXPECT_NEAR(recorded.polygons[0][0].y, 0.5, 0.0101);
+}
+
 } // namespace
