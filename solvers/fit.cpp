@@ -47,6 +47,8 @@ std::vector<int> parameterlist() {
     for (int k = 0; k <= parser.poltop; k++) {
         const int idx = parser.polstack[k];
         if (idx <= 0 || istemporary(idx) || (sym(idx).type != SCALAR && !ismatrix(idx))) argtype("fitop");
+        if (std::find(parms.begin(), parms.end(), idx) != parms.end())
+            tarnerror("FIT: parameter %s is named twice", sym(idx).name);
         parms.push_back(idx);
     }
     parser.poltop = -1;
@@ -79,6 +81,7 @@ fitswitches readswitches() {
     sw.maxiter = int(std::trunc(std::clamp(symtabscalar("MAXITER", 100), -32768.0, 32767.0)));
     sw.report = int(std::trunc(symtabscalar("LSQRPT", 8)));
     sw.norm = symtabscalar("FITNORM", 2);
+    if (!(sw.norm > 0)) tarnerror("FIT: FITNORM must be positive");
     sw.tolsos = symtabscalar("TOLSOS", 1e-10);
     sw.descent = std::trunc(symtabscalar("DGRADSW", 0)) != 0;
     return sw;
@@ -194,7 +197,7 @@ int brokenconstraint(const fitbinding& b, const solverconstraints& cons, const f
 
 /* What a reader of "CONVERGED" should know besides: a fit can stand still without having found anything. */
 void warnings(const fitbinding& b, const fitswitches& sw, const solverconstraints& cons, const fitresult& r) {
-    if (!r.started)
+    if (!r.started && !r.lowered)
         return tarnwarn("FIT: the model has no value at the starting parameters; try other starting values");
     if (sw.maxiter <= 0)
         tarnwarn("FIT: MAXITER is 0, the parameters were not changed");

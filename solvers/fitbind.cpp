@@ -32,10 +32,15 @@ void expandparameters(fitbinding& b) {
 
 // ---- observations
 
+void checkweight(double w, size_t row) {
+    if (!(w >= 0)) tarnerror("FIT: weight %ld is negative", long(row));
+}
+
 const harray* weightmatrix(const fitpair& pair) {
     if (!pair.weight || !ismatrix(pair.weight)) return nullptr;
     const harray* w = matrixof(pair.weight);
     if (w->rows != matrixof(pair.data)->rows) tarnerror("FIT: bad weight matrix size");
+    for (size_t i = 1; i <= w->rows; i++) checkweight(at(w, i, 1), i);
     return w;
 }
 
@@ -202,6 +207,7 @@ double weightvalue(const fitpair& pair, size_t row) {
     polpush(pair.data);
     polpush(scalarpush(double(row)));
     const double w = value(p);
+    checkweight(w, row);
     parser.scalartop = mark;
     parser.poltop = p - 1;
     return w;

@@ -217,6 +217,10 @@ void beginiteration(fitrun& r) {
     r.oldsosq = r.bestsosq;
     normalequations(r);
     reportgradient(r);
+    // Under a norm above 2 the weights move against the step; a part of it is Newton's step (D. L. Kahng,
+    // 1972).
+    if (r.sw.norm > 2)
+        for (double& g : r.dgrad) g /= r.sw.norm - 1;
 }
 
 namespace {

@@ -29,3 +29,14 @@ FIT (B1,M+1), F TO M
 FIT (B1,B2), F TO M CONSTRAINTS M
 FIT (B1,B2)
 FIT
+FIT (B1,B1), F TO M
+FIT (B1,B2), F TO M WITH WEIGHT LIST(1,1,1,1,1,-1)
+FUNCTION W(D,I) = 3-I
+FIT (B1,B2), F TO M WITH WEIGHT W
+FITNORM = 0
+FIT (B1,B2), F TO M
+"Norms: the largest residuals shrink as the exponent grows"
+B1 = 200; B2 = 0.5; LSQRPT = 0; RESIDSW = 1
+FOR K = LIST(1,2,4,8) { FITNORM = K
+FIT (B1,B2), F TO M
+TYPE MAXV(APPLY(ABS,RESID)) }
