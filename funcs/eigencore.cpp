@@ -2,10 +2,13 @@
 #include "funcs/vectorloops.h"
 
 #include <algorithm>
+#include <array>
 #include <cfloat>
+#include <climits>
 #include <cmath>
 #include <complex>
 #include <numeric>
+#include <utility>
 
 namespace {
 
@@ -234,6 +237,8 @@ void nearshift(double& x, double& y, double& prod) {
 bool quasitriangular(eigenwork& w, double norm, std::vector<double>& wr, std::vector<double>& wi) {
     double shift = 0;
     std::vector<reflection> done;
+    size_t left =
+        MAXSWEEPS * std::max<size_t>(10, w.n); // shared: one that settles late may use what others left
     for (long last = long(w.n) - 1; last >= 0;) {
         const size_t en = size_t(last);
         for (int sweeps = 0;; sweeps++) {
@@ -257,10 +262,10 @@ bool quasitriangular(eigenwork& w, double norm, std::vector<double>& wr, std::ve
                 last -= 2;
                 break;
             }
-            if (sweeps >= MAXSWEEPS) return false;
+            if (left-- == 0) return false;
             double x = w.at(en, en), y = w.at(en - 1, en - 1), prod = w.at(en, en - 1) * w.at(en - 1, en);
             nearshift(x, y, prod);
-            if (sweeps == 10 || sweeps == 20) { // exceptional shift
+            if (sweeps % 10 == 9) { // exceptional shift
                 shift += x;
                 for (size_t i = 0; i <= en; i++) w.at(i, i) -= x;
                 const double s = std::fabs(w.at(en, en - 1)) + std::fabs(w.at(en - 1, en - 2));
@@ -287,6 +292,25 @@ struct backsubstitution {
         return {dotproduct(k, t, &re[from]), complex ? dotproduct(k, t, &im[from]) : 0};
     }
     cplx divided(cplx a, cplx b) const { return a / (std::abs(b) < least ? cplx(least, 0) : b); }
+    // Two equations, m row by row, by elimination from the largest coefficient: only the last pivot may be
+    // lifted, or the two unknowns would not fit each other.
+    std::pair<cplx, cplx> pairsolved(std::array<cplx, 4> m, cplx f, cplx g) const {
+        const size_t big = size_t(
+            std::max_element(m.begin(), m.end(), [](cplx a, cplx b) { return std::abs(a) < std::abs(b); }) -
+            m.begin());
+        if (big >= 2) { // from the second row
+            std::swap(m[0], m[2]);
+            std::swap(m[1], m[3]);
+            std::swap(f, g);
+        }
+        if (big % 2) { // for the second unknown
+            std::swap(m[0], m[1]);
+            std::swap(m[2], m[3]);
+        }
+        const cplx pivot = std::abs(m[0]) < least ? cplx(least) : m[0], l = m[2] / pivot;
+        const cplx second = divided(g - l * f, m[3] - l * m[1]), first = (f - m[1] * second) / pivot;
+        return big % 2 ? std::pair(second, first) : std::pair(first, second);
+    }
     void put(size_t i, cplx x) {
         re[i] = x.real();
         im[i] = x.imag();
@@ -312,13 +336,9 @@ struct backsubstitution {
                 continue;
             }
             const size_t k = i - 1; // the pair of rows k and i
-            const cplx f = -residual(k, i + 1, top, complex), g = -r;
-            const cplx a = w.at(k, k) - lambda, d = w.at(i, i) - lambda;
-            const double b = w.at(k, i), c = w.at(i, k);
-            const double size = std::max({std::abs(a), std::fabs(b), std::fabs(c), std::abs(d)});
-            const cplx xk = divided(f * (d / size) - b / size * g, a * (d / size) - b / size * c);
-            // from the row with the larger off-diagonal coefficient
-            const cplx xi = std::fabs(b) > std::abs(d) ? (f - a * xk) / b : divided(g - c * xk, d);
+            const cplx f = -residual(k, i + 1, top, complex);
+            const auto [xk, xi] =
+                pairsolved({w.at(k, k) - lambda, w.at(k, i), w.at(i, k), w.at(i, i) - lambda}, f, -r);
             put(k, xk);
             put(i, xi);
             rescale(k, top);
@@ -327,6 +347,20 @@ struct backsubstitution {
         }
     }
 };
+
+// Each component times its power of two, and all times one that brings the largest near 1: none is lost on
+// the way.
+void rescaled(const std::vector<double>& scale, std::vector<double>& re, std::vector<double>& im) {
+    const auto exponent = [&](size_t i) { return std::ilogb(std::max(std::fabs(re[i]), std::fabs(im[i]))); };
+    int most = INT_MIN;
+    for (size_t i = 0; i < re.size(); i++)
+        if (re[i] != 0 || im[i] != 0) most = std::max(most, exponent(i) + std::ilogb(scale[i]));
+    if (most == INT_MIN) return;
+    for (size_t i = 0; i < re.size(); i++) {
+        re[i] = std::ldexp(re[i], std::ilogb(scale[i]) - most);
+        im[i] = std::ldexp(im[i], std::ilogb(scale[i]) - most);
+    }
+}
 
 // Unit length; of a complex vector the largest component real.
 void normalise(std::vector<double>& re, std::vector<double>& im, bool complex) {
@@ -380,10 +414,7 @@ void eigenvectors(eigenwork& w, double norm, const std::vector<double>& wr, cons
             axpy(n, b.re[k], &w.zt[k * n], re.data());
             if (complex) axpy(n, b.im[k], &w.zt[k * n], im.data());
         }
-        for (size_t i = 0; i < n; i++) {
-            re[i] *= w.scale[i];
-            im[i] *= w.scale[i];
-        }
+        rescaled(w.scale, re, im);
         normalise(re, im, complex);
         for (size_t i = 0; i < n; i++) {
             vr[i * n + en] = re[i];

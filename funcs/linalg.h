@@ -32,7 +32,7 @@ bool svdcore(const double* a, size_t m, size_t n, std::vector<double>& w, std::v
              std::vector<double>& v);
 
 /* Eigenvalues wr + i wi of a (n by n, destroyed), conjugate pairs together, and the right eigenvectors as
- * columns vr + i vi of unit length (n by n). False when one has not settled in 30 sweeps. (Balancing,
+ * columns vr + i vi of unit length (n by n). False when 30 sweeps an eigenvalue have not settled them all. (Balancing,
  * elimination to Hessenberg form, double-shift QR: J. H. Wilkinson, C. Reinsch, Handbook for Automatic
  * Computation II, Linear Algebra (1971), contributions II/11, II/13, II/15.) */
 bool eigencore(std::vector<double>& a, size_t n, std::vector<double>& wr, std::vector<double>& wi,

@@ -87,9 +87,12 @@ void givens(double f, double g, double& c, double& s, double& r) {
         c = 1, s = 0, r = f;
         return;
     }
-    r = std::hypot(f, g);
-    c = f / r;
-    s = g / r;
+    const bool small = std::fabs(f) < 1e-280 && std::fabs(g) < 1e-280; // too few digits to turn by
+    const double scale = small ? 0x1p600 : 1;
+    const double length = std::hypot(f * scale, g * scale);
+    c = f * scale / length;
+    s = g * scale / length;
+    r = length / scale;
 }
 
 // A zero on the diagonal at l - 1: e[l] is rotated out of the matrix along its row.
@@ -271,14 +274,14 @@ double reflector(double* x, size_t n, size_t stride, double& alpha) {
     alpha = x[0];
     if (most == 0) return 0;
     most = std::max(most, std::fabs(alpha));
-    double sum = 0;
+    double sum = 0; // of what is divided by the largest, so that no element is too small to turn exactly
     for (size_t i = 0; i < n; i++) sum += (x[i * stride] / most) * (x[i * stride] / most);
-    const double length = most * std::sqrt(sum);
-    alpha = x[0] > 0 ? -length : length;
-    const double v0 = x[0] - alpha;
-    for (size_t i = 1; i < n; i++) x[i * stride] /= v0;
+    const double first = x[0] / most, turned = first > 0 ? -std::sqrt(sum) : std::sqrt(sum),
+                 v0 = first - turned;
+    alpha = turned * most;
+    for (size_t i = 1; i < n; i++) x[i * stride] = x[i * stride] / most / v0;
     x[0] = 1;
-    return -v0 / alpha;
+    return -v0 / turned;
 }
 
 bool svdcore(const double* a, size_t m, size_t n, std::vector<double>& w, std::vector<double>& u,

@@ -184,6 +184,27 @@ TEST(eigencore, vectorsSatisfyTheirEquation) {
     // two real shifts that differ hold each other up (D. Day, SAND96-0913J)
     for (const double h : {1e-2, 1e-6, 1e-9, 1e-15})
         checkeigen({"held up", 4, 4, {0, 1, 0, 0, 1, 0, h, 0, 0, -h, 0, 1, 0, 0, 1, 0}}, 1e-14);
+    vec bipartite(100), small(81, 0.0); // eigenvalues in pairs of opposite sign settle late
+    for (unsigned seed = 1; seed <= 200; seed++) {
+        std::mt19937_64 g(seed);
+        for (size_t k = 0; k < 100; k++) bipartite[k] = (k / 10 + k) % 2 ? double(g() % 2) : 0;
+        checkeigen({"bipartite", 10, 10, bipartite}, 1e-13);
+    }
+    // vectors and reflections whose elements span the range of a double
+    for (size_t i = 0; i < 9; i++)
+        for (size_t j = 0; j < 9; j++)
+            if ((i * 7 + j * 5) % 4 == 0) small[i * 9 + j] = std::pow(10, -double((i * 37 + j * 61) % 300));
+    vec h = small, wr, wi, vr, vi, u, v;
+    ASSERT_TRUE(eigencore(h, 9, wr, wi, vr, vi));
+    for (size_t j = 0; j < 9; j++) {
+        double length = 0;
+        for (size_t i = 0; i < 9; i++)
+            length += vr[i * 9 + j] * vr[i * 9 + j] + vi[i * 9 + j] * vi[i * 9 + j];
+        EXPECT_NEAR(length, 1, 1e-14);
+    }
+    ASSERT_TRUE(svdcore(small.data(), 9, 9, wr, u, v));
+    EXPECT_LT(orthogonality(u, 9, 9), 1e-14);
+    EXPECT_LT(orthogonality(v, 9, 9), 1e-14);
     // D^-1 R D for powers of ten: bad scaling that balancing takes out
     vec bad = randommatrix(6, 6, 3);
     for (size_t i = 0; i < 6; i++)
