@@ -61,13 +61,21 @@ struct alternating {
     }
 };
 
+// zeta(s), s > -1/2 and not 1: nine terms, of which four powers are the others' products, and the tail.
+double zetaright(double s) {
+    const double p2 = std::exp(-0.69314718055994530942 * s), p3 = std::exp(-1.0986122886681096914 * s);
+    const double p5 = std::exp(-1.6094379124341003746 * s), p7 = std::exp(-1.9459101490553133051 * s);
+    const double sum = 1 + (p2 + (p3 + (p2 * p2 + (p5 + (p2 * p3 + (p7 + (p2 * p2 * p2 + p3 * p3)))))));
+    return s > 20 ? sum : sum + p2 * p5 * zetatail(s, 10);
+}
+
 // zeta(s), s not 1; infinite if it overflows. Below zero by DLMF 25.4.1.
 double zetaopen(double s) {
-    if (s >= -0.1) return hurwitzscaled(s, 1);
+    if (s >= -0.1) return zetaright(s);
     const double sine = sinpi(0.5 * s), t = 1 - s;
     if (sine == 0) return 0;
     const double g = t < 10 ? gammafn(t) * std::pow(2 * PI, -t) : gammaoverpower(t);
-    return 2 * sine * g * hurwitzscaled(t, 1);
+    return 2 * sine * g * zetaright(t);
 }
 } // namespace
 
