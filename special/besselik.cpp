@@ -134,6 +134,7 @@ bool farsmall(double nu, double x) { return x < 0.6627 * std::fabs(nu); }
 // I_nu(x) exp(-shift |x|), shift 0 or 1.
 double ifunction(const char* name, double nu, double x, int shift) {
     if (std::isnan(nu) || std::isnan(x)) return nu + x;
+    x = normalargument(name, x);
     if (std::isinf(nu)) return outofrange(name, 0);
     if (std::isinf(x)) return shift ? 0 : outofrange(name, MAXPOS);
     const bool whole = isinteger(nu);
@@ -148,6 +149,7 @@ double ifunction(const char* name, double nu, double x, int shift) {
 // K_nu(x) exp(shift x).
 double kfunction(const char* name, double nu, double x, int shift) {
     if (std::isnan(nu) || std::isnan(x)) return nu + x;
+    x = normalargument(name, x);
     if (x < 0 || std::isinf(nu)) return outofrange(name, 0);
     if (x == 0) return outofrange(name, MAXPOS);
     if (std::isinf(x)) return 0;
@@ -179,7 +181,7 @@ double beskes(double nu, double x) { return kfunction("BESKES", nu, x, 1); }
 double besks(double nu, double x) { return kfunction("BESKS", nu, x, 0); }
 
 double abessi(double nu, double x) {
-    if (nu >= 0 && x > 0 && x <= BESSELFAR && nu <= BESSELFAR) {
+    if (nu >= 0 && x >= MINPOS && x <= BESSELFAR && nu <= BESSELFAR) {
         if (const besik r = hankelik(nu, x); r.good) return capped("ABESSI", joinexponent(r.i, r.ei));
         if (const besik r = debyeik(nu, x); r.good) return capped("ABESSI", joinexponent(r.i, r.ei));
     }
@@ -187,7 +189,7 @@ double abessi(double nu, double x) {
 }
 
 double abessk(double nu, double x) {
-    if (nu >= 0 && x > 0 && x <= BESSELFAR && nu <= BESSELFAR) {
+    if (nu >= 0 && x >= MINPOS && x <= BESSELFAR && nu <= BESSELFAR) {
         if (const besik r = hankelik(nu, x); r.good) return joinexponent(r.k, r.ek);
         if (const besik r = debyeik(nu, x); r.good) return capped("ABESSK", joinexponent(r.k, r.ek));
     }

@@ -55,6 +55,7 @@ double ibessi0(double x) {
 
 double ibessjoxi(double x) {
     if (std::isnan(x)) return x;
+    if (x > 0 && x < 1e-300) return -(std::log(x) - std::log(2.0) + EULERGAMMA);
     if (x <= 0) {
         rangewarn("IBESSJOXI");
         return x == 0 ? MAXPOS : 0;

@@ -284,6 +284,7 @@ namespace {
 
 double jany(const char* name, double nu, double x) {
     if (std::isnan(nu) || std::isnan(x)) return nu + x;
+    x = normalargument(name, x);
     if (std::isinf(nu)) return outofrange(name, 0);
     if (std::isinf(x)) return 0;
     const bool whole = isinteger(nu);
@@ -296,6 +297,7 @@ double jany(const char* name, double nu, double x) {
 
 double yany(const char* name, double nu, double x) {
     if (std::isnan(nu) || std::isnan(x)) return nu + x;
+    x = normalargument(name, x);
     if (x < 0 || std::isinf(nu)) return outofrange(name, 0);
     if (std::isinf(x)) return 0;
     if (x == 0) return outofrange(name, MAXNEG);
@@ -308,12 +310,12 @@ double yany(const char* name, double nu, double x) {
 double bessj(double nu, double x) { return nu == 0 ? bessj0(x) : nu == 1 ? bessj1(x) : jany("BESSJ", nu, x); }
 
 double bessy(double nu, double x) {
-    if (nu == 0 && x > 0) return bessy0(x);
+    if (nu == 0 && x >= MINPOS) return bessy0(x);
     return yany("BESSY", nu, x);
 }
 
 double abessj(double nu, double x) {
-    if (nu >= 0 && x > 0 && x <= BESSELFAR && nu <= BESSELFAR) {
+    if (nu >= 0 && x >= MINPOS && x <= BESSELFAR && nu <= BESSELFAR) {
         if (const besjy r = hankeljy(nu, x); r.good) return r.j;
         if (const besjy r = debyejy(nu, x); r.good) return r.j;
     }
@@ -321,7 +323,7 @@ double abessj(double nu, double x) {
 }
 
 double abessy(double nu, double x) {
-    if (nu >= 0 && x > 0 && x <= BESSELFAR && nu <= BESSELFAR) {
+    if (nu >= 0 && x >= MINPOS && x <= BESSELFAR && nu <= BESSELFAR) {
         if (const besjy r = hankeljy(nu, x); r.good) return r.y;
         if (const besjy r = debyejy(nu, x); r.good) return capped("ABESSY", r.y);
     }

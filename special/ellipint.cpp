@@ -148,7 +148,7 @@ double ellipe(double m) {
     if (m == 1) return 1;
     const double mc = 1 - m;
     if (std::isinf(mc)) return outofrange("ELLIPE", MAXPOS);
-    return mc / 3 * (carlsonrd(0, mc, 1) + carlsonrd(0, 1, mc)); // DLMF 19.25.1
+    return cappedorpole("ELLIPE", mc / 3 * (carlsonrd(0, mc, 1) + carlsonrd(0, 1, mc))); // DLMF 19.25.1
 }
 
 namespace {
@@ -171,7 +171,8 @@ double ellippi(double n, double m) {
     if (std::isnan(n + m)) return n + m;
     if (m > 1) return outofrange("ELLIPPI", 0);
     if (m == 1 || n == 1) return outofrange("ELLIPPI", n > 1 ? MAXNEG : MAXPOS);
-    if (n > 1) return -m / n / 3 * carlsonrj(0, 1 - m, 1, (n - m) / n); // DLMF 19.6.5, 19.25.2
+    if (n > 1) // DLMF 19.6.5, 19.25.2
+        return cappedorpole("ELLIPPI", -m / n / 3 * carlsonrj(0, 1 - m, 1, (n - m) / n));
     return cappedorpole("ELLIPPI", picomplete(n, 1 - n, m));
 }
 

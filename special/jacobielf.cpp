@@ -135,7 +135,7 @@ double jacobiam(double u, double m) {
 
 // Z = sum of c_n sin(phi_n) over the steps of the mean, Abramowitz and Stegun 17.6.8, 17.6.10.
 double jzeta(double u, double m) {
-    if (!std::isfinite(u + m)) return NAN;
+    if (!std::isfinite(u) || !std::isfinite(m)) return NAN;
     if (m > 1) return outofrange("JZETA", 0);
     if (m == 1) return std::tanh(u);
     const agmsteps s = agm(1 - m);
@@ -156,7 +156,7 @@ double jzeta(double u, double m) {
         b = g;
         c = c * c / (2 * (a + b));
     }
-    return sum;
+    return cappedorpole("JZETA", sum);
 }
 
 double jacobielf(double u, double m, double selector) {

@@ -66,7 +66,8 @@ double legendreinside(double n, double x, double sine) {
 
 // P_l of whole degree; exact where the values are whole.
 double legendre(double l, double x) {
-    if (l == 0) return 1;
+    if (l == 0 || x == 1) return 1;
+    if (x == -1) return paritysign(l);
     if (l > FAR && std::fabs(x) < 1) {
         const double a = std::fabs(x), sine = std::sqrt((1 - a) * (1 + a)), sign = x < 0 ? paritysign(l) : 1;
         return sign * (l * sine < 30 ? legendrenearone(l, a) : legendreinside(l, a, sine));

@@ -26,6 +26,13 @@ inline double cappedorpole(const char* name, double result) {
     return std::isnan(result) ? outofrange(name, 0) : capped(name, result);
 }
 
+// The argument, or for one below the smallest normal number that with the range warning.
+inline double normalargument(const char* name, double x) {
+    if (x == 0 || !(std::fabs(x) < MINPOS)) return x;
+    rangewarn(name);
+    return std::copysign(MINPOS, x);
+}
+
 inline bool isinteger(double x) { return x == std::floor(x) && std::isfinite(x); }
 // The sign (-1)^n for an integer n of any size.
 inline double paritysign(double n) { return std::fmod(n, 2) == 0 ? 1 : -1; }

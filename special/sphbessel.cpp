@@ -69,6 +69,7 @@ double yhalf(double n, double x) {
 
 double spbj(double n, double x) {
     double r;
+    x = normalargument("SPBJ", x);
     if (refused("SPBJ", n, x, &r)) return r;
     if (x == 0) return n == 0 ? 1 : n > 0 ? 0 : outofrange("SPBJ", MAXPOS);
     const double a = std::fabs(x), sign = x < 0 ? paritysign(n) : 1;
@@ -78,6 +79,7 @@ double spbj(double n, double x) {
 
 double spby(double n, double x) {
     double r;
+    x = normalargument("SPBY", x);
     if (refused("SPBY", n, x, &r)) return r;
     if (x == 0) return outofrange("SPBY", MAXNEG);
     const double a = std::fabs(x), sign = x < 0 ? -paritysign(n) : 1;
@@ -87,6 +89,7 @@ double spby(double n, double x) {
 
 double spbi(double n, double x) {
     double r;
+    x = normalargument("SPBI", x);
     if (refused("SPBI", n, x, &r))
         return std::fabs(x) > BESSELFAR && spfaults.count == 0 ? outofrange("SPBI", MAXPOS) : r;
     if (x == 0) return n == 0 ? 1 : n > 0 ? 0 : outofrange("SPBI", MAXPOS);
@@ -101,6 +104,7 @@ double spbi(double n, double x) {
 
 double spbk(double n, double x) {
     double r;
+    x = normalargument("SPBK", x);
     if (refused("SPBK", n, x, &r)) return r;
     if (x < 0) return outofrange("SPBK", 0);
     if (x == 0) return outofrange("SPBK", MAXPOS);
