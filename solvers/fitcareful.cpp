@@ -175,7 +175,10 @@ bool carefulfit(fitrun& r, const fitattempt& start, const std::vector<double>& s
     r.faultlimit = ~0U;
     r.pivottol = PIVOTTOL;
     if (last) return true;
+    const bool pressed = parser.interrupted; // the way back is still wanted
+    parser.interrupted = false;
     goback(r, better ? best : first);
     fitjacobian(r);
+    parser.interrupted = pressed;
     return better;
 }

@@ -312,4 +312,39 @@ TEST_F(fittest, longSumsOfProductsLoseNothing) {
     }
 }
 
+// A far start that goes astray, and Q after each of its evaluations in turn: the report belongs to its point.
+TEST_F(fittest, interruptedAnywhereTheResultIsWhole) {
+    const vector x = {1, 2, 3, 5, 7, 10}, y = {109, 149, 149, 191, 213, 224}; // BoxBOD of NIST's collection
+    fitswitches sw;
+    sw.report = 0;
+    sw.tolsos = 1e-12;
+    bool ended = false;
+    int retried = 0;
+    for (int stop = 1; !ended && stop < 2000; stop++) {
+        parserreset();
+        int evaluations = 0;
+        const auto model = [&](const double* p, size_t i) { return p[0] * (1 - std::exp(-p[1] * x[i])); };
+        testmodel t;
+        t.value = [&](const double* p, size_t i, double& f) {
+            if (i == 0 && ++evaluations == stop) parser.interrupted = true;
+            f = model(p, i);
+            return std::isfinite(f);
+        };
+        const fitresult r = fit(t, {1, 1}, y, {}, sw);
+        ended = !parser.interrupted;
+        retried += r.retried;
+        double sum = 0;
+        for (size_t i = 0; i < y.size(); i++) {
+            EXPECT_EQ(r.f[i], model(r.p.data(), i)) << stop;
+            sum += (y[i] - r.f[i]) * (y[i] - r.f[i]);
+        }
+        ASSERT_NEAR(r.sosq, sum, 1e-9 * sum) << stop;
+        if (ended) {
+            EXPECT_NEAR(r.sosq, 1168.0088766, 1e-4);
+        }
+    }
+    EXPECT_TRUE(ended);
+    EXPECT_GT(retried, 0);
+}
+
 } // namespace
