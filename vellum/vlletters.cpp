@@ -88,11 +88,11 @@ int vlsymbolfont(int font) {
     case 5:
     case 7:
     case 9:
-    case 13:
     case 14: return 11;
     case 6:
     case 8:
     case 10: return 12;
+    case 13: return 15;
     default: return font;
     }
 }
