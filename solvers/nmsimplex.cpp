@@ -130,6 +130,27 @@ bool settled(const polytope& s) {
     return measure < s.sw.tolerance;
 }
 
+/* Equal values can also lie around a minimum: vertices far apart are settled only if their centre is not
+ * lower. If it is, it takes the place of the worst vertex. A centre that tells nothing new is not counted. */
+bool lowercentre(polytope& s) {
+    constexpr double near = 1e-4; // of the largest coordinate
+    double width = 0, scale = 0;
+    for (int i = 0; i <= s.n; i++)
+        for (int j = 0; j < s.n; j++) {
+            scale = std::max(scale, std::fabs(s.vertex(i)[j]));
+            width = std::max(width, std::fabs(s.vertex(i)[j] - s.vertex(s.ilo)[j]));
+        }
+    if (s.count >= s.sw.maxiter || !(width > near * scale)) return false;
+    for (int j = 0; j < s.n; j++) s.trialpoint[j] = s.sums[j] / (s.n + 1);
+    const double lo = s.values[s.ilo], value = s.f(s.context, s.trialpoint.data());
+    if (!(value < lo - s.sw.tolerance * std::fabs(lo))) return false;
+    s.count++;
+    s.values[s.ihi] = value;
+    std::copy(s.trialpoint.begin(), s.trialpoint.end(), s.vertex(s.ihi));
+    sumvertices(s);
+    return true;
+}
+
 void bestfirst(polytope& s) {
     std::swap(s.values[0], s.values[s.ilo]);
     for (int j = 0; j < s.n; j++) std::swap(s.vertex(0)[j], s.vertex(s.ilo)[j]);
@@ -151,8 +172,11 @@ long nmsimplex(double (*f)(void* context, const double* x), void* context, int n
     sumvertices(s);
     for (long round = 1;; round++) {
         rank(s);
-        if (interrupted(s, round) || settled(s)) break;
-        moveworst(s);
+        if (interrupted(s, round)) break;
+        if (!settled(s))
+            moveworst(s);
+        else if (!lowercentre(s))
+            break;
     }
     bestfirst(s);
     best = s.values[0];
