@@ -112,6 +112,7 @@ besik iany(double nu, double x) { // nu >= 0, x > 0
 } // namespace
 
 besik besiwide(double nu, double x) { return iany(nu, x); }
+besik beskwide(double nu, double x) { return kany(nu, x); }
 
 double besiraw(double nu, double x, int shift) {
     const besik i = iany(std::fabs(nu), x);

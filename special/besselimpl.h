@@ -45,6 +45,7 @@ void temmek(double mu, double x, double* k0, double* k1);
 
 // I_nu(x), nu >= 0, x > 0, as i exp(ei).
 besik besiwide(double nu, double x);
+besik beskwide(double nu, double x); // K_nu(x) as k exp(ek)
 // Orders and arguments beyond this are treated by their limits.
 inline constexpr double BESSELFAR = 1e250;
 

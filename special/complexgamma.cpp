@@ -33,6 +33,7 @@ spcomplex logoneminus(spcomplex z) {
     const double x = z.re - std::nearbyint(z.re), m = std::exp(-2 * PI * z.im);
     // 1 - m cos + ..: by half angles, so that the neighbourhood of the whole numbers keeps its digits
     const double s = sinpi(x);
+    if (m < 0.5) return clnrel({-m * (1 - 2 * s * s), -m * sinpi(2 * x)});
     return clogfn({-std::expm1(-2 * PI * z.im) + 2 * m * s * s, -m * sinpi(2 * x)});
 }
 

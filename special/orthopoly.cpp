@@ -191,10 +191,19 @@ double charlier(double n, double a, double x) {
     // at whole x the values stay small while the recurrence's other solution grows: C_n(x) = C_x(n)
     if (isinteger(x) && x >= 0 && x < n) return charlier(x, a, n);
     if (n == 0) return 1;
-    scaledpair p{1, 1 - x / a};
-    for (double k = 1; k < n; k++) // DLMF 18.22.2
-        p.step(((k + a - x) * p.now - k * p.last) / a);
-    return settled("CHARLIER", p.value(), signofpower(-x, n));
+    // in 32 digits: next to a whole x the values are small beside the recurrence's other solution
+    dd last = 1, now = dd(1) - dd(x) / dd(a);
+    int power = 0;
+    for (double k = 1; k < n; k++) { // DLMF 18.22.2
+        const dd next = ((ddsum(k, a) - x) * now - last * k) / dd(a);
+        last = now;
+        now = next;
+        if (std::fabs(now.hi) < 1e100) continue;
+        last = ddscale(last, -300);
+        now = ddscale(now, -300);
+        power += 300;
+    }
+    return settled("CHARLIER", std::ldexp(now.hi, power), signofpower(-x, n));
 }
 
 namespace {

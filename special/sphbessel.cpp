@@ -113,5 +113,6 @@ double spbk(double n, double x) {
         const double k = PI / 2 * std::exp(-x) / x;
         return capped("SPBK", climb(n, x, k, k * (1 + 1 / x), 1));
     }
-    return capped("SPBK", half(x, beskraw(n + 0.5, x, 0)));
+    const besik wide = beskwide(n + 0.5, x);
+    return capped("SPBK", joinexponent(half(x, wide.k), wide.ek));
 }
