@@ -159,7 +159,6 @@ bool astray(const fitrun& r, const fitattempt& start, const std::vector<double>&
 bool carefulfit(fitrun& r, const fitattempt& start, const std::vector<double>& sensitivity) {
     const fitattempt first = thisattempt(r);
     fitattempt best = first;
-    if (first.faults > start.faults) best.sosq = MAXPOS; // a sum of repaired numbers
     bool better = false, last = false;
     r.faultlimit = start.faults;
     r.pivottol = CAREFULPIVOT;
