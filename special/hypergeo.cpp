@@ -103,7 +103,7 @@ bool gaussnearone(dd a, dd b, dd c, dd y, hypervalue* r) {
         return true;
     }
     const dd size = u.e - t.e + DDLN2 * double(u.v.power - t.v.power);
-    if (std::fabs(size.hi) > 600) {
+    if (std::fabs(size.hi) > 300) { // far beyond what the numbers m can make good
         *r = size.hi > 0 ? u : t;
         return true;
     }

@@ -181,6 +181,7 @@ def hypergeorows():
     with mp.workdps(300):  # a lower parameter far below 0
         far = [(0.00027, 2e-5, -438.6, -13.88), (-8.33, 0.0004, -299.28, -349.6), (-1.5e-5, 0.827, -99.34, 0.741)]
         out += rows("HGEOF", f21, far + [(-0.25, -117.52, -0.666, 0.99998), (30.5, 20.25, 60.5, 0.9999)])
+        out += rows("HGEOF", f21, [(0.00907, -0.0001336, -39.9647, 0.99999998)])
     f32 = lambda *a: m.hyp3f2(*a)
     p32 = [(0.5, 1, 1.5, 2, 2.5), (1, 2, 3, 4, 5.5), (-0.7, 1.1, 3, 2.2, 6), (0.3, 0.3, 0.3, 1.1, 1.2)]
     out += rows("GHGEOF", f32, [p + (v,) for p in p32 for v in [0.5, -0.7, 0.95, -20, -1]])
@@ -245,7 +246,7 @@ def orthopolyrows():
     out += rows("HERMITE", recurrence(lambda n, v: 2 * v, lambda k, p, q, n, v: 2 * v * p - 2 * k * q), grid(n[:-1], far), inexact=(1,))
     out += rows("HERMITE2", recurrence(lambda n, v: v, lambda k, p, q, n, v: v * p - k * q), grid(n[:-1], far), inexact=(1,))
     charlier = recurrence(lambda n, a, v: 1 - v / a, lambda k, p, q, n, a, v: ((k + a - v) * p - k * q) / a)
-    out += rows("CHARLIER", charlier, grid([0, 1, 5, 30], [0.4, 2.5, 40], [0.3, -2, 4, 17, 60]), inexact=(1, 2))
+    out += rows("CHARLIER", charlier, grid([0, 1, 5, 30], [0.4, 2.5, 40], [0.3, -2, 4, 17, 60]) + [(15, 1.37, -3.3e-13), (55, 2.9, 2e-14)], inexact=(1, 2))
     with mp.workdps(150):
         out += rows("BERNPOL", lambda n, v: m.bernpoly(int(n), v), grid([0, 1, 2, 5, 12, 40, 101, 150], [0.3, 1, -2.2, 5.5, 50, 3]), inexact=(1,))
 
