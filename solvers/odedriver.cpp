@@ -173,9 +173,10 @@ void reportdisaster(const odejob& job) {
     const odestepper& s = job.run.s;
     tarnprint("\nt = %lg, errfac = %lg, ", s.tcur, s.errfac);
     if (s.request == ODETRUNCFAIL)
-        tarnprint("eqn # %hd, truncation error = %lg\n", short(s.trunceqn + 1), s.truncerr);
+        tarnprint("eqn # %hd, truncation error = %lg\n", short(s.trunceqn + 1),
+                  std::fabs(s.truncerr)); // one look for what is no number, whatever its sign
     else
-        tarnprint("eqn # %hd, corrector error = %lg\n", short(s.correqn + 1), s.correrr);
+        tarnprint("eqn # %hd, corrector error = %lg\n", short(s.correqn + 1), std::fabs(s.correrr));
 }
 
 void raisetolerance(odejob& job) {

@@ -304,6 +304,17 @@ TEST_F(Ode, DeductionTellsWhatIsCovered) {
     EXPECT_FALSE(refused("SQRT", 1));
 }
 
+// Right-hand sides beyond the range of numbers end too, and what is no number has one look.
+TEST_F(Ode, OverflowsEnd) {
+    for (int method : {0, 2, 3}) {
+        run("DELETEALL\nFUNCTION W'T(T) = -1E300*W; INITIAL W(0) = 1; METHOD = " + std::to_string(method));
+        const std::string said = run("S = INTEGRATE(W,0:1:0.5)");
+        EXPECT_NE(said.find("error = nan\n"), std::string::npos) << method;
+        EXPECT_EQ(said.find("-nan"), std::string::npos) << method;
+        EXPECT_EQ(run("TYPE 1+1"), "    = 2\n");
+    }
+}
+
 TEST_F(Ode, FailuresLeaveTheSessionWhole) {
     run(decay);
     run("FUNCTION B'T(T) = IF T > 0.5 THEN UNSET*B ELSE -B; INITIAL B(0) = 1; S = 5");
