@@ -428,12 +428,18 @@ void eigenvectors(eigenwork& w, double norm, const std::vector<double>& wr, cons
     }
 }
 
-} // namespace
+struct eigensolution {
+    std::vector<double> wr, wi, vr, vi;
+    double spread = 1; // of the factors of balancing
+};
 
-bool eigencore(std::vector<double>& a, size_t n, std::vector<double>& wr, std::vector<double>& wi,
-               std::vector<double>& vr, std::vector<double>& vi) {
-    eigenwork w{n, a, {}, {}};
-    balance(w);
+bool solved(std::vector<double>& a, size_t n, bool balanced, eigensolution& e) {
+    eigenwork w{n, a, {}, std::vector<double>(n, 1)};
+    if (balanced) balance(w);
+    if (n > 0) {
+        const auto [least, greatest] = std::minmax_element(w.scale.begin(), w.scale.end());
+        e.spread = *greatest / *least;
+    }
     double most = 0;
     for (const double x : a) most = std::max(most, std::fabs(x));
     int exponent = 0;
@@ -447,13 +453,58 @@ bool eigencore(std::vector<double>& a, size_t n, std::vector<double>& wr, std::v
     double norm = 0;
     for (size_t i = 0; i < n; i++)
         for (size_t j = i ? i - 1 : 0; j < n; j++) norm += std::fabs(w.at(i, j));
-    wr.assign(n, 0);
-    wi.assign(n, 0);
-    if (!quasitriangular(w, norm, wr, wi)) return false;
-    eigenvectors(w, norm, wr, wi, vr, vi);
+    e.wr.assign(n, 0);
+    e.wi.assign(n, 0);
+    if (!quasitriangular(w, norm, e.wr, e.wi)) return false;
+    eigenvectors(w, norm, e.wr, e.wi, e.vr, e.vi);
     for (size_t i = 0; i < n; i++) {
-        wr[i] = std::ldexp(wr[i], exponent);
-        wi[i] = std::ldexp(wi[i], exponent);
+        e.wr[i] = std::ldexp(e.wr[i], exponent);
+        e.wi[i] = std::ldexp(e.wi[i], exponent);
     }
     return true;
+}
+
+// The largest component of A v - lambda v over all vectors, in parts of the largest element of A.
+double residual(const std::vector<double>& a, size_t n, const eigensolution& e) {
+    double size = 0, worst = 0;
+    for (const double x : a) size = std::max(size, std::fabs(x));
+    std::vector<double> re(n), im(n);
+    for (size_t i = 0; i < n; i++) {
+        for (size_t j = 0; j < n; j++) {
+            const double wr = e.wr[j] / size, wi = e.wi[j] / size;
+            re[j] = -(wr * e.vr[i * n + j] - wi * e.vi[i * n + j]);
+            im[j] = -(wr * e.vi[i * n + j] + wi * e.vr[i * n + j]);
+        }
+        for (size_t k = 0; k < n; k++) {
+            axpy(n, a[i * n + k] / size, &e.vr[k * n], re.data());
+            axpy(n, a[i * n + k] / size, &e.vi[k * n], im.data());
+        }
+        for (size_t j = 0; j < n; j++) worst = std::max({worst, std::fabs(re[j]), std::fabs(im[j])});
+    }
+    return worst;
+}
+
+} // namespace
+
+/* Balancing can do harm where it makes small elements large that only rounding made (D. S. Watkins, A case
+ * where balancing is harmful, ETNA 23 (2006) 1): when it changed much and the vectors do not fit, the matrix
+ * as it stands is tried, and the better answer taken. */
+bool eigencore(std::vector<double>& a, size_t n, std::vector<double>& wr, std::vector<double>& wi,
+               std::vector<double>& vr, std::vector<double>& vi) {
+    const std::vector<double> given = a;
+    eigensolution e, plain;
+    bool done = solved(a, n, true, e);
+    const double size = done && e.spread > 0x1p10 ? residual(given, n, e) : 0;
+    if (!done || size > 1e-14 * double(n)) {
+        a = given;
+        if (solved(a, n, false, plain) && (!done || residual(given, n, plain) < size)) {
+            e = std::move(plain);
+            done = true;
+        }
+    }
+    wr = std::move(e.wr);
+    wi = std::move(e.wi);
+    vr = std::move(e.vr);
+    vi = std::move(e.vi);
+    return done;
 }

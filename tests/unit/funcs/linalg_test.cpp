@@ -205,6 +205,17 @@ TEST(eigencore, vectorsSatisfyTheirEquation) {
     ASSERT_TRUE(svdcore(small.data(), 9, 9, wr, u, v));
     EXPECT_LT(orthogonality(u, 9, 9), 1e-14);
     EXPECT_LT(orthogonality(v, 9, 9), 1e-14);
+    // balancing makes the small elements large (D. S. Watkins, ETNA 23 (2006) 1)
+    checkeigen({"harmed by balancing", 5, 5, {0, 3.2573e-13,  0, 1, 0, 1,           0, 1, 0, -1.282e-13,
+                                              0, -1.7633e-13, 0, 1, 0, -3.9219e-13, 0, 1, 0, 4.843e-14,
+                                              0, 1,           0, 1, 0}},
+               1e-13);
+    checkeigen({"wide range",
+                4,
+                4,
+                {410.2, 2.5e-09, 2e-12, -3.8e-12, -4.07e+19, 2.15e+18, 1.8e-09, -117662962, 1.2e-07, 3500452,
+                 -2196.6, -43.7, -3.9e-19, 1.27e+19, -1.9e-11, 4.8e-09}},
+               1e-13);
     // D^-1 R D for powers of ten: bad scaling that balancing takes out
     vec bad = randommatrix(6, 6, 3);
     for (size_t i = 0; i < 6; i++)
