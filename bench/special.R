@@ -1,0 +1,6 @@
+x <- seq(0, 50, length.out = 1000000)
+p <- cbind(x, besselJ(x, 0))
+x <- seq(0.01, 10, length.out = 1000000)
+p <- cbind(x, gamma(x))
+x <- seq(0, 1, length.out = 1000000)
+p <- cbind(x, pbeta(x, 2.5, 0.7))
