@@ -44,14 +44,13 @@ double legendreinside(double n, double x, double sine) {
     const double t = central ? std::asin(x) : std::atan2(sine, x);
     const double angle = (n + 0.5) * t - (central ? 0 : PI / 4);
     double c = std::cos(angle), s = std::sin(angle);
-    if (central) { // cos(n pi/2 - angle), and sin(angle - n pi/2), which turns on with -t
-        const double cosine[] = {c, s, -c, -s}, minus[] = {-s, c, s, -c};
+    if (central) { // of n pi/2 - angle
+        const double cosines[] = {c, s, -c, -s}, sines[] = {-s, c, s, -c};
         const int quarter = static_cast<int>(std::fmod(n, 4));
-        c = cosine[quarter];
-        s = minus[quarter];
+        c = cosines[quarter];
+        s = sines[quarter];
     }
-    // from m to m + 1 the angle grows by t - pi/2, or by -arcsin(x): cosine and sine of that
-    const double turnc = sine, turns = -x;
+    const double turnc = sine, turns = -x; // from m to m + 1 the angle grows by t - pi/2, here -arcsin(x)
     double h = 1, sum = c;
     for (double m = 1; m < 60; m++) {
         const double next = c * turnc - s * turns;
