@@ -1,5 +1,5 @@
 import numpy as np
 x = np.arange(1.0, 40001)
-a = np.sin(x * x).reshape(200, 200)
+a = np.sin(x * x * x).reshape(200, 200)
 for i in range(10):
     w, v = np.linalg.eig(a)

@@ -246,15 +246,21 @@ void load(svdwork& s, const std::vector<double>& x, bool transposed) {
 void zerowhatisrounding(const double* a, size_t m, size_t n, std::vector<double>& w,
                         const std::vector<double>& u, const std::vector<double>& v) {
     const size_t p = w.size();
+    size_t first = p; // of the values that come into question
+    while (first > 0 && w[first - 1] <= DBL_EPSILON * double(m + n) * w[0]) first--;
+    const size_t few = p - first;
+    std::vector<double> right(n * few), sum(few), change(few, 0.0);
+    for (size_t j = 0; j < n && few > 0; j++)
+        for (size_t k = 0; k < few; k++) right[j * few + k] = std::fabs(v[j * p + first + k]);
+    for (size_t i = 0; i < m && few > 0; i++) {
+        std::fill(sum.begin(), sum.end(), 0.0);
+        for (size_t j = 0; j < n; j++) axpy(few, std::fabs(a[i * n + j]), &right[j * few], sum.data());
+        for (size_t k = 0; k < few; k++) change[k] += std::fabs(u[i * p + first + k]) * sum[k];
+    }
     const double unit = DBL_EPSILON * std::max(2.0, double(p) / 5);
-    for (size_t k = p; k-- > 0 && w[k] <= DBL_EPSILON * double(m + n) * w[0];) {
-        double change = 0;
-        for (size_t i = 0; i < m; i++) {
-            double sum = 0;
-            for (size_t j = 0; j < n; j++) sum += std::fabs(a[i * n + j]) * std::fabs(v[j * p + k]);
-            change += std::fabs(u[i * p + k]) * sum;
-        }
-        if (w[k] <= unit * change || w[k] > change) w[k] = 0; // no true value is above it
+    for (size_t k = 0; k < few; k++) {
+        double& x = w[first + k];
+        if (x <= unit * change[k] || x > change[k]) x = 0; // no true value is above its change
     }
 }
 
