@@ -13,9 +13,9 @@ bool lufactor(double* a, size_t n, std::vector<size_t>& perm);
 // Solves for all k right sides at once: b is n by k and takes the solution.
 void lusubstitute(const double* lu, size_t n, const std::vector<size_t>& perm, double* b, size_t k);
 double ludeterminant(const double* lu, size_t n, const std::vector<size_t>& perm);
-/* Both at once, with any range of elements: a is destroyed, b takes the solution, infinite where it is beyond
- * the largest number. False when a pivot is exactly zero. */
-bool lusolve(std::vector<double>& a, size_t n, std::vector<double>& b, size_t k);
+/* x (n by k) with a x = b, for any range of elements: infinite where it is beyond the largest number. False
+ * when a pivot is exactly zero. */
+bool lusolve(const double* a, size_t n, const double* b, size_t k, double* x);
 
 /* The reflection I - beta v v' that turns x (n elements `stride` apart) into (alpha, 0...). v overwrites x,
  * v[0] = 1 included; returns beta, 0 where nothing is to be done (x stays). The square of no element may
@@ -32,8 +32,8 @@ bool svdcore(const double* a, size_t m, size_t n, std::vector<double>& w, std::v
              std::vector<double>& v);
 
 /* Eigenvalues wr + i wi of a (n by n, destroyed), conjugate pairs together, and the right eigenvectors as
- * columns vr + i vi of unit length (n by n). False when 30 sweeps an eigenvalue have not settled them all. (Balancing,
- * elimination to Hessenberg form, double-shift QR: J. H. Wilkinson, C. Reinsch, Handbook for Automatic
- * Computation II, Linear Algebra (1971), contributions II/11, II/13, II/15.) */
+ * columns vr + i vi of unit length (n by n). False when 30 sweeps an eigenvalue have not settled them all.
+ * (Balancing, elimination to Hessenberg form, double-shift QR: J. H. Wilkinson, C. Reinsch, Handbook for
+ * Automatic Computation II, Linear Algebra (1971), contributions II/11, II/13, II/15.) */
 bool eigencore(std::vector<double>& a, size_t n, std::vector<double>& wr, std::vector<double>& wi,
                std::vector<double>& vr, std::vector<double>& vi);

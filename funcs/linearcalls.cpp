@@ -6,6 +6,7 @@
 #include "funcs/matrixoperand.h"
 #include "funcs/operators.h"
 #include "funcs/rows.h"
+#include "funcs/scratch.h"
 #include "funcs/vectorloops.h"
 #include "interp/base/fpfault.h"
 #include "interp/base/report.h"
@@ -36,14 +37,23 @@ struct svdresult {
     explicit svdresult(const harray* m) { done = svdcore(cells(m) + 1, m->rows, m->cols, w, u, v); }
 };
 
+// X with m X = b, b of `cols` columns; an error with those words where m is singular.
+int solution(const matrixoperand& m, const double* b, size_t cols, const char* words) {
+    harrayptr x(harrayraw(m.m->rows, uint32_t(cols)));
+    double* cell = cells(x.get()) + 1;
+    if (!lusolve(m.cell() + 1, m.rows(), b, cols, cell)) tarnerror("%s", words);
+    for (size_t k = 0; k < m.rows() * cols; k++) cell[k] = fpcheck(cell[k]);
+    return symtabmatrix(0, 0, std::move(x));
+}
+
 int inv(const callargs& a) {
     const matrixoperand m(a[1]);
     needsquare(m, a.name());
     const size_t n = m.rows();
-    vec lu = copied(m), x(n * n, 0.0);
-    for (size_t i = 0; i < n; i++) x[i * n + i] = 1;
-    if (!lusolve(lu, n, x, n)) tarnerror("INV: numerically singular matrix");
-    return temporary(n, n, x);
+    scratch<double> unit(n * n);
+    std::fill(unit.begin(), unit.end(), 0.0);
+    for (size_t i = 0; i < n; i++) unit[i * n + i] = 1;
+    return solution(m, unit.data(), n, "INV: numerically singular matrix");
 }
 
 // V diag(1/w, 0 for a w of 0) U'
@@ -66,9 +76,7 @@ harrayptr pseudoinverse(const harray* m) {
 int lineq(const callargs& a) {
     const matrixoperand m(a[1]), b(a[2]);
     if (m.rows() != m.cols() || m.rows() != b.rows()) argshape(a.name());
-    vec lu = copied(m), x = copied(b);
-    if (!lusolve(lu, m.rows(), x, b.cols())) tarnerror("LINEQ: numerically singular matrix");
-    return temporary(b.rows(), b.cols(), x);
+    return solution(m, b.cell() + 1, b.m->cols, "LINEQ: numerically singular matrix");
 }
 
 double det(const callargs& a) {

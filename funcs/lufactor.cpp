@@ -1,4 +1,5 @@
 #include "funcs/linalg.h"
+#include "funcs/scratch.h"
 #include "funcs/vectorloops.h"
 
 #include <algorithm>
@@ -52,9 +53,8 @@ constexpr double WIDEST = 0x1p1000; // beyond it and its inverse, sums of produc
 
 /* Elimination in the wide exponent range of long double, past factors of 0: for elements at the ends of the
  * range of a double, where products on the way would overflow or vanish. */
-bool widesolve(const std::vector<double>& given, size_t n, const std::vector<double>& right,
-               std::vector<double>& b, size_t k) {
-    std::vector<long double> a(given.begin(), given.end()), x(right.begin(), right.end());
+bool widesolve(const double* given, size_t n, const double* right, size_t k, double* result) {
+    std::vector<long double> a(given, given + n * n), x(right, right + n * k);
     const auto subtract = [](size_t count, long double f, const long double* from, long double* to) {
         for (size_t j = 0; f != 0 && j < count; j++)
             if (from[j] != 0) to[j] -= f * from[j];
@@ -74,7 +74,7 @@ bool widesolve(const std::vector<double>& given, size_t n, const std::vector<dou
     }
     for (size_t i = n; i-- > 0;) {
         for (size_t c = i + 1; c < n; c++) subtract(k, a[i * n + c], &x[c * k], &x[i * k]);
-        for (size_t j = 0; j < k; j++) b[i * k + j] = double(x[i * k + j] /= a[i * n + i]);
+        for (size_t j = 0; j < k; j++) result[i * k + j] = double(x[i * k + j] /= a[i * n + i]);
     }
     return true;
 }
@@ -97,8 +97,9 @@ bool lufactor(double* a, size_t n, std::vector<size_t>& perm) {
 }
 
 void lusubstitute(const double* lu, size_t n, const std::vector<size_t>& perm, double* b, size_t k) {
-    const std::vector<double> given(b, b + n * k);
-    for (size_t i = 0; i < n; i++) std::copy_n(&given[perm[i] * k], k, b + i * k);
+    scratch<double> given(n * k);
+    std::copy_n(b, n * k, given.data());
+    for (size_t i = 0; i < n; i++) std::copy_n(given.data() + perm[i] * k, k, b + i * k);
     for (size_t i = 1; i < n; i++) subtractrows(i, k, lu + i * n, b, k, b + i * k);
     for (size_t i = n; i-- > 0;) {
         subtractrows(n - i - 1, k, lu + i * n + i + 1, b + (i + 1) * k, k, b + i * k);
@@ -122,15 +123,17 @@ double ludeterminant(const double* lu, size_t n, const std::vector<size_t>& perm
     return std::ldexp(product, int(std::clamp(exponent, -100000L, 100000L)));
 }
 
-bool lusolve(std::vector<double>& a, size_t n, std::vector<double>& b, size_t k) {
+bool lusolve(const double* a, size_t n, const double* b, size_t k, double* x) {
     double most = 0;
-    for (const double x : a) most = std::max(most, std::fabs(x));
-    const std::vector<double> givena = a, givenb = b;
-    std::vector<size_t> perm;
+    for (size_t i = 0; i < n * n; i++) most = std::max(most, std::fabs(a[i]));
     if (most < WIDEST && (most > 1 / WIDEST || most == 0)) {
-        if (!lufactor(a.data(), n, perm)) return false;
-        lusubstitute(a.data(), n, perm, b.data(), k);
-        if (std::all_of(b.begin(), b.end(), [](double x) { return std::isfinite(x); })) return true;
+        scratch<double> lu(n * n);
+        std::copy_n(a, n * n, lu.data());
+        std::vector<size_t> perm;
+        if (!lufactor(lu.data(), n, perm)) return false;
+        std::copy_n(b, n * k, x);
+        lusubstitute(lu.data(), n, perm, x, k);
+        if (std::all_of(x, x + n * k, [](double t) { return std::isfinite(t); })) return true;
     }
-    return widesolve(givena, n, givenb, b, k);
+    return widesolve(a, n, b, k, x);
 }

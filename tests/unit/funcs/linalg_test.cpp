@@ -284,16 +284,17 @@ TEST(lusolve, widestRange) {
                 {2, {1e-320, 0, 0, 1}, {1, 2}, {INFINITY, 2}},
                 {2, {1, 0, 1, 1e-310}, {1, 1}, {1, 0}}};
     for (const auto& row : rows) {
-        vec a = row.a, b = row.b;
-        ASSERT_TRUE(lusolve(a, row.n, b, 1));
+        vec b(row.n);
+        ASSERT_TRUE(lusolve(row.a.data(), row.n, row.b.data(), 1, b.data()));
         for (size_t i = 0; i < row.n; i++)
             if (row.x[i] == INFINITY)
                 EXPECT_EQ(b[i], INFINITY);
             else
                 EXPECT_NEAR(b[i], row.x[i], 1e-15 * std::fabs(row.x[i])) << row.a[0];
     }
-    vec singular = {1e308, 1e308, 1e308, 1e308}, b = {1, 1};
-    EXPECT_FALSE(lusolve(singular, 2, b, 1));
+    const vec singular = {1e308, 1e308, 1e308, 1e308}, b = {1, 1};
+    vec x(2);
+    EXPECT_FALSE(lusolve(singular.data(), 2, b.data(), 1, x.data()));
 }
 
 } // namespace
