@@ -12,3 +12,20 @@ TYPE P, Q, R
 TYPE "-- observed and expected counts of the groups A, B, AB, O"
 N = NA+NB+NAB+NO
 TYPE (NA&NB&NAB&NO)&'(N*((P^2+2*P*R)&(Q^2+2*Q*R)&(2*P*Q)&(R^2)))
+
+/* the picture: bars of the counts, crosses of what the frequencies let expect */
+SEEN = (1:4) &' (NA&NB&NAB&NO)
+EXPECTED = (1:4) &' (N*((P^2+2*P*R)&(Q^2+2*Q*R)&(2*P*Q)&(R^2)))
+WINDOW 0 TO 5, 0 TO 300
+IMAGE 0.14 TO 0.95, 0.16 TO 0.88
+XAXIS (0&5) &' 0 LABEL NULLM
+DRAW BARS = BARGRAPH(SEEN, 0.6) COLOR GREY
+DRAW CROSSES = EXPECTED LINETYPE 0 POINTTYPE 8 PTSIZE 0.02 COLOR BLUE
+TITLE "A" AT (1, -20) WORLD PLACE (CENTER, CENTER) SIZE 0.026
+TITLE "B" AT (2, -20) WORLD PLACE (CENTER, CENTER) SIZE 0.026
+TITLE "AB" AT (3, -20) WORLD PLACE (CENTER, CENTER) SIZE 0.026
+TITLE "O" AT (4, -20) WORLD PLACE (CENTER, CENTER) SIZE 0.026
+TITLE TOP, "Blood groups of 521 patients" SIZE 0.034
+TITLE LEFT, "patients" SIZE 0.026
+PLOTOVER = 1
+PLOT IN "bloodgroups"
