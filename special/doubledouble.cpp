@@ -14,6 +14,7 @@ dd ddsqrt(dd a) {
 dd ddexp(dd a) {
     if (a.hi < -745) return 0;
     if (a.hi > 709.78) return MAXPOS;
+    if (std::isnan(a.hi)) return a;
     const double k = std::nearbyint(a.hi / DDLN2.hi);
     const dd r = ddscale(a - DDLN2 * k, -6);
     dd term = r, sum = r; // exp(r) - 1, |r| below 0.0055
@@ -36,6 +37,10 @@ dd ddpow(dd a, dd b) { return ddexp(b * ddlog(a)); }
 
 void ddsincos(dd a, dd* s, dd* c) {
     const double k = std::nearbyint(a.hi / (DDPI.hi / 2));
+    if (!std::isfinite(k)) {
+        *s = *c = std::nan("");
+        return;
+    }
     const dd r = a - ddscale(DDPI, -1) * k, r2 = -(r * r);
     dd sn = r, cs = 1, ts = r, tc = 1;
     for (int n = 1; n <= 15; n++) {
@@ -44,7 +49,7 @@ void ddsincos(dd a, dd* s, dd* c) {
         cs += tc;
         sn += ts;
     }
-    switch (static_cast<long long>(k) & 3) {
+    switch (static_cast<int>(std::fmod(k, 4)) & 3) {
     case 0: *s = sn, *c = cs; break;
     case 1: *s = cs, *c = -sn; break;
     case 2: *s = -sn, *c = -cs; break;
