@@ -194,8 +194,8 @@ widecomplex iseries(double nu, spcomplex z) {
             1e-20 * (std::fabs(sum.re.hi) + std::fabs(sum.im.hi)))
             break;
     }
-    const int power =
-        std::ilogb(std::fmax(std::fabs(x.hi), std::fabs(y.hi))); // keeps the squares from underflow
+    const double larger = std::fmax(std::fabs(x.hi), std::fabs(y.hi));
+    const int power = larger > 0 && std::isfinite(larger) ? std::ilogb(larger) : 0; // no square underflows
     const dd u = ddscale(x, -power), w = ddscale(y, -power);
     const dd size = ddlog(u * u + w * w) / 2.0 + DDLN2 * power;
     const dd e = dd(nu) * size - ddloggamma(dd(nu) + 1.0);

@@ -18,6 +18,7 @@ struct scaledpair {
             rescale();
     }
     void rescale() {
+        if (!std::isfinite(now)) return; // stays what it is
         const int e = std::ilogb(now);
         now = std::ldexp(now, -e);
         last = std::ldexp(last, -e);
