@@ -12,7 +12,7 @@ add_compile_options(-ffp-contract=off -fno-math-errno)
 if(TARN_SANITIZE)
   # The instrumented library headers give false warnings of uninitialised members.
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -g
-    -Wno-maybe-uninitialized)
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   add_link_options(-fsanitize=address,undefined)
 endif()
 if(TARN_FUZZ)

@@ -28,6 +28,11 @@ tools_for_tests() {
   missing clang clang++
   missing ghostscript gs
   [ -e /usr/include/gtest/gtest.h ] || packages="$packages libgtest-dev"
+  install_packages || return 1
+  # The sanitizers' own libraries are a package of the compiler's version.
+  packages=""
+  [ -e "$(clang++ -print-resource-dir)/lib/linux/libclang_rt.asan-$(uname -m).a" ] ||
+    packages="libclang-rt-$(clang++ -dumpversion | cut -d. -f1)-dev"
   install_packages
 }
 
