@@ -11,37 +11,16 @@
 
 namespace {
 
-namespace anyprocessor {
-#include "funcs/flatblockrun.h"
-} // namespace anyprocessor
-
-#pragma GCC push_options
-#pragma GCC target("avx2")
-namespace avx2 {
-#include "funcs/flatblockrun.h"
-} // namespace avx2
-#pragma GCC pop_options
-
-#pragma GCC push_options
-#pragma GCC target("avx512f")
-namespace avx512 {
-#include "funcs/flatblockrun.h"
-} // namespace avx512
-#pragma GCC pop_options
+#define PROCESSORBODY "funcs/flatblockrun.h"
+#include "funcs/eachprocessor.h"
 
 using runner = flatresult (*)(const flatunit& unit, const flatroutine& routine, int from, int to,
                               const uint8_t* vary, double* frame, double* block, uint16_t* order, int n);
-
-runner bestrunner() {
-    if (__builtin_cpu_supports("avx512f")) return avx512::run;
-    if (__builtin_cpu_supports("avx2")) return avx2::run;
-    return anyprocessor::run;
-}
 
 } // namespace
 
 flatresult flatexecuteblock(const flatunit& unit, const flatroutine& routine, int from, int to,
                             const uint8_t* vary, double* frame, double* block, uint16_t* order, int n) {
-    static const runner best = bestrunner();
+    static const runner best = bestprocessor<runner>(anyprocessor::run, avx2::run, avx512::run);
     return best(unit, routine, from, to, vary, frame, block, order, n);
 }

@@ -14,30 +14,10 @@ struct looptable {
     void (*reflect2)(size_t, double, double, double, double*, double*);
 };
 
-namespace anyprocessor {
-#include "funcs/vectorloopsrun.h"
-} // namespace anyprocessor
+#define PROCESSORBODY "funcs/vectorloopsrun.h"
+#include "funcs/eachprocessor.h"
 
-#pragma GCC push_options
-#pragma GCC target("avx2")
-namespace avx2 {
-#include "funcs/vectorloopsrun.h"
-} // namespace avx2
-#pragma GCC pop_options
-
-#pragma GCC push_options
-#pragma GCC target("avx512f")
-namespace avx512 {
-#include "funcs/vectorloopsrun.h"
-} // namespace avx512
-#pragma GCC pop_options
-
-const looptable& pickloops() {
-    if (__builtin_cpu_supports("avx512f")) return avx512::loops;
-    if (__builtin_cpu_supports("avx2")) return avx2::loops;
-    return anyprocessor::loops;
-}
-const looptable& picked = pickloops();
+const looptable& picked = bestprocessor(anyprocessor::loops, avx2::loops, avx512::loops);
 
 } // namespace
 

@@ -229,10 +229,8 @@ std::string datapath(int idx, const char* ext) {
     std::string path = bindname(sym(idx).name, directory, ext);
     std::error_code fault;
     if (fs::exists(path, fault)) return path;
-    std::string small = path;
-    const size_t name = small.find_last_of('/') + 1;
-    std::transform(small.begin() + long(name), small.end(), small.begin() + long(name),
-                   [](unsigned char c) { return char(tolower(c)); });
+    const size_t name = path.find_last_of('/') + 1;
+    const std::string small = path.substr(0, name) + lowered(path.substr(name));
     return fs::exists(small, fault) ? small : path;
 }
 

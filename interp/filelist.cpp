@@ -21,11 +21,6 @@ struct fileclose {
 };
 using fileptr = std::unique_ptr<FILE, fileclose>;
 
-std::string lowered(std::string text) {
-    for (char& c : text) c = char(tolower(static_cast<unsigned char>(c)));
-    return text;
-}
-
 // Lines are read from regular files alone: a device need never end.
 fileptr opentext(const std::string& path) {
     std::error_code failure;

@@ -1,7 +1,6 @@
 #include "interp/help.h"
 
 #include "interp/base/hooks.h"
-#include "interp/base/operand.h"
 #include "interp/base/parser.h"
 #include "interp/base/report.h"
 #include "interp/base/symtab.h"
@@ -43,15 +42,11 @@ void helphandler(const processop&) {
         newtoken(token, index);
         if (token == TOKSTRING || token == TOKNUMBER) tempfree(index);
     }
-    helpshow(topic.c_str());
+    if (!console.help(topic.c_str())) tarnerror("cannot open help file");
 }
 
 constexpr processrow rows[] = {{61, helphandler}};
 
 } // namespace
-
-void helpshow(const char* topic) {
-    if (!console.help(topic)) tarnerror("cannot open help file");
-}
 
 void helprows() { processadd(rows, 1); }

@@ -1,8 +1,7 @@
-/* interp/help.h - the statement HELP (and ?), and TYPE of a builtin.
+/* interp/help.h - the statement HELP (and ?).
  * Owns:    its row of the process table.
- * Callers: the statement table at start; the listing of a builtin.
+ * Callers: the statement table at start.
  * Never:   knows how help is shown: the console does. */
 #pragma once
 
 void helprows();
-void helpshow(const char* topic); // error "cannot open help file"

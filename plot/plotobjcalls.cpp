@@ -48,22 +48,24 @@ int getptsize(const callargs& a) {
     return symtabmatrix(0, 0, std::move(m));
 }
 
-int getimage(const callargs& a) {
+// A box of the window in the units that the second argument chooses among the first `kinds`.
+int getbox(const callargs& a, int kinds, const char* refusal, double window::*const (&box)[4]) {
     const window& w = windowoperand(a);
-    const int units = unitargument(a, 4);
-    if (!units) tarnerror("2nd arg must be 1,2,3, or 4");
-    double x1 = w.ixmin, x2 = w.ixmax, y1 = w.iymin, y2 = w.iymax;
+    const int units = unitargument(a, kinds);
+    if (!units) tarnerror("%s", refusal);
+    double x1 = w.*box[0], x2 = w.*box[1], y1 = w.*box[2], y2 = w.*box[3];
     convertunits(x1, x2, y1, y2, w, UNITSNORMAL, units);
     return fourvector(x1, x2, y1, y2);
 }
 
+int getimage(const callargs& a) {
+    return getbox(a, 4, "2nd arg must be 1,2,3, or 4",
+                  {&window::ixmin, &window::ixmax, &window::iymin, &window::iymax});
+}
+
 int getframe(const callargs& a) {
-    const window& w = windowoperand(a);
-    const int units = unitargument(a, 2);
-    if (!units) tarnerror("2nd arg must be 1 or 2");
-    double x1 = w.fxmin, x2 = w.fxmax, y1 = w.fymin, y2 = w.fymax;
-    convertunits(x1, x2, y1, y2, w, UNITSNORMAL, units);
-    return fourvector(x1, x2, y1, y2);
+    return getbox(a, 2, "2nd arg must be 1 or 2",
+                  {&window::fxmin, &window::fxmax, &window::fymin, &window::fymax});
 }
 
 int getwindowlimits(const callargs& a) {

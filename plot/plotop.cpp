@@ -88,8 +88,7 @@ std::string plotfilename(const plotdevice& device) {
 void checkextension(const std::string& path, const plotdevice& device) {
     const size_t dot = path.find_last_of("./\\");
     if (dot == std::string::npos || path[dot] != '.') return;
-    std::string extension = path.substr(dot + 1);
-    for (char& c : extension) c = char(tolower(static_cast<unsigned char>(c)));
+    std::string extension = lowered(path.substr(dot + 1));
     if (extension == "eps") extension = "ps";
     const bool known = std::any_of(std::begin(devices), std::end(devices),
                                    [&](const plotdevice& row) { return extension == row.extension; });

@@ -1,5 +1,7 @@
 #include "shell/helpfile.h"
 
+#include "interp/base/report.h"
+
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
@@ -11,11 +13,6 @@ namespace {
 constexpr size_t MAXMENU = 97;               // entries of a topic's menu, the three fixed ones apart
 constexpr size_t FORWARDS = 32, IN_ALL = 62; // choices shown for a name that is not there
 constexpr long MAXTOPICS = 100000;
-
-std::string lowered(std::string s) {
-    for (char& c : s) c = char(tolower(static_cast<unsigned char>(c)));
-    return s;
-}
 
 // The line at pos without its end (carriage return, line feed); pos moves behind it.
 std::string lineat(const std::string& bytes, size_t& pos) {

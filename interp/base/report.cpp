@@ -170,14 +170,10 @@ std::string bindname(const char* name, const char* dir, const char* ext) {
     return path;
 }
 
-namespace {
-
 std::string lowered(std::string s) {
     for (char& c : s) c = char(tolower(static_cast<unsigned char>(c)));
     return s;
 }
-
-} // namespace
 
 std::string findfile(const std::string& path) {
     namespace fs = std::filesystem;

@@ -50,3 +50,4 @@ std::string bindname(const char* name, const char* dir, const char* ext);
 // The file as its directory spells it: path itself if it exists, else the one that differs from it by case
 // alone (lower case first); path unchanged if there is none. Names in statements are folded to upper case.
 std::string findfile(const std::string& path);
+std::string lowered(std::string s); // in small letters

@@ -253,7 +253,7 @@ TEST_F(Picture, badHandlesNameTheCall) {
               "Illegal picture pointer argument provided in DPRIORITY");
 }
 
-TEST_F(Patch, badSpecifications) {
+TEST_F(Patch, badSizesAndParents) {
     memory(20, 10, 8);
     const auto bad = [](vlpatch* parent, int x, int y, int w, int h, int depth) {
         return fault([&] { DPATCH(parent, x, y, w, h, depth, nullptr); });
