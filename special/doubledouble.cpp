@@ -33,8 +33,6 @@ dd ddlog(dd a) {
     return dd(y) + (a - e) * 2.0 / (a + e); // Newton's step with its second order
 }
 
-dd ddpow(dd a, dd b) { return ddexp(b * ddlog(a)); }
-
 void ddsincos(dd a, dd* s, dd* c) {
     const double k = std::nearbyint(a.hi / (DDPI.hi / 2));
     if (!std::isfinite(k)) {

@@ -1,6 +1,6 @@
 /* special/doubledouble.h - numbers of about 32 digits as unevaluated sums of two doubles.
  * Owns:    nothing; the arithmetic of Dekker (Numer. Math. 18, 1971) and Knuth (TAOCP 2, 4.2.2).
- * Callers: routines of special/ and stats/ whose sums cancel.
+ * Callers: routines of special/, stats/ and solvers/ whose sums cancel.
  * Never:   handles overflow: magnitudes stay below 1e290; needs arithmetic that is not fused or reordered. */
 #pragma once
 
@@ -67,7 +67,7 @@ inline constexpr dd DDEULER{0.5772156649015329, -4.942915152430645e-18};
 dd ddsqrt(dd a);
 dd ddexp(dd a); // 0 below, about MAXPOS above the range of doubles
 dd ddlog(dd a); // a > 0
-dd ddpow(dd a, dd b);
+
 void ddsincos(dd a, dd* s, dd* c); // |a| below 1e6
 dd ddsinpi(dd a);
 // The logarithm of |Gamma(a)|; `sign`, unless null, gets the sign of Gamma. A pole gives sign 0.

@@ -4,6 +4,7 @@
 #include "special/range.h"
 #include "special/scaledvalue.h"
 
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -159,7 +160,7 @@ double alaguerre(double n, double a, double x) {
         if (std::fabs(value) > 1e150) {
             value = std::ldexp(value, -400);
             increment = std::ldexp(increment, -400);
-            power += 400;
+            power = std::min(power + 400, 1000000000);
         }
     }
     return settled("ALAGUERRE", std::ldexp(value, power), signofpower(-x, n));
@@ -201,7 +202,7 @@ double charlier(double n, double a, double x) {
         if (std::fabs(now.hi) < 1e100) continue;
         last = ddscale(last, -300);
         now = ddscale(now, -300);
-        power += 300;
+        power = std::min(power + 300, 1000000000);
     }
     return settled("CHARLIER", std::ldexp(now.hi, power), signofpower(-x, n));
 }

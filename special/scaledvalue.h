@@ -4,6 +4,7 @@
  * Never:   rounds: the scale is a power of two. */
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 
 // The values are last 2^power and now 2^power.
@@ -22,7 +23,7 @@ struct scaledpair {
         const int e = std::ilogb(now);
         now = std::ldexp(now, -e);
         last = std::ldexp(last, -e);
-        power += e;
+        power = std::clamp(power + e, -1000000000, 1000000000); // far beyond the doubles either way
     }
     double value() const { return std::ldexp(now, power); }
 };

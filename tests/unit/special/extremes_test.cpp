@@ -68,6 +68,14 @@ TEST(extremes, twoarguments) {
     for (const auto& r : rows) everywhere(r.name, r.f);
 }
 
+TEST(extremes, degreesWhoseExponentLeavesTheIntegers) {
+    EXPECT_EQ(leg(4600000, 1e150), MAXPOS);
+    EXPECT_EQ(leg(1e7, 1e150), MAXPOS);
+    EXPECT_EQ(aleg(5000000, 5000000, 1e150), MAXPOS);
+    EXPECT_EQ(alaguerre(1e7, 0, -1e200), MAXPOS);
+    EXPECT_EQ(std::fabs(charlier(1e7, 1, -1e150)), MAXPOS);
+}
+
 TEST(extremes, threearguments) {
     for (double third : {0.0, 5e-324, 0.3, 1 - MACHEPS}) {
         everywhere("IBETA", [=](double a, double b) { return ibeta(a, b, third); });
