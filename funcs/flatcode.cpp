@@ -17,6 +17,7 @@ struct flatprogram {
     int waits = 0;            // runs until it is tried again
     flatroutine held;         // the entry as flatheldrun runs it, and its frame
     std::vector<double> heldframe;
+    bool heldstale = true; // the unit was built anew since
 };
 
 namespace {
@@ -360,6 +361,7 @@ flatunit* readyprogram(flatprogram& program) {
             return nullptr;
         }
         const flatrequest& r = program.request;
+        program.heldstale = true;
         program.fast = flatbuild({r.functions, r.nargs, 0, r.symbols}, program.unit);
         if (program.fast) continue;
         program.refusedmade = trinodes.made;
@@ -385,7 +387,7 @@ void walkpoint(const flatrequest& request, const double* in, double* out, bool f
 void flatdelete::operator()(flatprogram* program) const { delete program; }
 
 flatptr flatcompile(const flatrequest& request) {
-    flatptr program(new flatprogram{request, {}, false, 0, 0, {}, {}});
+    flatptr program(new flatprogram{request, {}, false, 0, 0, {}, {}, true});
     readyprogram(*program);
     return program;
 }
@@ -405,9 +407,10 @@ bool flathold(flatprogram& program) {
     flatunit* unit = readyprogram(program);
     if (!unit || !unit->blocks || !unit->straight) return false;
     const flatroutine& entry = unit->routines[0];
-    if (program.held.image.size() != entry.image.size() || program.held.code.empty()) {
+    if (program.heldstale) {
         program.held = entry;
         std::erase_if(program.held.code, [](const flatop& o) { return o.op == FLATSTORE; });
+        program.heldstale = false;
     }
     program.heldframe.resize(size_t(entry.nregs));
     std::copy(entry.image.begin(), entry.image.end(), program.heldframe.begin());

@@ -1,6 +1,7 @@
 /* Builtins of series: Fourier transforms, correlation, deconvolution, histograms, common divisors. */
 #include "funcs/builtin.h"
 #include "funcs/dft.h"
+#include "funcs/linalg.h"
 #include "funcs/linearcalls.h"
 #include "funcs/matrixoperand.h"
 #include "funcs/rows.h"
@@ -144,12 +145,21 @@ double sumofsquares(const vec& x) {
     return sum;
 }
 
+// By a power of two, so that no square leaves the range.
+vec scaled(vec x) {
+    const int e = squarescale(x.data(), x.size());
+    for (double& t : x) t = std::ldexp(t, -e);
+    return x;
+}
+
 /* Rows of a lag k = -n..n and the sum of (x[t + k] - mean of x)(y[t] - mean of y) over t, divided by n for
  * the covariance, by the root of the product of the sums of squares for the correlation. */
 int crosslags(const callargs& a, bool correlation) {
     const matrixoperand mx(a[1]), my(a[2]);
     if (mx.cols() != 1 || my.cols() != 1 || mx.rows() != my.rows() || mx.rows() == 0) argshape(a.name());
-    const vec x = centred(column(mx, 0)), y = centred(column(my, 0)), sums = laggedsums(x, y);
+    vec x = centred(column(mx, 0)), y = centred(column(my, 0));
+    if (correlation) x = scaled(std::move(x)), y = scaled(std::move(y));
+    const vec sums = laggedsums(x, y);
     const size_t n = x.size();
     const double below = correlation ? std::sqrt(sumofsquares(x)) * std::sqrt(sumofsquares(y)) : double(n);
     vec result(sums.size() * 2);
@@ -168,7 +178,7 @@ int corr(const callargs& a) {
     const size_t n = m.rows(), cols = m.cols();
     std::vector<vec> x(cols);
     for (size_t j = 0; j < cols; j++) {
-        x[j] = centred(column(m, j));
+        x[j] = scaled(centred(column(m, j)));
         const double size = std::sqrt(sumofsquares(x[j]));
         for (double& t : x[j]) t = size > 0 ? t / size : 0;
     }

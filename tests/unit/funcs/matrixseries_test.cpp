@@ -96,6 +96,8 @@ TEST_F(matrixseriestest, lags) {
     EXPECT_EQ(result("CROSSCORR", {column({1, 2}), column({1, 2, 3})}),
               "##Error: Incorrect row/col shape of an argument of CROSSCORR\n\n");
     EXPECT_EQ(result("CORR", {matrix(3, 2, {1, -2, 2, -4, 3, -6})}), "2x2: 1 -1 -1 1");
+    EXPECT_EQ(result("CORR", {matrix(3, 2, {1e200, -2e-200, 2e200, -4e-200, 3e200, -6e-200})}),
+              "2x2: 1 -1 -1 1");
     EXPECT_EQ(result("DECONV", {column({1, 3, 5, 7}), column({1, 1})}), "4x1: 1 2 3 4");
     EXPECT_EQ(result("DECONV", {column({1}), column({0, 1})}), "##Error: diagonal must not be zero\n");
     EXPECT_EQ(result("DECONV", {column({1, 1, 1}), column({1e-300, 1e300})}),
