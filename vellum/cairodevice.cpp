@@ -9,6 +9,7 @@
 #include <cstring>
 #include <numbers>
 #include <string>
+#include <utility>
 
 // Pages as PNG, SVG and PDF. The landscape forms have the whole page as their picture, like PSL; the portrait
 // forms the box of what was drawn, like PSP.
@@ -225,8 +226,9 @@ void drawline(double x0, double y0, double x1, double y1) {
 void setpixel(double x, double y, int colour) {
     cairopage* page = pageof();
     if (!page) return;
-    page->setcolour(colour);
+    const int last = std::exchange(vl.color, colour);
     drawline(x, y, x, y);
+    vl.color = last;
 }
 
 void erasearea(double x, double y, double w, double h, int colour) {

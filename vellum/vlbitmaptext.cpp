@@ -29,7 +29,7 @@ void paint(const vlbitmapglyph& g, int x, int y, int fg, int bg) {
 }
 
 void paintglyph(const vlbitmapglyph& g, int x, int y, const vlbitmaptext& text) {
-    if (!g.present || text.fg == text.bg) return;
+    if (!g.present || (text.fg == -1 && text.bg == -1)) return;
     const int baseline = g.numbers[2];
     paint(g, x, y - (g.numbers[1] - baseline), text.fg, text.bg);
 }

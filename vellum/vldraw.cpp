@@ -140,4 +140,3 @@ bool vlfillpolygonn(const double* xy, size_t n) {
 }
 
 bool vlcandraw() { return vl.open || vl.live; }
-bool vldrawsnow() { return vl.live; }

@@ -65,5 +65,3 @@ bool vlfillpolygonn(const double* xy, size_t n);
 
 // Is there anything to draw into: an open picture, or a target that is not disabled?
 bool vlcandraw();
-// Do drawn things reach pixels now (not only the open picture)?
-bool vldrawsnow();

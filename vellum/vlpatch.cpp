@@ -142,6 +142,7 @@ void DKILLPATCH(vlpatch* patch) {
 void DENQPATCH(vlpatch* patch) {
     if (!patch) patch = vl.patch;
     vlcheckpatch(patch, "DENQPATCH");
+    vlflushall();
     const vlpoint pen = vltonorm(vl.x, vl.y);
     vlputmove(pen.x, pen.y);
     vlputword(VLOPPATCH | patch->handle);

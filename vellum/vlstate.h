@@ -42,9 +42,6 @@ struct vltextstate {
     int curbfont = 0;
     int fontheight = 0;
     int mirror = 0;
-    int fill = 0;
-    int underline = 0;
-    double spacing = 0;
     double lastwidth = 0;
 };
 
