@@ -115,6 +115,7 @@ nextmove carefuliteration(fitrun& r, caution& c) {
 void goback(fitrun& r, const fitattempt& to) {
     r.p = r.pbest = to.p;
     r.lagrange = r.lagrangebest = to.lagrange;
+    fitweights(r, true);
     fitsosq(r, r.p, 2, true);
     std::swap(r.fbest, r.ftrial);
     r.bestsosq = to.sosq;

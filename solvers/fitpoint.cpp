@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr size_t BLOCK = 512; // observations at a time: their part of each column stays in the cache
-
 // sum of w |y - f|^norm
 double weightedsum(const fitrun& r, const double* f, double norm) {
     const size_t m = size_t(r.m);

@@ -6,6 +6,7 @@
 
 inline constexpr double EPSMIN = 1e-10, EPSMAX = 10000, EPSFACTOR = 10; // the damping factor and its limits
 inline constexpr double PIVOTTOL = 1e-9;
+inline constexpr size_t BLOCK = 512; // observations at a time: their part of each column stays in the cache
 
 struct fitrun {
     const fitmodel& model;

@@ -273,7 +273,6 @@ void takeresult(fitrun& r, fitresult& result) {
     result.iterations = r.iteration;
     result.converged = r.converged;
     result.lowered = r.lowered;
-    result.evaluations = r.evaluations;
     result.report = r.sw.report;
 }
 

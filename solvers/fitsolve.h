@@ -59,7 +59,6 @@ struct fitresult {
     bool lowered = false; // some step lowered the sum
     bool started = false; // the model had values at the start
     bool retried = false; // the first search went astray, a more careful one found this
-    long evaluations = 0;
     int report = 0; // LSQRPT as R left it
 };
 

@@ -303,8 +303,8 @@ void switchmode(odestepper& s) {
     s.needjac = s.stiff;
 }
 
-constexpr double STABILITYBOUND =
-    0.5; // of |h| times the Lipschitz constant; above it stability may hold the steps
+// Of |h| times the Lipschitz constant; above it stability may hold the steps.
+constexpr double STABILITYBOUND = 0.5;
 
 /* The mean step over a stretch tells whether the mode serves: small steps that do not grow ask for the other
  * one. The stiff mode is not tried where stability cannot be what holds the steps: it would only lose

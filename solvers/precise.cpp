@@ -7,7 +7,6 @@
 
 namespace {
 
-constexpr size_t BLOCK = 512; // observations at a time, which stay in the cache
 constexpr double LEASTPIVOT = 1e-28;
 
 // w x and what its roundings lost; whether they lost anything.
