@@ -125,7 +125,9 @@ void drawmember(const window& w, int member) {
 
 scenescale worldpernormal() { return {scene.plotscale / DXSCALE(), scene.plotscale / DYSCALE()}; }
 
-void sceneclipnormal(const window& w, const curve& c) { clipnormal(c.wclipsw & 1 ? imageof(w) : frameof(w)); }
+void sceneclipnormal(const window& w, const curve& c) {
+    clipnormal(c.wclipsw & CLIPTOIMAGE ? imageof(w) : frameof(w));
+}
 
 void pointtonormal(double& x, double& y, const window& w, const curve& c) {
     if (c.kind != TOKDRAW) return axistonormal(x, y, w, c);
@@ -134,7 +136,7 @@ void pointtonormal(double& x, double& y, const window& w, const curve& c) {
 }
 
 void sceneclip(const window& w, const curve& c) {
-    const bool toimage = c.wclipsw & 1;
+    const bool toimage = c.wclipsw & CLIPTOIMAGE;
     if (c.kind != TOKDRAW) return sceneclipnormal(w, c);
     if (!toimage) return clipworldframe(w);
     setviewport(w.ixmin, w.ixmax, w.iymin, w.iymax);
