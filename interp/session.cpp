@@ -77,10 +77,7 @@ void reedit() {
 
 void recover(int value) {
     const bool byhand = typedbyhand();
-    if (value == JUMPBREAK) {
-        upper.closeplot();
-        breakmessage();
-    }
+    if (value == JUMPBREAK) breakmessage();
     commonreset();
     if (value == JUMPERROR && byhand && !report.batch) reedit();
 }

@@ -132,8 +132,7 @@ void markaxis(curve& c, const window& w) {
     if (!isdivisible(d)) return;
     if (!c.data && !c.labels) c.labels.reset(harraynew(1, 1)); // a new axis has labels
     setmarks(c, choosemarks(c, w, d), d);
-    c.axisw[0] = w.wxmin, c.axisw[1] = w.wxmax;
-    c.axisw[2] = w.wymin, c.axisw[3] = w.wymax;
+    curvewindow(c, w);
 }
 
 bool choosesmarks(const curve& c) {

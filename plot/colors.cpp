@@ -11,34 +11,6 @@ colorstate colors;
 
 namespace {
 
-struct rgb {
-    double r, g, b;
-};
-
-/* A colour as the sixteen entries of a palette screen can show it, and as every other device does. */
-struct colorrow {
-    const char* name;
-    rgb palette, other;
-};
-constexpr colorrow rows[] = {
-    {"GREY", {0.5, 0.5, 0.5}, {0.5, 0.5, 0.5}},
-    {"RED", {1, 0, 0}, {1, 0, 0}},
-    {"GREEN", {0, 1, 0}, {0, 1, 0}},
-    {"BLUE", {0, 0, 1}, {0, 0, 1}},
-    {"WHITE", {1, 1, 1}, {1, 1, 1}},
-    {"BLACK", {0, 0, 0}, {0, 0, 0}},
-    {"YELLOW", {1, 1, 0}, {1, 1, 0}},
-    {"VIOLET", {0.63, 0.13, 0.94}, {0.63, 0.13, 0.94}},
-    {"PURPLE", {0.63, 0.13, 0.94}, {0.63, 0.13, 0.94}},
-    {"ORANGE", {0.5, 0.5, 0}, {1, 0.65, 0}},
-    {"PINK", {0.5, 0, 0.5}, {1, 0.75, 0.79}},
-    {"CHARTREUSE", {0, 0.5, 0}, {0.5, 1, 0}},
-    {"AQUA", {0, 1, 1}, {0.19, 0.93, 0.85}},
-    {"BROWN", {0.5, 0, 0}, {0.55, 0.26, 0.12}},
-    {"ROSE", {1, 0.41, 0.7}, {1, 0.41, 0.7}},
-    {"TURQUOISE", {0, 0.5, 0.5}, {0.25, 0.87, 0.81}},
-};
-
 constexpr int MAXINDEX = 32767; // objects hold 16 bits
 std::vector<rgb> kept;          // of the screen, while another device is open; empty without a screen
 
@@ -72,7 +44,7 @@ bool palettescreen(const vldevice& d) { return d.ispalette == 0 && d.ncolors == 
 void colornames() {
     const vldevice* device = DDEVICE(nullptr);
     if (!device) return;
-    for (const colorrow& row : rows) {
+    for (const namedcolor& row : colortable()) {
         const rgb& v = palettescreen(*device) ? row.palette : row.other;
         symbol& s = sym(symtabenter(row.name));
         if (s.type != SCALAR && s.type != UNKNOWN) continue; // the user has made something else of the name

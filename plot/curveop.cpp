@@ -110,17 +110,13 @@ void movelabels(curve& c, const window& w) {
 
 void movepoints(curve& c, const window& w) {
     if (!c.data) return;
+    const axismap tonormal(w, c);
     for (double* p = cells(c.data.get()) + 1; p < cells(c.data.get()) + 1 + harraycount(c.data.get());
          p += 2) {
         double x2 = 0, y2 = 0;
-        axistonormal(p[0], p[1], w, c);
+        tonormal(p[0], p[1]);
         convertunits(p[0], x2, p[1], y2, w, UNITSNORMAL, c.dataunits);
     }
-}
-
-void takewindow(curve& c, const window& w) {
-    c.axisw[0] = w.wxmin, c.axisw[1] = w.wxmax;
-    c.axisw[2] = w.wymin, c.axisw[3] = w.wymax;
 }
 
 /* New data belong to the present window, and so do new labels. What the statement leaves as it was is brought
@@ -129,7 +125,7 @@ void keeppace(curve& c, const window& w, bool newdata) {
     const bool newlabels = given(clause.labelmatrix);
     if (newdata && !newlabels) movelabels(c, w);
     if (newlabels && !newdata) movepoints(c, w);
-    if (newdata || newlabels) takewindow(c, w);
+    if (newdata || newlabels) curvewindow(c, w);
 }
 
 // Marks that the statement tells are not chosen.
@@ -150,7 +146,7 @@ int drawnew(int kind, int name, int source) {
     curve c = copied ? curvecopy(curveof(source)) : curve();
     applycurveclauses(c);
     if (source && !copied) c.data = pointsof(source);
-    if (!copied || c.kind == TOKDRAW) takewindow(c, windowof(win)); // the copy of an axis keeps its own
+    if (!copied || c.kind == TOKDRAW) curvewindow(c, windowof(win)); // the copy of an axis keeps its own
     c.kind = int16_t(kind);
     c.wclipsw = given(clause.wclip) ? clause.wclip : int16_t(kind == TOKDRAW);
     curveenter(name, std::move(c));

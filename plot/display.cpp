@@ -39,12 +39,8 @@ const char* askdisplay() {
 
 // Every frame and image keeps its place in fractions of the screen.
 void rescalewindows(double fx, double fy) {
-    for (int idx = 1; idx < SYMTABSIZE; idx++) {
-        if (!iswindow(idx)) continue;
-        window& w = windowof(idx);
-        for (double* x : {&w.fxmin, &w.fxmax, &w.ixmin, &w.ixmax}) *x *= fx;
-        for (double* y : {&w.fymin, &w.fymax, &w.iymin, &w.iymax}) *y *= fy;
-    }
+    for (int idx = 1; idx < SYMTABSIZE; idx++)
+        if (iswindow(idx)) windowscale(windowof(idx), fx, fy);
 }
 
 void newshape(double inchesx, double inchesy) {

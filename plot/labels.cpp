@@ -75,11 +75,12 @@ void drawlabels(const window& w, const curve& c) {
         std::cos(turn),
         std::sin(turn)};
     const labelscale scale = scaleof(w, c);
+    const axismap tonormal(w, c);
     for (size_t i = 1; i <= c.labels->rows; i++) {
         const size_t row = rowoflabel(c, i);
         if (row == 0) continue;
         double x = at(c.data.get(), row, 1), y = at(c.data.get(), row, 2);
-        pointtonormal(x, y, w, c);
+        tonormal(x, y);
         if (!isplaceable(x, y)) continue;
         drawlabel(pen, x, y, labeltext(at(c.labels.get(), i, 1), scale, c.format).c_str());
     }

@@ -42,13 +42,9 @@ const char* windowname(int member) {
 
 // ---- windows ----
 
-enum whichbox { THEFRAME, THEIMAGE };
-
-void showlimits(const char* head, const window& w, whichbox box, int units) {
-    double x1 = w.fxmin, x2 = w.fxmax, y1 = w.fymin, y2 = w.fymax;
-    if (box == THEIMAGE) x1 = w.ixmin, x2 = w.ixmax, y1 = w.iymin, y2 = w.iymax;
-    convertunits(x1, x2, y1, y2, w, UNITSNORMAL, units);
-    tarnprint("%sx:%lg to %lg, y:%lg to %lg\n", head, x1, x2, y1, y2);
+void showlimits(const char* head, const window& w, box b, int units) {
+    convertunits(b, w, UNITSNORMAL, units);
+    tarnprint("%sx:%lg to %lg, y:%lg to %lg\n", head, b.x0, b.x1, b.y0, b.y1);
 }
 
 void showmembers(const char* head, int win, bool (*belongs)(int idx)) {
@@ -69,14 +65,14 @@ void showwindow(int idx) {
     tarnprint("adjustment codes: %d,%d,%d,%d\n", w.adjust[0], w.adjust[1], w.adjust[2], w.adjust[3]);
     tarnprint("frame %s%s\n", colortext(w.framecolor).c_str(),
               w.framebox ? (" FRAMEBOX" + colortext(w.frameboxcolor)).c_str() : " NO FRAMEBOX");
-    showlimits("frame in screen fraction units (width,height = 1):\n", w, THEFRAME, TOKFRACT);
-    showlimits("\nframe in screen inches:", w, THEFRAME, TOKINCHES);
+    showlimits("frame in screen fraction units (width,height = 1):\n", w, frameof(w), TOKFRACT);
+    showlimits("\nframe in screen inches:", w, frameof(w), TOKINCHES);
     tarnprint("\nimage %s%s", colortext(w.imagecolor).c_str(),
               w.imagebox ? ("IMAGEBOX, " + colortext(w.imageboxcolor)).c_str() : "NO IMAGEBOX");
-    showlimits("\nimage in frame inches:", w, THEIMAGE, TOKFINCHES);
-    showlimits("image in frame fraction units:", w, THEIMAGE, TOKFFRACT);
-    showlimits("image in screen fraction units:", w, THEIMAGE, TOKFRACT);
-    showlimits("image in screen inches:", w, THEIMAGE, TOKINCHES);
+    showlimits("\nimage in frame inches:", w, imageof(w), TOKFINCHES);
+    showlimits("image in frame fraction units:", w, imageof(w), TOKFFRACT);
+    showlimits("image in screen fraction units:", w, imageof(w), TOKFRACT);
+    showlimits("image in screen inches:", w, imageof(w), TOKINCHES);
     showmembers("CURVES", idx, isplaincurve);
     showmembers("AXES", idx, isaxis);
     showmembers("TITLES", idx, istitle);

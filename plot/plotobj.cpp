@@ -67,6 +67,16 @@ curve curvecopy(const curve& c) {
     return copy;
 }
 
+void curvewindow(curve& c, const window& w) {
+    c.axisw[0] = w.wxmin, c.axisw[1] = w.wxmax;
+    c.axisw[2] = w.wymin, c.axisw[3] = w.wymax;
+}
+
+void windowscale(window& w, double fx, double fy) {
+    for (double* x : {&w.fxmin, &w.fxmax, &w.ixmin, &w.ixmax}) *x *= fx;
+    for (double* y : {&w.fymin, &w.fymax, &w.iymin, &w.iymax}) *y *= fy;
+}
+
 void windowenter(int idx, window w) { enter(idx, WINDOWTYPE, new window(std::move(w))); }
 void curveenter(int idx, curve c) { enter(idx, CURVETYPE, new curve(std::move(c))); }
 void titleenter(int idx, title t) { enter(idx, TITLETYPE, new title(std::move(t))); }

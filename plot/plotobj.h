@@ -38,6 +38,13 @@ struct window {
     void* w3d = nullptr; // three-dimensional data; null for a window of two dimensions
 };
 
+struct box {
+    double x0, x1, y0, y1;
+};
+inline box frameof(const window& w) { return {w.fxmin, w.fxmax, w.fymin, w.fymax}; }
+inline box imageof(const window& w) { return {w.ixmin, w.ixmax, w.iymin, w.iymax}; }
+void windowscale(window& w, double fx, double fy); // frame and image, for a screen of another shape
+
 inline constexpr int CUSTOMLINE = -1;
 enum wclipbits { CLIPTOIMAGE = 1, OWNMARKS = 2 }; // OWNMARKS: an axis that chooses its marks by the limits
 inline constexpr double SIZEBYPOINT = -2;         // ptsize: the sizes are in ptsizes
@@ -121,10 +128,11 @@ inline window& windowof(int idx) { return *static_cast<window*>(sym(idx).val.ptr
 inline curve& curveof(int idx) { return *static_cast<curve*>(sym(idx).val.ptr); }
 inline title& titleof(int idx) { return *static_cast<title*>(sym(idx).val.ptr); }
 
-window defaultwindow();              // on the whole screen
-curve curvecopy(const curve& c);     // with matrices of its own
-void windowenter(int idx, window w); // makes the undefined entry idx a window with an empty ring
-void curveenter(int idx, curve c);   // a curve outside any ring
+window defaultwindow();                      // on the whole screen
+curve curvecopy(const curve& c);             // with matrices of its own
+void curvewindow(curve& c, const window& w); // its points belong to the present limits
+void windowenter(int idx, window w);         // makes the undefined entry idx a window with an empty ring
+void curveenter(int idx, curve c);           // a curve outside any ring
 void titleenter(int idx, title t);
 void copywindow(int from, int to); // assignment: the undefined entry `to` becomes a copy of window `from`,
                                    // its members under names of their own
@@ -148,11 +156,24 @@ int getwindow(int idx);
 /* Four coordinates at once. One of inunits and outunits is UNITSNORMAL, the other a unit's token; else error
  * "bad inunits/outunits pairing". */
 void convertunits(double& x1, double& x2, double& y1, double& y2, const window& w, int inunits, int outunits);
+void convertunits(box& b, const window& w, int inunits, int outunits);
 // A length along x (UNITSWORLDHEIGHT: along y) in screen-normal units; FINCHES are left as they are.
 double sizetonormal(double value, int units, const window& w);
-/* A data point in screen-normal units. Axes in WORLD units keep the place in the window that they were made
- * in: a point moves with the window from axisw to its present limits. */
-void axistonormal(double& x, double& y, const window& w, const curve& c);
+/* Data points of a curve in screen-normal units. Axes in WORLD units keep the place in the window that they
+ * were made in: a point moves with the window from axisw to its present limits. */
+struct linearmap {
+    double scale = 1, origin = 0;
+    double operator()(double v) const { return v * scale + origin; }
+};
+struct axismap { // made once for all points of a curve
+    linearmap followx, followy, normalx, normaly;
+    axismap(const window& w, const curve& c);
+    void operator()(double& x, double& y) const {
+        x = normalx(followx(x));
+        y = normaly(followy(y));
+    }
+};
+void axistonormal(double& x, double& y, const window& w, const curve& c); // one point
 
 /* The limits follow the data of the window's curves, each by its code in `adjust`; without data they stay.
  * The axes that choose their marks do so anew. */

@@ -23,10 +23,10 @@ int copied(const harrayptr& m) {
     return symtabmatrix(0, 0, harrayptr(m ? harraydup(m.get()) : harraynew(0, 0)));
 }
 
-int fourvector(double x1, double x2, double y1, double y2) {
+int fourvector(const box& b) {
     harrayptr m(harraynew(4, 1));
     double* v = cells(m.get()) + 1;
-    v[0] = x1, v[1] = x2, v[2] = y1, v[3] = y2;
+    v[0] = b.x0, v[1] = b.x1, v[2] = b.y0, v[3] = b.y1;
     return symtabmatrix(0, 0, std::move(m));
 }
 
@@ -49,28 +49,21 @@ int getptsize(const callargs& a) {
 }
 
 // A box of the window in the units that the second argument chooses among the first `kinds`.
-int getbox(const callargs& a, int kinds, const char* refusal, double window::*const (&box)[4]) {
+int getbox(const callargs& a, int kinds, const char* refusal, box (*boxof)(const window& w)) {
     const window& w = windowoperand(a);
     const int units = unitargument(a, kinds);
     if (!units) tarnerror("%s", refusal);
-    double x1 = w.*box[0], x2 = w.*box[1], y1 = w.*box[2], y2 = w.*box[3];
-    convertunits(x1, x2, y1, y2, w, UNITSNORMAL, units);
-    return fourvector(x1, x2, y1, y2);
+    box b = boxof(w);
+    convertunits(b, w, UNITSNORMAL, units);
+    return fourvector(b);
 }
 
-int getimage(const callargs& a) {
-    return getbox(a, 4, "2nd arg must be 1,2,3, or 4",
-                  {&window::ixmin, &window::ixmax, &window::iymin, &window::iymax});
-}
-
-int getframe(const callargs& a) {
-    return getbox(a, 2, "2nd arg must be 1 or 2",
-                  {&window::fxmin, &window::fxmax, &window::fymin, &window::fymax});
-}
+int getimage(const callargs& a) { return getbox(a, 4, "2nd arg must be 1,2,3, or 4", imageof); }
+int getframe(const callargs& a) { return getbox(a, 2, "2nd arg must be 1 or 2", frameof); }
 
 int getwindowlimits(const callargs& a) {
     const window& w = windowoperand(a);
-    return fourvector(w.wxmin, w.wxmax, w.wymin, w.wymax);
+    return fourvector({w.wxmin, w.wxmax, w.wymin, w.wymax});
 }
 
 } // namespace

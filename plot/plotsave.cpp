@@ -142,10 +142,7 @@ void need(savereader& in, bool sound, const char* what) {
  * had 1 for the longer side. */
 void windowadjust(savereader& in, window& w, double saveaspect) {
     if (!(saveaspect > 0)) return readfault(in, "Bad Window Adjust in USE", true);
-    const double sx = screen.aspectx / std::min(saveaspect, 1.0);
-    const double sy = screen.aspecty * std::max(saveaspect, 1.0);
-    for (double* x : {&w.fxmin, &w.fxmax, &w.ixmin, &w.ixmax}) *x *= sx;
-    for (double* y : {&w.fymin, &w.fymax, &w.iymin, &w.iymax}) *y *= sy;
+    windowscale(w, screen.aspectx / std::min(saveaspect, 1.0), screen.aspecty * std::max(saveaspect, 1.0));
 }
 
 window getwindowrecord(savereader& in) {

@@ -8,16 +8,12 @@ screenstate screen;
 
 namespace {
 
-// One axis of a unit: normal = value * scale + origin.
-struct unitscale {
-    double scale, origin;
-};
-
+// Both axes of a unit: from it to screen-normal.
 struct unitscales {
-    unitscale x, y;
+    linearmap x, y;
 };
 
-unitscale worldscale(double wmin, double wmax, double imin, double imax) {
+linearmap worldscale(double wmin, double wmax, double imin, double imax) {
     const double scale = (imax - imin) / (wmax - wmin);
     return {scale, imin - wmin * scale};
 }
@@ -36,13 +32,13 @@ unitscales scalesof(const window& w, int units) {
     }
 }
 
-double tonormal(double v, const unitscale& s) { return v * s.scale + s.origin; }
-double fromnormal(double v, const unitscale& s) { return (v - s.origin) / s.scale; }
+double tonormal(double v, const linearmap& s) { return s(v); }
+double fromnormal(double v, const linearmap& s) { return (v - s.origin) / s.scale; }
 
-// Where a point of the limits old now lies in the limits now.
-double follow(double v, double oldmin, double oldmax, double nowmin, double nowmax) {
+// From a place in the limits old to the same place in the limits now.
+linearmap follow(double oldmin, double oldmax, double nowmin, double nowmax) {
     const double a = (nowmax - nowmin) / (oldmax - oldmin);
-    return a * v + (nowmin - a * oldmin);
+    return {a, nowmin - a * oldmin};
 }
 
 } // namespace
@@ -74,11 +70,18 @@ double sizetonormal(double value, int units, const window& w) {
     }
 }
 
-void axistonormal(double& x, double& y, const window& w, const curve& c) {
-    if (c.kind != TOKDRAW && c.dataunits == TOKWORLD) {
-        x = follow(x, c.axisw[0], c.axisw[1], w.wxmin, w.wxmax);
-        y = follow(y, c.axisw[2], c.axisw[3], w.wymin, w.wymax);
-    }
-    double x2 = 0, y2 = 0;
-    convertunits(x, x2, y, y2, w, c.dataunits, UNITSNORMAL);
+void convertunits(box& b, const window& w, int inunits, int outunits) {
+    convertunits(b.x0, b.x1, b.y0, b.y1, w, inunits, outunits);
 }
+
+axismap::axismap(const window& w, const curve& c) {
+    if (c.kind != TOKDRAW && c.dataunits == TOKWORLD) {
+        followx = follow(c.axisw[0], c.axisw[1], w.wxmin, w.wxmax);
+        followy = follow(c.axisw[2], c.axisw[3], w.wymin, w.wymax);
+    }
+    const unitscales s = scalesof(w, c.kind == TOKDRAW ? int(TOKWORLD) : c.dataunits);
+    normalx = s.x;
+    normaly = s.y;
+}
+
+void axistonormal(double& x, double& y, const window& w, const curve& c) { axismap(w, c)(x, y); }

@@ -31,6 +31,7 @@ struct marker {
     size_t row = 0;
     place at{};                  // the point, world units of the clip
     std::vector<double> polygon; // of the library, used again for each mark
+    std::vector<place> ring;     // corners of a round shape of size 1, made anew only for another count
 
     marker(const harray* d, const window& win, const curve& cur)
         : data(d), w(win), c(cur), map(win, cur), scale(worldpernormal()) {}
@@ -123,11 +124,15 @@ void star(marker& m) {
 }
 
 void roundshape(marker& m, int corners, double first) {
-    cornersbegin(m);
-    for (int k = 0; k < corners; k++) {
-        const double turn = first + 2 * PI * k / corners;
-        corner(m, m.half * std::cos(turn), m.half * std::sin(turn));
+    if (m.ring.size() != size_t(corners)) {
+        m.ring.clear();
+        for (int k = 0; k < corners; k++) {
+            const double turn = first + 2 * PI * k / corners;
+            m.ring.push_back({std::cos(turn), std::sin(turn)});
+        }
     }
+    cornersbegin(m);
+    for (const place& p : m.ring) corner(m, m.half * p.x, m.half * p.y);
     closeshape(m);
 }
 

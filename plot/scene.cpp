@@ -15,12 +15,6 @@ void setviewport(double x0, double x1, double y0, double y1) {
     DVIEWPORT(s * x0, s * x1, s * y0, s * y1);
 }
 
-struct box {
-    double x0, x1, y0, y1;
-};
-box frameof(const window& w) { return {w.fxmin, w.fxmax, w.fymin, w.fymax}; }
-box imageof(const window& w) { return {w.ixmin, w.ixmax, w.iymin, w.iymax}; }
-
 // Viewport and world window alike: what follows is drawn in screen-normal units.
 void clipnormal(const box& b) {
     setviewport(b.x0, b.x1, b.y0, b.y1);
@@ -127,12 +121,6 @@ scenescale worldpernormal() { return {scene.plotscale / DXSCALE(), scene.plotsca
 
 void sceneclipnormal(const window& w, const curve& c) {
     clipnormal(c.wclipsw & CLIPTOIMAGE ? imageof(w) : frameof(w));
-}
-
-void pointtonormal(double& x, double& y, const window& w, const curve& c) {
-    if (c.kind != TOKDRAW) return axistonormal(x, y, w, c);
-    double otherx = x, othery = y;
-    convertunits(x, otherx, y, othery, w, TOKWORLD, UNITSNORMAL);
 }
 
 void sceneclip(const window& w, const curve& c) {

@@ -33,10 +33,9 @@ double textheight(const char* text, int font, double size, int rendermode);
 
 // ---- for the parts of the scene ----
 
-// The same clip as sceneclip with its window in screen-normal units, for text; and a point of the curve
-// there.
+// The same clip as sceneclip with its window in screen-normal units, for text; axismap tells where points
+// lie there.
 void sceneclipnormal(const window& w, const curve& c);
-void pointtonormal(double& x, double& y, const window& w, const curve& c);
 
 // Lengths in screen-normal units as they come out at the present clip.
 struct scenescale {
@@ -47,13 +46,14 @@ scenescale worldpernormal();
 // Where the points of a curve lie in the window that sceneclip set: DRAW takes the world as it is, axes are
 // in screen-normal units.
 struct pointmap {
-    const window& w;
-    const curve& c;
     bool world;
-    pointmap(const window& win, const curve& cur) : w(win), c(cur), world(cur.kind == TOKDRAW) {}
+    pointmap(const window& w, const curve& c) : world(c.kind == TOKDRAW), tonormal(w, c) {}
     void operator()(double& x, double& y) const {
-        if (!world) axistonormal(x, y, w, c);
+        if (!world) tonormal(x, y);
     }
+
+private:
+    axismap tonormal;
 };
 inline bool isplaceable(double x, double y) { // a point that can be drawn: the rest are gaps
     return x > -MAXPOS && x < MAXPOS && y > -MAXPOS && y < MAXPOS;

@@ -13,30 +13,20 @@
 
 namespace {
 
-struct box {
-    double x1, x2, y1, y2;
-};
-
-box frameof(const window& w) { return {w.fxmin, w.fxmax, w.fymin, w.fymax}; }
-box imageof(const window& w) { return {w.ixmin, w.ixmax, w.iymin, w.iymax}; }
 box screenbox() { return {0, screen.aspectx, 0, screen.aspecty}; }
 
-void setframe(window& w, const box& b) { w.fxmin = b.x1, w.fxmax = b.x2, w.fymin = b.y1, w.fymax = b.y2; }
-void setimage(window& w, const box& b) { w.ixmin = b.x1, w.ixmax = b.x2, w.iymin = b.y1, w.iymax = b.y2; }
+void setframe(window& w, const box& b) { w.fxmin = b.x0, w.fxmax = b.x1, w.fymin = b.y0, w.fymax = b.y1; }
+void setimage(window& w, const box& b) { w.ixmin = b.x0, w.ixmax = b.x1, w.iymin = b.y0, w.iymax = b.y1; }
 
 // Conversions of units round; that much outside is not outside.
 bool isinside(const box& inner, const box& outer) {
     constexpr double SLACK = 1e-9;
-    return inner.x1 >= outer.x1 - SLACK && inner.x2 <= outer.x2 + SLACK && inner.y1 >= outer.y1 - SLACK &&
-           inner.y2 <= outer.y2 + SLACK;
-}
-
-void convert(box& b, const window& w, int inunits, int outunits) {
-    convertunits(b.x1, b.x2, b.y1, b.y2, w, inunits, outunits);
+    return inner.x0 >= outer.x0 - SLACK && inner.x1 <= outer.x1 + SLACK && inner.y0 >= outer.y0 - SLACK &&
+           inner.y1 <= outer.y1 + SLACK;
 }
 
 // The TO clauses; false if there are none.
-bool boxgiven(box& b) { return toclauses(b.x1, b.x2, b.y1, b.y2); }
+bool boxgiven(box& b) { return toclauses(b.x0, b.x1, b.y0, b.y1); }
 
 int boxunits(int absent) { return given(clause.unitat) ? clause.unitat : absent; }
 
@@ -46,7 +36,7 @@ void checkunits(int units, std::initializer_list<int> allowed) {
 }
 
 void checkextent(const box& b, const char* what) {
-    if (!(b.x1 < b.x2 && b.y1 < b.y2)) tarnerror("%s limits must rise from the first to the second", what);
+    if (!(b.x0 < b.x1 && b.y0 < b.y1)) tarnerror("%s limits must rise from the first to the second", what);
 }
 
 // ---- WINDOW ----
@@ -60,13 +50,13 @@ void checklimits(double v1, double v2) {
 void setwindow() {
     box b;
     const bool limits = boxgiven(b);
-    if (limits) checklimits(b.x1, b.x2), checklimits(b.y1, b.y2);
+    if (limits) checklimits(b.x0, b.x1), checklimits(b.y0, b.y1);
     const int win = getwindow(0);
     window& w = windowof(win);
     const bool codes = given(clause.adjust[0]);
     for (int k = 0; k < 4; k++)
         if (codes || limits) w.adjust[k] = int8_t(codes ? clause.adjust[k] : 0);
-    if (limits) w.wxmin = b.x1, w.wxmax = b.x2, w.wymin = b.y1, w.wymax = b.y2;
+    if (limits) w.wxmin = b.x0, w.wxmax = b.x1, w.wymin = b.y0, w.wymax = b.y1;
     adjustwindow(win);
 }
 
@@ -78,12 +68,12 @@ box imagefollows(const window& w, const box& now) {
     if (w.imageunits == TOKFFRACT) {
         window moved = w;
         setframe(moved, now);
-        convert(image, w, UNITSNORMAL, TOKFFRACT);
-        convert(image, moved, TOKFFRACT, UNITSNORMAL);
+        convertunits(image, w, UNITSNORMAL, TOKFFRACT);
+        convertunits(image, moved, TOKFFRACT, UNITSNORMAL);
     } else if (w.imageunits == TOKFINCHES) {
-        const double dx = now.x1 - w.fxmin, dy = now.y1 - w.fymin;
-        image.x1 += dx, image.x2 += dx;
-        image.y1 += dy, image.y2 += dy;
+        const double dx = now.x0 - w.fxmin, dy = now.y0 - w.fymin;
+        image.x0 += dx, image.x1 += dx;
+        image.y0 += dy, image.y1 += dy;
     }
     return image;
 }
@@ -94,7 +84,7 @@ void setframe() {
     const int units = boxunits(TOKFRACT);
     if (limits) {
         checkunits(units, {TOKFRACT, TOKINCHES});
-        convert(b, window(), units, UNITSNORMAL);
+        convertunits(b, window(), units, UNITSNORMAL);
         checkextent(b, "FRAME");
         if (!isinside(b, screenbox())) tarnerror("frame is outside the screen");
     }
@@ -114,7 +104,7 @@ void setimage() {
     if (limits) checkunits(units, {TOKFINCHES, TOKINCHES, TOKFFRACT, TOKFRACT});
     window& w = windowof(getwindow(0));
     if (limits) {
-        convert(b, w, units, UNITSNORMAL);
+        convertunits(b, w, units, UNITSNORMAL);
         checkextent(b, "IMAGE");
         if (!isinside(b, frameof(w))) tarnerror("image is outside the frame");
         if (!isinside(b, screenbox())) tarnerror("image is outside the screen");

@@ -165,6 +165,7 @@ void DGET(vlpatch* patch, int flag) {
         if (flag == 1) DERASE(root, 0);
     } else if (flag < 0) {
         if (flag < -1) DERASE(root, 0);
+        if (device && flag == -1 && vl.ops->endpage) vl.ops->endpage();
         if (device && vl.ops->open) vl.ops->open(flag);
         if (device) vl.active = false;
         root->flags |= VLDISABLED;

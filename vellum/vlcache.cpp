@@ -111,28 +111,30 @@ void readpage(cachedfile& f, int number, uint8_t* page) {
     if (!seekto(f, start) || fread(page, 1, there, f.handle) != there) stop(READFAULT, "readpage");
 }
 
-void put(cachedfile& f, const uint8_t* bytes, uint32_t count) {
-    if (fwrite(bytes, 1, count, f.handle) != count) stop(WRITEFAULT, "writepage");
+// `where` names the routine that a failed write is told by: the call that forces the pages out, else
+// writepage.
+void put(cachedfile& f, const uint8_t* bytes, uint32_t count, const char* where) {
+    if (fwrite(bytes, 1, count, f.handle) != count) stop(WRITEFAULT, where);
     f.physicalsize = std::max(f.physicalsize, uint32_t(ftell(f.handle)));
 }
 
 // Zeros from the physical end to the start of a page: the rest of the last page, then whole ones.
-void fillgap(cachedfile& f, uint32_t start) {
+void fillgap(cachedfile& f, uint32_t start, const char* where) {
     static constexpr uint8_t zeros[vlpagesize] = {};
     if (f.physicalsize >= start) return;
-    if (!seekto(f, f.physicalsize)) stop(WRITEFAULT, "writepage");
+    if (!seekto(f, f.physicalsize)) stop(WRITEFAULT, where);
     while (f.physicalsize < start) {
         const uint32_t inpage = vlpagesize - f.physicalsize % vlpagesize;
-        put(f, zeros, std::min(inpage, start - f.physicalsize));
+        put(f, zeros, std::min(inpage, start - f.physicalsize), where);
     }
 }
 
-void writepage(int slot) {
+void writepage(int slot, const char* where = "writepage") {
     cachedfile& f = cache.files[size_t(cache.fileof(slot))];
     const uint32_t start = pagestart(cache.numberof(slot));
-    fillgap(f, start);
-    if (!seekto(f, start)) stop(WRITEFAULT, "writepage");
-    put(f, cache.page(slot), std::min<uint32_t>(f.logicalsize - start, vlpagesize));
+    fillgap(f, start, where);
+    if (!seekto(f, start)) stop(WRITEFAULT, where);
+    put(f, cache.page(slot), std::min<uint32_t>(f.logicalsize - start, vlpagesize), where);
     cache.key[size_t(slot)] = std::abs(cache.key[size_t(slot)]);
 }
 
@@ -186,9 +188,9 @@ void freeslots(int file) {
     }
 }
 
-void writeall(int file) {
+void writeall(int file, const char* where) {
     for (int slot = 1; slot <= cache.npages; slot++) {
-        if (cache.key[size_t(slot)] < 0 && (file == 0 || cache.fileof(slot) == file)) writepage(slot);
+        if (cache.key[size_t(slot)] < 0 && (file == 0 || cache.fileof(slot) == file)) writepage(slot, where);
     }
 }
 
@@ -257,7 +259,7 @@ int cacheopen(const char* name, int write, int mode) {
 
 void cacheclose(int file) {
     openfile(file);
-    writeall(file);
+    writeall(file, "closefile");
     if (!letgo(file)) stop(WRITEFAULT, "closefile");
 }
 
@@ -318,12 +320,12 @@ void cacheinhibit(int file, int n) {
         cachedfile& f = cache.files[size_t(i)];
         if ((file && i != file) || !f.used) continue;
         f.nowrite = n > 0;
-        if (n < 0) writeall(i);
+        if (n < 0) writeall(i, "inhibitwrite");
     }
 }
 
 void resizebufferpool(int npages) {
-    writeall(0);
+    writeall(0, "resizebufferpool");
     npages = std::clamp(npages, 1, 1 << 20);
     cache.pages = {};
     for (;; npages /= 2) {

@@ -51,7 +51,7 @@ struct vlnativetext {
 /* What a device can do. Any entry may be null: the library then draws by lines or leaves the thing out.
  * Coordinates are pixels of the device, y upward; colours are the library's indices. */
 struct vldeviceops {
-    void (*open)(int flag); // positive: begin the output; -1: end of a page; -3: close. From DGET
+    void (*open)(int flag); // positive: begin the output; -1: a page has ended; -3: close. From DGET
     void (*getpalette)(int entry, int r, int g,
                        int b);     // 0..15 each on devices of 4 bits; entry -1 flushes a change
     int (*init)(vldevice* record); // 0: failed. May change the record
@@ -67,7 +67,7 @@ struct vldeviceops {
                        int64_t transparent, int flags);
     void (*readpatch)(uint8_t* bits, int x, int y, int w, int h, int depth);
     void (*flush)();
-    void (*endpage)();
+    void (*endpage)(); // before open(-1)
     /* Beyond the fifteen: a filled polygon in the current colour, even-odd, n pairs with x >= 1e300 as a
      * break; clip is null or x, y, w, h. A polyline: n pairs, the first a move. The width of a native text in
      * normal lengths. */

@@ -21,13 +21,13 @@ bool inbox(const double box[4], double x, double y) { return outcode(box, x, y) 
 
 // A line that begins or ends outside the range of words goes on by a move where it comes back.
 void recordline(double x0, double y0, double x1, double y1) {
-    if (!vlclipbox(vl.recordbox, &x0, &y0, &x1, &y1)) return;
+    if (!vlclipline(vl.recordbox, &x0, &y0, &x1, &y1)) return;
     vlputmove(x0, y0);
     vlputline(x1, y1);
 }
 
 void drawline(double x0, double y0, double x1, double y1) {
-    if (!vlclipbox(vl.drawbox, &x0, &y0, &x1, &y1)) return;
+    if (!vlclipline(vl.drawbox, &x0, &y0, &x1, &y1)) return;
     const vlpoint a = vltopixel(x0, y0), b = vltopixel(x1, y1);
     vlpixelline(vl.patch, a.x, a.y, b.x, b.y);
 }
@@ -66,7 +66,7 @@ vlpoint vllinear(double dx, double dy) {
     return {vl.matrix[0] * dx + vl.matrix[1] * dy, vl.matrix[4] * dx + vl.matrix[5] * dy};
 }
 
-int vlclipbox(const double box[4], double* x0, double* y0, double* x1, double* y1) {
+int vlclipline(const double box[4], double* x0, double* y0, double* x1, double* y1) {
     if (!finite(*x0, *y0, *x1, *y1)) return 0;
     int code0 = outcode(box, *x0, *y0), code1 = outcode(box, *x1, *y1);
     // Each round puts one end on one edge; rounding cannot make it go on for ever.
@@ -92,10 +92,6 @@ int vlclipbox(const double box[4], double* x0, double* y0, double* x1, double* y
         }
     }
     return finite(*x0, *y0, *x1, *y1);
-}
-
-int vlclipline(double* x0, double* y0, double* x1, double* y1) {
-    return vl.clipping ? DCLIPLINE(x0, y0, x1, y1) : finite(*x0, *y0, *x1, *y1);
 }
 
 void vllinen(double x0, double y0, double x1, double y1) {

@@ -40,9 +40,7 @@ inline vlpoint vltopixel(double nx, double ny) {
 vlpoint vllinear(double dx, double dy);
 
 // Clips to a box x0, x1, y0, y1 with x0 <= x1, y0 <= y1; 0 when nothing is left. Method: Cohen-Sutherland.
-int vlclipbox(const double box[4], double* x0, double* y0, double* x1, double* y1);
-// The same on the world window; always 1 when clipping is off.
-int vlclipline(double* x0, double* y0, double* x1, double* y1);
+int vlclipline(const double box[4], double* x0, double* y0, double* x1, double* y1);
 
 // A plain line in the current colour: clipped, recorded, drawn. The pen (vl.x, vl.y) is not moved.
 void vlline(double x0, double y0, double x1, double y1);  // world

@@ -144,7 +144,7 @@ void take(vlgenerator& g, vlpoint to) {
     const vlpoint from = g.taken;
     vlpoint a = from, b = to;
     g.taken = to;
-    if (vlclipbox(box, &a.x, &a.y, &b.x, &b.y)) {
+    if (vlclipline(box, &a.x, &a.y, &b.x, &b.y)) {
         leap(g, from, a);
         visiblepiece(g, a, b);
         leap(g, b, to);
@@ -171,13 +171,15 @@ bool toonear(const vlgenerator& g, vlpoint at, vlpoint world) {
 
 // ---- Strokes
 
-// The outline that stands in g.ribbon, for the low level.
-void flatten(vlgenerator& g, int n) {
+// The outline of n points that stands in g.ribbon, unless the style leaves it empty.
+void fillribbon(vlgenerator& g, int n) {
+    if (g.fill < 0) return;
     vlrealloc(g.flat, 2 * static_cast<size_t>(n));
     for (int i = 0; i < n; i++) {
         g.flat[2 * i] = g.ribbon[i].x;
         g.flat[2 * i + 1] = g.ribbon[i].y;
     }
+    vlfillsolid(g.flat.data(), static_cast<size_t>(n));
 }
 
 bool isbreak(vlpoint p) { return !(p.x < 1e300) || std::isnan(p.y); }
@@ -189,33 +191,30 @@ void drawboundary(const vlgenerator& g, int n) {
     }
 }
 
-void showoutline(vlgenerator& g, int n) {
-    if (g.fill >= 0) {
-        flatten(g, n);
-        vlfillsolid(g.flat.data(), static_cast<size_t>(n));
-    }
-    if (g.fill != 0) drawboundary(g, n);
+void widejoin(vlgenerator& g, const vlpoint* corner) {
+    g.ribbon.resize(BDRYSIZE(3, g.roundsegs));
+    const int n = vljoin(corner[0], corner[1], corner[2], g.halfthick, g.roundsegs, g.ribbon.data());
+    if (n >= 3) fillribbon(g, n);
 }
 
+/* The outline of a wide line must not overlap itself, since fills are even-odd. One that crosses itself is
+ * drawn in two halves that meet at a corner, each of them again so if need be. */
 void wideline(vlgenerator& g, const vlpoint* points, int pointCnt) {
     const int roundsegs = g.roundsegs;
     g.ribbon.resize(BDRYSIZE(pointCnt, roundsegs));
     const int rcnt = vlribbon(points, pointCnt, g.halfthick, roundsegs, g.ribbon.data());
     vlassert(rcnt < BDRYSIZE(pointCnt, roundsegs), "rcnt<BDRYSIZE(pointCnt,roundsegs)", "vlgenlin");
-    showoutline(g, rcnt);
-}
-
-void widejoin(vlgenerator& g, const vlpoint* corner) {
-    g.ribbon.resize(BDRYSIZE(3, g.roundsegs));
-    const int n = vljoin(corner[0], corner[1], corner[2], g.halfthick, g.roundsegs, g.ribbon.data());
-    if (n >= 3 && g.fill >= 0) {
-        flatten(g, n);
-        vlfillsolid(g.flat.data(), static_cast<size_t>(n));
+    if (pointCnt > 2 && vlcrosses(g.ribbon.data(), rcnt)) {
+        const int half = pointCnt / 2;
+        wideline(g, points, half + 1);
+        widejoin(g, points + half - 1);
+        return wideline(g, points + half, pointCnt - half);
     }
+    fillribbon(g, rcnt);
+    if (g.fill != 0) drawboundary(g, rcnt);
 }
 
-// The outline of a wide line must not overlap itself, since fills are even-odd: it is drawn in parts that
-// meet at the corners where it would.
+// Corners whose inner edge would fold over are parted at once.
 void widestroke(vlgenerator& g, const vlpoint* points, int n) {
     int start = 0;
     for (int i = 1; i + 1 < n; i++) {

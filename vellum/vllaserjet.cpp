@@ -130,7 +130,6 @@ void closeoutput(int) {
 
 void get(int flag) {
     if (flag > 0) startpage();
-    if (flag == -1) endpage();
     if (flag == -3) closeoutput(0);
 }
 

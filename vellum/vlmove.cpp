@@ -96,18 +96,6 @@ void stepnorm(double dx, double dy, bool draw) {
 
 } // namespace
 
-void DMOVE(double x, double y) {
-    if (vl.transformon) return movespace(x, y, 0);
-    setuser(x, y, 0);
-    moveplain(x, y);
-}
-
-void DDRAW(double x, double y) {
-    if (vl.transformon) return drawspace(x, y, 0);
-    setuser(x, y, 0);
-    drawplain(x, y);
-}
-
 void DMOVE3(double x, double y, double z) {
     if (vl.transformon) return movespace(x, y, z);
     setuser(x, y, z);
@@ -120,10 +108,11 @@ void DDRAW3(double x, double y, double z) {
     drawplain(x, y);
 }
 
+void DMOVE(double x, double y) { DMOVE3(x, y, 0); }
+void DDRAW(double x, double y) { DDRAW3(x, y, 0); }
+
 void DMOVER(double dx, double dy) { step(dx, dy, false); }
 void DDRAWR(double dx, double dy) { step(dx, dy, true); }
-void DRMOVE(double dx, double dy) { step(dx, dy, false); }
-void DRDRAW(double dx, double dy) { step(dx, dy, true); }
 void DMOVEN(double dx, double dy) { stepnorm(dx, dy, false); }
 void DDRAWN(double dx, double dy) { stepnorm(dx, dy, true); }
 

@@ -13,20 +13,6 @@ bool inmemory(const vlpatch* patch) { return vlrootof(patch)->flags & VLMEMORY; 
 
 [[noreturn]] void badpatch() { vlerror("Invalid patch specifications in DPATCH"); }
 
-std::unique_ptr<vlpatch> memorypatch(int w, int h, int depth, const uint8_t* bits) {
-    if (w <= 0 || h <= 0 || w > mostpixels || h > mostpixels) badpatch();
-    if (!vldepthok(depth)) vlerror("VELLUM: unsupported display mode requested");
-    auto patch = std::make_unique<vlpatch>();
-    patch->w = patch->stride = w;
-    patch->h = h;
-    patch->depth = depth;
-    patch->flags = VLMEMORY;
-    const size_t size = vlbitsize(w, h, depth);
-    patch->bits = vlbigalloc(size);
-    if (bits) memcpy(patch->bits.get(), bits, (size_t(w) * size_t(h) * size_t(depth) + 7) / 8);
-    return patch;
-}
-
 std::unique_ptr<vlpatch> childpatch(vlpatch* parent, int x, int y, int w, int h) {
     if (w <= 0 || h <= 0 || x < 0 || y < 0 || x > parent->w - w || y > parent->h - h) badpatch();
     auto patch = std::make_unique<vlpatch>();
@@ -93,6 +79,19 @@ uint32_t rasterop(int op, uint32_t s, uint32_t d) {
 
 } // namespace
 
+std::unique_ptr<vlpatch> vlmemorypatch(int w, int h, int depth, const uint8_t* bits) {
+    if (w <= 0 || h <= 0 || w > mostpixels || h > mostpixels) badpatch();
+    if (!vldepthok(depth)) vlerror("VELLUM: unsupported display mode requested");
+    auto patch = std::make_unique<vlpatch>();
+    patch->w = patch->stride = w;
+    patch->h = h;
+    patch->depth = depth;
+    patch->flags = VLMEMORY;
+    patch->bits = vlbigalloc(vlbitsize(w, h, depth));
+    if (bits) memcpy(patch->bits.get(), bits, vlpixelbytes(w, h, depth));
+    return patch;
+}
+
 std::unique_ptr<uint8_t[]> vlcopyout(const vlpatch* patch, int x, int y, int w, int h) {
     auto bits = vlbigalloc(vlbitsize(w, h, patch->depth));
     const vlpatch* root = vlrootof(patch);
@@ -117,7 +116,7 @@ const vlpatch* vlrootof(const vlpatch* patch) {
 }
 
 vlpatch* DPATCH(vlpatch* parent, int x, int y, int w, int h, int depth, const uint8_t* bits) {
-    if (!parent) return vladdpatch(memorypatch(w, h, depth, bits));
+    if (!parent) return vladdpatch(vlmemorypatch(w, h, depth, bits));
     vlcheckpatch(parent, "DPATCH");
     vlpatch* patch = vladdpatch(childpatch(parent, x, y, w, h));
     vlpatch** last = &parent->child;

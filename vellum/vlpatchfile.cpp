@@ -14,8 +14,6 @@ namespace {
 constexpr uint32_t recordsize = 34, childplace = 16, siblingplace = 20; // from the start of a record
 constexpr int deepest = 1000;                                           // levels of children
 
-size_t pixelbytes(int w, int h, int depth) { return (size_t(w) * size_t(h) * size_t(depth) + 7) / 8; }
-
 void writerecord(vlsavefile& file, const vlpatch& patch) {
     for (const int v : {patch.w, patch.h, patch.flags, patch.depth}) file.put(uint16_t(v), 2);
     file.put(0, 4); // bits
@@ -112,7 +110,7 @@ void DPATCHWRITE(vlpatch* patch, const char* name, int format) {
     file.put(format == 0 ? 0 : 1, 1);
     for (const int v : {vl.device, patch->depth, patch->w, patch->h}) file.put(uint16_t(v), 2);
     vlwritepalette(file, false);
-    file.putbytes(bits.get(), pixelbytes(patch->w, patch->h, patch->depth));
+    file.putbytes(bits.get(), vlpixelbytes(patch->w, patch->h, patch->depth));
     writetree(file, *patch);
     file.finish();
 }
@@ -125,9 +123,9 @@ vlpatch* DPATCHREAD(const char* name, int mode, vltables* tables) {
     const int device = int(file.get(2)), depth = int(file.get(2)), w = int(file.get(2)), h = int(file.get(2));
     if (!vldepthok(depth) || w < 1 || h < 1 || w > 32767 || h > 32767) file.damaged();
     vlreadpalette(file, false, device, mode, tables);
-    file.need(pixelbytes(w, h, depth));
+    file.need(vlpixelbytes(w, h, depth));
     unlesskept made{DPATCH(nullptr, 0, 0, w, h, depth, nullptr)};
-    file.getbytes(made.patch->bits.get(), pixelbytes(w, h, depth));
+    file.getbytes(made.patch->bits.get(), vlpixelbytes(w, h, depth));
     if (mode & VLCHILDREN) readtree(file, made.patch);
     return made.keep();
 }

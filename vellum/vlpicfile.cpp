@@ -154,12 +154,7 @@ std::unique_ptr<vlpatch> readpatch(vlsavefile& file) {
     if (w < 1 || h < 1 || w > 32767 || h > 32767 || !vldepthok(int(std::min(depth, 99u)))) file.damaged();
     const size_t bytes = vlbitsize(w, h, int(depth));
     if (words < 2 || 4 * (words - 2) < bytes) file.damaged();
-    auto patch = std::make_unique<vlpatch>();
-    patch->w = patch->stride = w;
-    patch->h = h;
-    patch->depth = int(depth);
-    patch->flags = VLMEMORY;
-    patch->bits = vlbigalloc(bytes);
+    auto patch = vlmemorypatch(w, h, int(depth), nullptr);
     file.getbytes(patch->bits.get(), bytes);
     return patch;
 }

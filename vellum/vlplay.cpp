@@ -71,13 +71,13 @@ void playing::point(uint32_t word) {
     if ((word & VLCONTROLWORD) == VLLINEWORD) {
         const vlpoint from = where.of(x, y);
         double line[4] = {from.x, from.y, to.x, to.y};
-        if (vlclipbox(all.box, &line[0], &line[1], &line[2], &line[3])) {
+        if (vlclipline(all.box, &line[0], &line[1], &line[2], &line[3])) {
             const vlpoint a = vltopixel(line[0], line[1]), b = vltopixel(line[2], line[3]);
             vlpixelline(vl.patch, a.x, a.y, b.x, b.y);
         }
     } else if ((word & VLCONTROLWORD) == VLPOINTWORD) {
         double dot[4] = {to.x, to.y, to.x, to.y};
-        if (vlclipbox(all.box, &dot[0], &dot[1], &dot[2], &dot[3])) {
+        if (vlclipline(all.box, &dot[0], &dot[1], &dot[2], &dot[3])) {
             const vlpoint p = vltopixel(to.x, to.y);
             vlpixeldot(vl.patch, p.x, p.y, vl.color);
         }

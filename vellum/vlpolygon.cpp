@@ -7,11 +7,11 @@ namespace {
 
 enum polygonflags { drawnow = 1, keeplines = 2, normalunits = 4 };
 
-// The points of a client's polygon in normal units; empty when it is not one of two coordinates.
-std::vector<double> normalpoints(const double* poly, int flags) {
-    if (!(poly[0] >= 1 && poly[0] < 1e9) || poly[1] != 2) return {};
+// The points of a client's polygon in normal units, in vl.polygon; 0 when it is not one of two coordinates.
+size_t normalpoints(const double* poly, int flags) {
+    if (!(poly[0] >= 1 && poly[0] < 1e9) || poly[1] != 2) return 0;
     const size_t n = static_cast<size_t>(poly[0]);
-    std::vector<double> xy;
+    std::vector<double>& xy = vl.polygon;
     vlrealloc(xy, 2 * n);
     for (size_t i = 0; i < n; i++) {
         const double x = poly[2 + 2 * i], y = poly[3 + 2 * i];
@@ -20,22 +20,21 @@ std::vector<double> normalpoints(const double* poly, int flags) {
         xy[2 * i] = gap ? 1e300 : p.x;
         xy[2 * i + 1] = gap ? 0 : p.y;
     }
-    return xy;
+    return n;
 }
 
 } // namespace
 
 void DPOLYGON(const double* poly, double spacing, double angle, int flags) {
     if (flags & keeplines) vl.hatch.clear();
-    const std::vector<double> xy = normalpoints(poly, flags);
-    if (xy.empty()) return;
     vlflushall();
-    const size_t n = xy.size() / 2;
+    const size_t n = normalpoints(poly, flags);
+    if (n == 0) return;
+    const double* xy = vl.polygon.data();
     const bool solid = !(spacing > 0 || spacing < 0), draw = (flags & drawnow) && vlcandraw();
-    if (solid && draw && !(flags & keeplines)) return vlfillsolid(xy.data(), n);
+    if (solid && draw && !(flags & keeplines)) return vlfillsolid(xy, n);
     if (!draw && !(flags & keeplines)) return;
-    vlhatch(xy.data(), n, solid ? 0 : std::fabs(spacing), angle, draw,
-            flags & keeplines ? &vl.hatch : nullptr);
+    vlhatch(xy, n, solid ? 0 : std::fabs(spacing), angle, draw, flags & keeplines ? &vl.hatch : nullptr);
 }
 
 std::span<const double> DGETHATCH() { return vl.hatch; }

@@ -22,6 +22,7 @@ struct psoutput {
     vlwriter out;
     VLPathBuffer path;
     int color = -1; // that the path stands at; -1 not known
+    int ended = -1; // opIdx of the buffer when the page was ended: nothing was put in since
 
     explicit psoutput(const char* name) : out(name, cannotwrite) {}
 };
@@ -117,7 +118,7 @@ void psclose() {
     if (!page) return;
     float box[4];
     VLPathGetBox(&page->path, box);
-    VLPathDoPrint(&page->path, page->out);
+    if (page->path.opIdx != page->ended) VLPathDoPrint(&page->path, page->out);
     vlwriter& out = page->out;
     out.text("showpage\n\n%%Trailer\n");
     if (vl.device != VLPSL) {
@@ -154,7 +155,9 @@ void psgetpalette(int, int r, int g, int b) {
 void psquit(int) { psclose(); }
 
 void psendpage() {
-    if (ps()) printandflush(&ps()->path);
+    if (!ps()) return;
+    printandflush(&ps()->path);
+    ps()->ended = ps()->path.opIdx;
 }
 
 void pssetlinewidth(double w) {

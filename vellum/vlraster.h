@@ -5,9 +5,16 @@
 
 #include "vellum/vlpicture.h"
 
-// Bytes of w by h pixels: a pixel may begin at any bit, and five bytes read from there hold it whole.
+// Bytes of w by h pixels in a file; in memory more, since a pixel may begin at any bit, and five bytes read
+// from there hold it whole.
+inline size_t vlpixelbytes(int w, int h, int depth) {
+    return (size_t(w) * size_t(h) * size_t(depth) + 7) / 8;
+}
 inline size_t vlbitsize(int w, int h, int depth) { return size_t(w) * size_t(h) * size_t(depth) / 8 + 5; }
 bool vldepthok(int depth);
+
+// A patch of its own pixels, outside the table of handles. Errors as DPATCH.
+std::unique_ptr<vlpatch> vlmemorypatch(int w, int h, int depth, const uint8_t* bits);
 
 uint32_t vlgetpixel(const uint8_t* bits, size_t index, int depth);
 void vlputpixel(uint8_t* bits, size_t index, int depth, uint32_t value);

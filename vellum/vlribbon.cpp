@@ -159,6 +159,23 @@ bool vlfolds(vlpoint a, vlpoint b, vlpoint c, double w) {
     return reach > 0.5 * std::min(k.len0, k.len1);
 }
 
+bool vlcrosses(const vlpoint* outline, int n) {
+    const auto side = [](vlpoint a, vlpoint b, vlpoint c) { return cross(b - a, c - a); };
+    for (int i = 0; i + 1 < n; i++) {
+        const vlpoint a = outline[i], b = outline[i + 1];
+        const double left = std::min(a.x, b.x), right = std::max(a.x, b.x);
+        const double low = std::min(a.y, b.y), high = std::max(a.y, b.y);
+        for (int k = i + 2; k + 1 < n; k++) {
+            const vlpoint c = outline[k], d = outline[k + 1];
+            if ((c.x < left && d.x < left) || (c.x > right && d.x > right) || (c.y < low && d.y < low) ||
+                (c.y > high && d.y > high))
+                continue;
+            if (side(a, b, c) * side(a, b, d) < 0 && side(c, d, a) * side(c, d, b) < 0) return true;
+        }
+    }
+    return false;
+}
+
 int vljoin(vlpoint a, vlpoint b, vlpoint c, double w, int roundsegs, vlpoint* result) {
     const corner k = cornerof(a, b, c, w, roundsegs);
     if (k.straight()) return 0;

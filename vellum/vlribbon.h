@@ -19,5 +19,7 @@ int vlribbon(const vlpoint* points, int n, double w, int roundsegs, vlpoint* res
 
 /* Would the inner edge of the corner at b fold over? Then a line is drawn in two parts that overlap there. */
 bool vlfolds(vlpoint a, vlpoint b, vlpoint c, double w);
+// Does the outline of n points, closed, cross itself? Edges that only touch do not count.
+bool vlcrosses(const vlpoint* outline, int n);
 // The outer join of the corner at b as a polygon of its own; at most roundsegs + 3 points.
 int vljoin(vlpoint a, vlpoint b, vlpoint c, double w, int roundsegs, vlpoint* result);

@@ -97,6 +97,7 @@ struct vlstate {
     vlgenhook gen;
     vltextstate text;
     std::vector<double> hatch;   // lines kept by DPOLYGON
+    std::vector<double> polygon; // points of DPOLYGON, kept from call to call
     std::vector<double> scratch; // of the low level
 
     std::shared_ptr<vlgenerator> generator; // made and used by vlgenlin.cpp alone

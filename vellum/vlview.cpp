@@ -113,7 +113,7 @@ int DGETCLIP() { return vl.clipping; }
 int DCLIPLINE(double* x0, double* y0, double* x1, double* y1) {
     const double box[4] = {std::min(vl.window[0], vl.window[1]), std::max(vl.window[0], vl.window[1]),
                            std::min(vl.window[2], vl.window[3]), std::max(vl.window[2], vl.window[3])};
-    return vlclipbox(box, x0, y0, x1, y1);
+    return vlclipline(box, x0, y0, x1, y1);
 }
 
 double DXSCALE() { return vl.norm.sx; }

@@ -25,7 +25,6 @@ void hooksreset() {
     upper.usequietly = [](const char*) {};
     upper.redraw = [] {};
     upper.indofile = [] { return false; };
-    upper.closeplot = [] {};
     upper.shutdowngraphics = [] {};
     upper.nformatchanged = [](const char*) {};
     upper.displayselect = [](const char*) {};

@@ -34,7 +34,6 @@ struct upperhooks {
     void (*usequietly)(const char* file);      // USE of a start-up file, without a word if it is missing
     void (*redraw)();                          // automatic redraw after plot objects changed
     bool (*indofile)();                        // statements come from a do-file, not from the keyboard
-    void (*closeplot)();                       // a printer device is open when control-C comes
     void (*shutdowngraphics)();
     void (*nformatchanged)(const char* text);
     void (*displayselect)(const char* name); // DISPLAY was assigned

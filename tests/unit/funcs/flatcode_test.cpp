@@ -192,6 +192,22 @@ TEST_F(FlatTest, CodeFollowsItsWorld) {
     EXPECT_EQ(twice("FACT", 10), 7257600) << "a recursion's own definition";
 }
 
+// A held program is a copy of the code: of the unit as it is, not as it was.
+TEST_F(FlatTest, AHeldProgramFollowsItsRebuiltUnit) {
+    define("F(X) = X+2");
+    const flatptr program = flatcompile({{symtablookup("F")}, 1, {}});
+    const auto held = [&](double x) {
+        double y = 0;
+        return flathold(*program) && flatheldrun(*program, &x, &y) ? y : NAN;
+    };
+    EXPECT_EQ(held(5), 7);
+    define("F(X) = X*2"); // as long, with as many constants
+    EXPECT_EQ(held(5), 10);
+    define("F(X) = X*3");
+    EXPECT_EQ(held(5), 15);
+    EXPECT_EQ(held(6), 18);
+}
+
 TEST_F(FlatTest, ProgramsNoticeChanges) {
     const int a = set("A", 1);
     define("F(X) = A*X");

@@ -106,6 +106,24 @@ TEST_F(PageCache, faultsHaveTheirWords) {
     EXPECT_EQ(fault([&] { cacheclose(file); }), "Cached-file not open.\n");
 }
 
+// What was put off fails when it is forced out, and the fault tells by which call.
+TEST_F(PageCache, forcedWritesNameTheirCall) {
+    if (!std::filesystem::exists("/dev/full")) GTEST_SKIP();
+    const std::pair<const char*, void (*)(int)> forced[] = {
+        {"inhibitwrite", [](int file) { cacheinhibit(file, -1); }},
+        {"resizebufferpool", [](int) { resizebufferpool(4); }},
+        {"closefile", [](int file) { cacheclose(file); }},
+    };
+    for (const auto& [name, force] : forced) {
+        const vlcachefile held(cacheopen("/dev/full", 1, 1));
+        cacheinhibit(held.file, 1);
+        cachepoke(held.file, 1, 'x');
+        EXPECT_EQ(fault([&] { force(held.file); }), "Cached-file write error: " + std::string(name) + " \n");
+    }
+    const vlcachefile through(cacheopen("/dev/full", 1, 1));
+    EXPECT_EQ(fault([&] { cachepoke(through.file, 1, 'x'); }), "Cached-file write error: writepage \n");
+}
+
 TEST_F(PageCache, moreFilesThanPlacesIsAFault) {
     for (int i = 0; i < 5; i++) cacheopen(("f" + std::to_string(i)).c_str(), 1, 1);
     EXPECT_EQ(fault([] { cacheopen("f5", 1, 1); }), "Cannot open cached-file: f5 \n");

@@ -118,6 +118,34 @@ TEST_F(Cairo, aFileThatCannotBeWrittenIsAFault) {
     EXPECT_EQ(DDEVICENUMBER(nullptr), -1) << "the device is closed all the same";
 }
 
+// Letters of bits are dots of their own two colours, whatever colour lines have.
+TEST_F(Cairo, bitmapLettersHaveTheirOwnColours) {
+    DSETFONTPATH(TARNSTARTDIR);
+    int colours = 0;
+    ASSERT_EQ(DINI("PNG", &colours, "a.png", 1, 0.5, 100, 50), 1);
+    DGET(DSCREENPATCH(), 1);
+    const int red = DRGBCOLOR(1, 0, 0), blue = DRGBCOLOR(0, 0, 1);
+    DCOLOR(DRGBCOLOR(0, 1, 0));
+    DENQBTXT("L", red, blue, 1, 10, 20, 0, 0);
+    DENQBTXT("L", red, red, 1, 40, 20, 0, 0);
+    EXPECT_EQ(DGETCOLOR(), DRGBCOLOR(0, 1, 0));
+    DMOVE(-1, -1);
+    DDRAW(-1, -1);
+    DQUIT(0);
+    DSETFONTPATH("");
+    const image png = readpng("a.png");
+    ASSERT_EQ(png.h, 50);
+    const auto is = [&](int x, int y, std::vector<int> rgb) { // round dots: their middles
+        std::vector<int> at = png.at(x, 49 - y);
+        for (size_t k = 0; k < 3; k++)
+            if (std::abs(at[k] - rgb[k]) > 90) return false;
+        return true;
+    };
+    EXPECT_TRUE(is(11, 24, {255, 0, 0})); // the stem
+    EXPECT_TRUE(is(14, 24, {0, 0, 255}));
+    EXPECT_TRUE(is(44, 24, {255, 0, 0}));
+}
+
 TEST_F(Cairo, patchesAndNativeTextReachEveryForm) {
     for (const char* device : {"PNG", "SVGP", "PDFP"}) {
         page(device, "a");

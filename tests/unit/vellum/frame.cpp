@@ -1,4 +1,5 @@
 #include "unit/vellum/harness.h"
+#include "vellum/vldevice.h"
 
 #include <cmath>
 #include <vector>
@@ -94,6 +95,22 @@ TEST_F(Frame, faultsWithoutAHandlerEndTheProcess) {
             DQUIT(0);
         },
         testing::ExitedWithCode(1), "ERROR writing into PostScript file\\.");
+}
+
+// -1 ends a page by the device's own operation before it is left; -3 and -2 leave it at once.
+TEST_F(Frame, aPageEndsBeforeItIsLeft) {
+    static std::string calls;
+    vldeviceops ops{};
+    ops.init = [](vldevice*) { return 1; };
+    ops.open = [](int flag) { calls += std::to_string(flag) + ' '; };
+    ops.endpage = [] { calls += "end "; };
+    vlsetdeviceoperations(VLXDEV, &ops);
+    *DDEVICE("XDEV") = {"XDEV", 10, 10, 100, 100, 1, 1, 1000, 1000, 24, 4, 4, 4, 13, 0, 4096, 1};
+    page("XDEV", nullptr);
+    for (const int flag : {-1, 1, -2, 1, -3}) DGET(DSCREENPATCH(), flag);
+    EXPECT_EQ(calls, "1 end -1 1 -2 1 -3 ");
+    DQUIT(0);
+    vlsetdeviceoperations(VLXDEV, nullptr);
 }
 
 TEST_F(Frame, illegalInputOperations) {

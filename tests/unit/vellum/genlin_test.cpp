@@ -234,7 +234,7 @@ TEST_F(Generator, wideLinesHaveNoHoles) {
     std::uniform_real_distribution<double> u(0.1, 0.9), turn(-1, 1);
     for (int trial = 0; trial < 40; trial++) {
         centreline jumps, walk;
-        for (int i = 0; i < 4; i++) jumps.points.push_back({u(random), u(random)});
+        for (int i = 0; i < 8; i++) jumps.points.push_back({u(random), u(random)});
         vlpoint at{0.5, 0.5};
         double heading = 0;
         for (int i = 0; i < 140; i++) {
@@ -243,13 +243,21 @@ TEST_F(Generator, wideLinesHaveNoHoles) {
             at = {at.x + 0.008 * std::cos(heading), at.y + 0.008 * std::sin(heading)};
         }
         const double thick = trial % 2 ? 0.03 : -0.03;
-        // A line that crosses itself has its crossing painted twice by one polygon, so only short walks are
-        // held here.
-        walk.points.resize(12);
-        jumps.points.resize(3);
         checkcover(jumps, thick, random);
         checkcover(walk, thick, random);
     }
+}
+
+// A line is parted only where its outline would cross itself: few polygons, and each crossing closed.
+TEST_F(Generator, aWideLineIsWholeWhereItCrossesItself) {
+    DLINESTYLE(0, 0, 0, 0, 0, 0.06, 0);
+    polyline({{0.1, 0.5}, {0.9, 0.5}, {0.5, 0.9}, {0.5, 0.1}});
+    EXPECT_TRUE(covered({0.5, 0.5}));
+    EXPECT_TRUE(covered({0.52, 0.48}));
+    EXPECT_LE(recorded.polygons.size(), 3u);
+    recorded = {};
+    polyline({{0.1, 0.5}, {0.9, 0.5}, {0.9, 0.9}, {0.5, 0.9}});
+    EXPECT_EQ(recorded.polygons.size(), 1u);
 }
 
 TEST_F(Generator, longWideLinesJoinTheirParts) {

@@ -46,6 +46,25 @@ TEST_F(Picture, wordsOfMovesLinesAndPoints) {
     EXPECT_EQ(DPICSTATE(p), -1);
 }
 
+// The line before a call of a patch is recorded before it, also when a style holds it back.
+TEST_F(Picture, aPatchIsCalledBehindTheLineBeforeIt) {
+    memory(100, 100, 8);
+    DWINDOW(0, 1, 0, 1);
+    DVIEWPORT(0, 1, 0, 1);
+    vlpatch* patch = DPATCH(nullptr, 0, 0, 2, 2, 8, nullptr);
+    vlpicture* p = DNEWPIC();
+    DLINESTYLE(1, 0.5, 1, 0, 0, 0, 0);
+    DMOVE(0, 0);
+    DDRAW(0.25, 0.5);
+    DENQPATCH(patch);
+    const auto words = DPICWORDS(p);
+    ASSERT_EQ(words.size(), 4u);
+    EXPECT_EQ(words[1], line(one / 4, one / 2));
+    EXPECT_EQ(words[2] & 0xfc000000, 0xd0000000);
+    DLINESTYLE(0, 0, 0, 0, 0, 0, 0);
+    EXPECT_EQ(DPICWORDS(p).size(), 4u);
+}
+
 TEST_F(Picture, linesBeyondTheWordsRangeGoOnByAMove) {
     memory(100, 100, 8);
     DCLIP(0);

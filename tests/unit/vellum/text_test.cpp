@@ -308,8 +308,9 @@ TEST_F(BitmapText, coloursMayBeTransparent) {
     EXPECT_EQ(q[4], 1);
     EXPECT_EQ(q[5], 7);
     const int bits = 9 + 6;
-    const int modes[][4] = {
-        {1, 2, bits, 128 - bits}, {1, -1, bits, 0}, {-1, 2, 0, 128 - bits}, {-1, -1, 0, 0}};
+    const int modes[][4] = {{1, 2, bits, 128 - bits}, {1, -1, bits, 0},
+                            {-1, 2, 0, 128 - bits},   {-1, -1, 0, 0},
+                            {1, 1, 128, 0},           {2, 2, 0, 128}}; // equal colours are a bar
     for (const auto& [fg, bg, fore, ground] : modes) {
         DERASE(DSCREENPATCH(), 0);
         DENQBTXT("L", fg, bg, 1, 10, 20, 0, 0);
