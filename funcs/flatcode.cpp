@@ -17,7 +17,8 @@ struct flatprogram {
     int waits = 0;            // runs until it is tried again
     flatroutine held;         // the entry as flatheldrun runs it, and its frame
     std::vector<double> heldframe;
-    bool heldstale = true; // the unit was built anew since
+    bool heldstale = true;       // the unit was built anew since
+    std::vector<flatlane> lanes; // the frame of flatlanesrun
 };
 
 namespace {
@@ -387,7 +388,7 @@ void walkpoint(const flatrequest& request, const double* in, double* out, bool f
 void flatdelete::operator()(flatprogram* program) const { delete program; }
 
 flatptr flatcompile(const flatrequest& request) {
-    flatptr program(new flatprogram{request, {}, false, 0, 0, {}, {}, true});
+    flatptr program(new flatprogram{request, {}, false, 0, 0, {}, {}, true, {}});
     readyprogram(*program);
     return program;
 }
@@ -427,6 +428,28 @@ bool flatheldrun(flatprogram& program, const double* in, double* out) {
         return false;
     for (size_t k = 0; k < program.unit.outputs.size(); k++) out[k] = frame[program.unit.outputs[k]];
     return true;
+}
+
+bool flatholdlanes(flatprogram& program) {
+    flatunit* unit = readyprogram(program);
+    if (!unit || !unit->blocks) return false;
+    const flatroutine& entry = unit->routines[0];
+    program.lanes.resize(size_t(entry.nregs));
+    for (size_t k = 0; k < entry.image.size(); k++)
+        std::fill_n(program.lanes[k].x, FLATLANES, entry.image[k]);
+    return true;
+}
+
+double* flatlaneinput(flatprogram& program, size_t k) {
+    return program.lanes[program.unit.routines[0].image.size() + k].x;
+}
+
+bool flatlanesrun(flatprogram& program, int used) {
+    return quietly([&] { return flatexecutelanes(program.unit, program.lanes.data(), used); }) == FLATDONE;
+}
+
+const double* flatlaneoutput(const flatprogram& program, size_t k) {
+    return program.lanes[size_t(program.unit.outputs[k])].x;
 }
 
 void flatrunblock(flatprogram& program, size_t n, const double* const* in, const size_t* instride,

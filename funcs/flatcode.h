@@ -43,6 +43,16 @@ void flatrun(flatprogram& program, const double* in, double* out);
 bool flathold(flatprogram& program);
 bool flatheldrun(flatprogram& program, const double* in, double* out);
 
+/* The same on FLATLANES points side by side. flatholdlanes makes ready; then flatlaneinput is where the
+ * caller sets input k of all lanes (it stays set from run to run), and behind a run that was not given up
+ * flatlaneoutput is where function k has its values. Only `used` lanes are wanted: the inputs of the others
+ * repeat those of the first. */
+inline constexpr int FLATLANES = 8;
+bool flatholdlanes(flatprogram& program);
+double* flatlaneinput(flatprogram& program, size_t k);
+bool flatlanesrun(flatprogram& program, int used);
+const double* flatlaneoutput(const flatprogram& program, size_t k);
+
 /* n points. in[k] is input k at the first point; its values follow each other at a distance of instride[k]
  * doubles (0: the same for all). out[k], outstride likewise. As n calls of flatrun in order. */
 void flatrunblock(flatprogram& program, size_t n, const double* const* in, const size_t* instride,

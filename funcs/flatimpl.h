@@ -180,6 +180,13 @@ bool flatexecute(flatunit& unit, const flatroutine& routine, int pc, double* fra
  * another its value in the frame. The rows may end in another order: order tells the row of each place. */
 flatresult flatexecuteblock(const flatunit& unit, const flatroutine& routine, int from, int to,
                             const uint8_t* vary, double* frame, double* block, uint16_t* order, int n);
+/* The entry on points side by side, `used` of them wanted. The frame holds its image and arguments. Lanes
+ * that would take different branches give it up. */
+struct alignas(64) flatlane {
+    double x[FLATLANES];
+};
+flatresult flatexecutelanes(const flatunit& unit, flatlane* frame, int used);
+
 flatresult flatloopblocks(const flatunit& unit, const flatroutine& routine, const flatloop& loop,
                           double* frame, double low);
 double flatrowcall(const scalarrow& row, const double* x, int n); // all its arguments, none missing

@@ -60,6 +60,7 @@ void mergesolutions(fitbinding& b) {
     for (const mergedrow& row : b.merged) b.times.push_back(row.time);
     if (b.merged.empty()) return;
     odeinit(b.ode);
+    b.ensemble.parms = b.parms;
     b.odeout.reset(harraynew(uint32_t(b.times.size()), uint32_t(odecolumns(b.ode.system))));
 }
 
@@ -159,12 +160,33 @@ void movesymbols(fitbinding& b, const double* p) {
     b.lastp.assign(p, p + b.slots.size());
 }
 
+void plainvalues(fitbinding& b, const double* p, double* f) {
+    for (size_t k = 0; k < b.pairs.size(); k++)
+        if (!odepair(b, k)) pairvalues(b, k, p, f + b.offset[k]);
+}
+
 bool modelvalues(void* context, const double* p, double* f) {
     fitbinding& b = *static_cast<fitbinding*>(context);
     movesymbols(b, p);
     if (!solutionvalues(b, f)) return false;
-    for (size_t k = 0; k < b.pairs.size(); k++)
-        if (!odepair(b, k)) pairvalues(b, k, p, f + b.offset[k]);
+    plainvalues(b, p, f);
+    return true;
+}
+
+static_assert(FITTOGETHER == FLATLANES);
+
+// Solutions by one integration of all points.
+bool modelseveral(void* context, const double* points, int count, double* f) {
+    fitbinding& b = *static_cast<fitbinding*>(context);
+    if (!odeensemblerun(b.ensemble, b.ode, points, count, b.times.data(), long(b.times.size()))) return false;
+    for (int l = 0; l < count; l++, f += b.m) {
+        const double* p = points + size_t(l) * b.slots.size();
+        movesymbols(b, p);
+        for (size_t i = 0; i < b.merged.size(); i++)
+            f[i] = odeensemblevalue(b.ensemble, b.ode.system, i,
+                                    odecolumn(b.ode.system, size_t(b.merged[i].pair)), l);
+        plainvalues(b, p, f);
+    }
     return true;
 }
 
@@ -269,6 +291,7 @@ fitmodel fitmodelof(fitbinding& b) {
     fitmodel model;
     model.context = &b;
     model.values = modelvalues;
+    if (!b.merged.empty() && !b.hasmatrix) model.several = modelseveral;
     if (b.symbolic) model.jacobian = modeljacobian, model.both = modelboth;
     if (std::any_of(b.pairs.begin(), b.pairs.end(), isweightfunction)) model.weights = modelweights;
     model.printparms = printparameters;

@@ -6,7 +6,7 @@
 
 #include "funcs/flatcode.h"
 #include "solvers/fitsolve.h"
-#include "solvers/odesetup.h"
+#include "solvers/odeensemble.h"
 
 #include <vector>
 
@@ -36,6 +36,7 @@ struct fitbinding {
     std::vector<mergedrow> merged;
     std::vector<double> times;
     harrayptr odeout;
+    odeensemble ensemble; // for differences by the parameters
 
     size_t m = 0;                   // observations: the merged rows, then the plain pairs
     harrayptr memory;               // of the next two

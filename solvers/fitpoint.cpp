@@ -62,22 +62,54 @@ void fitweights(fitrun& r, bool plain) {
 
 namespace {
 
-/* Central differences. A side on which the model fails is left out; with both gone the parameter has no
- * effect here. */
-void numericjacobian(fitrun& r) {
+double differencestep(double t) { return std::fabs(t) >= 1e-8 ? 0.01 * std::fabs(t) : 1e-9; }
+
+// A side on which the model fails is left out; with both gone the parameter has no effect here.
+void differences(fitrun& r, int j) {
     std::vector<double> p = r.p, plus(size_t(r.m));
-    for (int j = 0; j < r.n; j++) {
-        const double t = r.p[j], delta = std::fabs(t) >= 1e-8 ? 0.01 * std::fabs(t) : 1e-9;
-        p[j] = t + delta;
-        const bool up = fitsosq(r, p, 2) < MAXPOS;
-        std::copy_n(up ? r.ftrial : r.fbest, r.m, plus.begin());
-        p[j] = t - delta;
-        const bool down = fitsosq(r, p, 2) < MAXPOS;
-        const double* minus = down ? r.ftrial : r.fbest;
-        p[j] = t;
-        const double width = (up + down) * delta;
-        double* column = &r.jac[size_t(j) * size_t(r.m)];
-        for (int i = 0; i < r.m; i++) column[i] = width > 0 ? (plus[i] - minus[i]) / width : 0;
+    const double t = r.p[j], delta = differencestep(t);
+    p[j] = t + delta;
+    const bool up = fitsosq(r, p, 2) < MAXPOS;
+    std::copy_n(up ? r.ftrial : r.fbest, r.m, plus.begin());
+    p[j] = t - delta;
+    const bool down = fitsosq(r, p, 2) < MAXPOS;
+    const double* minus = down ? r.ftrial : r.fbest;
+    const double width = (up + down) * delta;
+    double* column = &r.jac[size_t(j) * size_t(r.m)];
+    for (int i = 0; i < r.m; i++) column[i] = width > 0 ? (plus[i] - minus[i]) / width : 0;
+}
+
+// The same for `count` parameters from j on, where the model can be evaluated at all their points together.
+bool differencestogether(fitrun& r, int j, int count) {
+    if (!r.model.several || parser.interrupted) return false;
+    const size_t n = size_t(r.n), m = size_t(r.m);
+    std::vector<double> points, f(2 * size_t(count) * m);
+    for (int k = j; k < j + count; k++)
+        for (double sign : {1.0, -1.0}) {
+            points.insert(points.end(), r.p.begin(), r.p.end());
+            points[points.size() - n + size_t(k)] += sign * differencestep(r.p[k]);
+        }
+    if (!allfinite(points) || !r.model.several(r.model.context, points.data(), 2 * count, f.data()))
+        return false;
+    for (int k = 0; k < 2 * count; k++)
+        if (!(weightedsum(r, &f[size_t(k) * m], 2) <= MAXPOS)) return false;
+    r.evaluations += 2 * count;
+    r.lastpoint.assign(points.end() - long(n), points.end());
+    for (int k = 0; k < count; k++) {
+        const double width = 2 * differencestep(r.p[j + k]);
+        const double *plus = &f[size_t(2 * k) * m], *minus = plus + m;
+        double* column = r.jac + size_t(j + k) * m;
+        for (size_t i = 0; i < m; i++) column[i] = (plus[i] - minus[i]) / width;
+    }
+    return true;
+}
+
+// Central differences.
+void numericjacobian(fitrun& r) {
+    for (int j = 0; j < r.n; j += FITTOGETHER / 2) {
+        const int count = std::min(FITTOGETHER / 2, r.n - j);
+        if (differencestogether(r, j, count)) continue;
+        for (int k = j; k < j + count; k++) differences(r, k);
     }
 }
 

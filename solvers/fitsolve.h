@@ -22,10 +22,15 @@ struct solverconstraints {
     std::vector<int> type;
 };
 
+inline constexpr int FITTOGETHER = 8; // points at which a model may be evaluated together
+
 struct fitmodel {
     void* context = nullptr;
     // Model values at p, all m of them; false when the model has none there (the trial counts as failed).
     bool (*values)(void* context, const double* p, double* f) = nullptr;
+    // Model values at `count` points, 1..FITTOGETHER, one behind the other in `points` and f, in one pass;
+    // false when they are not to be had so: then `values` tells. Null: never.
+    bool (*several)(void* context, const double* points, int count, double* f) = nullptr;
     // Values and symbolic Jacobian (as below) at p in one pass; false when they are not to be had so: then
     // `values` tells. Null: never.
     bool (*both)(void* context, const double* p, double* f, double* jac) = nullptr;
@@ -59,7 +64,7 @@ struct fitresult {
     bool lowered = false; // some step lowered the sum
     bool started = false; // the model had values at the start
     bool retried = false; // the first search went astray, a more careful one found this
-    int report = 0; // LSQRPT as R left it
+    int report = 0;       // LSQRPT as R left it
 };
 
 /* p: start values, n; y: observed values, m; w0: user weights, m: they must outlive the result. Result.p is

@@ -38,6 +38,10 @@ void derivative(odejob& job) {
     job.model.deriv(job.model.context, s.tcur, s.y.data(), s.dy.data());
 }
 
+void silence(const odejob& job) {
+    if (job.model.silent) throw odegivenup{};
+}
+
 // Forward differences; a column for each state.
 void numericjacobian(odejob& job) {
     odestepper& s = job.run.s;
@@ -56,6 +60,7 @@ void numericjacobian(odejob& job) {
 }
 
 void jacobian(odejob& job) {
+    silence(job);
     odestepper& s = job.run.s;
     job.run.njac++;
     if (job.sw.report == 1 || job.sw.report == 2)
@@ -91,7 +96,10 @@ void stepdone(odejob& job) {
     if (s.errfac > job.errfac0) s.errfac = std::max(job.errfac0, 0.63095742 * s.errfac);
     const bool toggled = parser.reporttoggle;
     keypoll();
-    if (parser.reporttoggle != toggled) job.sw.report = job.sw.report ? 0 : 2;
+    if (parser.reporttoggle != toggled) {
+        silence(job);
+        job.sw.report = job.sw.report ? 0 : 2;
+    }
     if (job.sw.report > 0) job.reporting = true;
     if (parser.interrupted) {
         tarnprint("INTEGRATE INTERRUPTED BY Q\n");
@@ -117,6 +125,7 @@ void storerow(odejob& job) {
 }
 
 void turn(odejob& job) {
+    silence(job);
     odestepper& s = job.run.s;
     s.request = ODESTART;
     job.run.dir = -job.run.dir;
@@ -194,6 +203,7 @@ void raisetolerance(odejob& job) {
 /* The step is at its floor. DISASTERSW tells what to do; the stepper goes on where its request is not
  * changed. */
 void disaster(odejob& job) {
+    silence(job);
     odestepper& s = job.run.s;
     int& mode = job.sw.disaster;
     if (mode == 4 || mode == 5) return force(job);

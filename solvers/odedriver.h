@@ -7,6 +7,9 @@
 #include "solvers/odestep.h"
 #include "values/harray.h"
 
+// Thrown out of an integration that is to be silent where it would have something to tell.
+struct odegivenup {};
+
 struct odemodel {
     int n = 0;      // equations
     int nextra = 0; // output functions
@@ -17,6 +20,8 @@ struct odemodel {
     // Row by row; null: forward differences.
     void (*jacobian)(void* context, double t, const double* y, const double* dy, double* jac) = nullptr;
     void (*extras)(void* context, double t, const double* y, const double* dy, double* values) = nullptr;
+    // Neither messages nor the stiff mode; callbacks may throw odegivenup too.
+    bool silent = false;
 };
 
 // The switches of the user, read once a solve.

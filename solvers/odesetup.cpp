@@ -25,24 +25,19 @@ struct odestate {
 };
 odestate ode;
 
-// The state of the evaluator around an integration comes back on every way out; integrations may nest.
-struct runscope {
-    odesolve* saved = ode.current;
-    bool savedactive = eval.odeactive;
-    explicit runscope(odesolve& solve) {
-        ode.current = &solve;
-        eval.odeactive = true;
-    }
-    ~runscope() {
-        ode.current = saved;
-        eval.odeactive = savedactive;
-    }
-    runscope(const runscope&) = delete;
-};
+} // namespace
 
-bool isfunction(int idx) { return sym(idx).type == USERFUNCTION; }
+oderunscope::oderunscope(odesolve& solve) : saved(ode.current), savedactive(eval.odeactive) {
+    ode.current = &solve;
+    eval.odeactive = true;
+}
 
-void setsymbols(odesolve& solve, double t, const double* y, const double* dy) {
+oderunscope::~oderunscope() {
+    ode.current = saved;
+    eval.odeactive = savedactive;
+}
+
+void odesetsymbols(odesolve& solve, double t, const double* y, const double* dy) {
     const odesystem& s = solve.system;
     solve.t = t;
     solve.y = y;
@@ -52,6 +47,10 @@ void setsymbols(odesolve& solve, double t, const double* y, const double* dy) {
     for (size_t k = 0; k < s.states.size(); k++) sym(s.derivs[k]).val.rval = dy[k];
     for (size_t k = 0; k < s.states.size(); k++) sym(s.states[k]).val.rval = y[k];
 }
+
+namespace {
+
+bool isfunction(int idx) { return sym(idx).type == USERFUNCTION; }
 
 // Inputs of a program: the time, then the states.
 const double* inputs(odesolve& solve, double t, const double* y) {
@@ -83,7 +82,7 @@ struct settlescope {
         const double* y = solve.in.data() + 1;
         std::vector<double> dy(solve.system.states.size());
         takederivatives(solve, y, dy.data());
-        setsymbols(solve, solve.in[0], y, dy.data());
+        odesetsymbols(solve, solve.in[0], y, dy.data());
     }
 };
 
@@ -91,7 +90,7 @@ void odefunc(void* context, double t, const double* y, double* dy) {
     odesolve& solve = *static_cast<odesolve*>(context);
     if (heldfunc(solve, t, y, dy)) return;
     const bool never = solve.held == odesolve::NOTHELD;
-    setsymbols(solve, t, y, dy);
+    odesetsymbols(solve, t, y, dy);
     if (never) solve.held = odesolve::NOTHELD;
     flatrun(*solve.righthand, inputs(solve, t, y), solve.work.data());
     takederivatives(solve, y, dy);
@@ -99,7 +98,7 @@ void odefunc(void* context, double t, const double* y, double* dy) {
 
 void odejacobian(void* context, double t, const double* y, const double* dy, double* jac) {
     odesolve& solve = *static_cast<odesolve*>(context);
-    setsymbols(solve, t, y, dy);
+    odesetsymbols(solve, t, y, dy);
     flatrun(*solve.jacobianprogram, inputs(solve, t, y), solve.work.data());
     for (size_t k = 0; k < solve.jacobian.size(); k++)
         if (solve.jacobian[k] <= 0) jac[k] = solve.jacobian[k] == ENTRYONE;
@@ -108,7 +107,7 @@ void odejacobian(void* context, double t, const double* y, const double* dy, dou
 
 void odeextras(void* context, double t, const double* y, const double* dy, double* values) {
     odesolve& solve = *static_cast<odesolve*>(context);
-    setsymbols(solve, t, y, dy);
+    odesetsymbols(solve, t, y, dy);
     if (solve.extras) return flatrun(*solve.extras, inputs(solve, t, y), values);
     for (size_t k = 0; k < solve.system.outputs.size(); k++)
         values[k] = callvalue(solve.system.outputs[k], &t, 1);
@@ -273,7 +272,7 @@ void odeinit(odesolve& solve) {
 }
 
 bool oderunover(odesolve& solve, const double* times, long ntimes, harray* out) {
-    const runscope scope(solve);
+    const oderunscope scope(solve);
     solve.held = odesolve::UNTRIED;
     solve.pending = false;
     const settlescope settle{solve};

@@ -66,4 +66,16 @@ inline int odecolumns(const odesystem& s) { return 2 * s.neq() + int(s.outputs.s
 // 0-based column of caller's function k in the output matrix.
 int odecolumn(const odesystem& system, size_t k);
 
+/* The evaluator around an integration of `solve`: names of its system stand for the solution. What was before
+ * comes back on every way out; integrations may nest. */
+struct oderunscope {
+    odesolve* const saved;
+    const bool savedactive;
+    explicit oderunscope(odesolve& solve);
+    ~oderunscope();
+    oderunscope(const oderunscope&) = delete;
+};
+// The solution is at t, y, dy: the symbols of the system take these values.
+void odesetsymbols(odesolve& solve, double t, const double* y, const double* dy);
+
 void odestart(); // builtins, hooks

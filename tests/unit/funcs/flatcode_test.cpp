@@ -105,15 +105,39 @@ TEST_F(FlatTest, RandomBodiesAgreeWithTheWalk) {
     }
 }
 
+// Points side by side, as many as are used: what is not given up is what the walk has, with nothing told.
+bool lanesagree(FlatTest& test, flatprogram& program, int used, const std::vector<double>& x,
+                const std::vector<double>& p) {
+    if (!flatholdlanes(program)) return false;
+    for (size_t k = 0; k < 4; k++)
+        for (size_t l = 0; l < FLATLANES; l++)
+            flatlaneinput(program, k)[l] = k < 2 ? x[2 * (l < size_t(used) ? l : 0) + k] : p[k - 2];
+    if (!flatlanesrun(program, used)) return false;
+    const traces walked = test.observe(false, [&](std::vector<double>& results) {
+        for (size_t l = 0; l < size_t(used); l++) {
+            const double in[] = {x[2 * l], x[2 * l + 1], p[0], p[1]};
+            double out[3];
+            flatrun(program, in, out);
+            results.insert(results.end(), out, out + 3);
+        }
+    });
+    EXPECT_EQ(walked.printed, "");
+    EXPECT_EQ(walked.total, 0U);
+    for (size_t i = 0; i < walked.results.size(); i++)
+        EXPECT_EQ(std::bit_cast<uint64_t>(flatlaneoutput(program, i % 3)[i / 3]),
+                  std::bit_cast<uint64_t>(walked.results[i]));
+    return true;
+}
+
 // Several functions as one program, names bound to inputs, against value() with the names set.
 TEST_F(FlatTest, ProgramsAgreeWithTheWalk) {
     const int a = set("A", 1), b = set("B", 2);
     set("C", 0.5);
-    int fast = 0;
+    int fast = 0, sidebyside = 0;
     for (int round = 0; round < 400; round++) {
         std::vector<int> functions;
         for (int f = 0; f < 3; f++) {
-            std::string body = writer.body(4, "X");
+            std::string body = writer.body(round % 2 ? 4 : 2, "X");
             for (size_t k = 0; k < body.size(); k++)
                 if (body[k] == 'Z' && writer.pick(2)) body[k] = 'B';
             const std::string name = "P" + std::to_string(f);
@@ -142,11 +166,14 @@ TEST_F(FlatTest, ProgramsAgreeWithTheWalk) {
             flatrunblock(*program, n, in, instride, out, outstride);
         };
         ASSERT_EQ(observe(true, block), observe(false, block)) << "round " << round;
+        sidebyside += lanesagree(*this, *program, 1 + round % FLATLANES, x, p);
+        ASSERT_FALSE(HasFailure()) << "round " << round;
         for (int f : functions) symtabdelete(f);
         trireclaim();
         writer.functions = 0;
     }
     EXPECT_GT(fast, 300);
+    EXPECT_GT(sidebyside, 100);
 }
 
 // Code is made of definitions, types and values at one time; when they change it must follow.

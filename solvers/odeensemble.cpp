@@ -1,0 +1,160 @@
+#include "solvers/odeensemble.h"
+
+#include "funcs/trinode.h"
+#include "interp/base/symtab.h"
+
+#include <algorithm>
+
+/* Component k * FLATLANES + l of the stepper is state k in lane l. So the lanes of a state lie side by side,
+ * and the stepper, whose tests ask for the worst component, holds every lane to its own tolerance. */
+
+namespace {
+
+constexpr int MOSTGIVENUP = 2; // runs in a row, then it is not tried again
+
+struct ensemblejob {
+    odeensemble& e;
+    odesolve& solve;
+    const double* sets;
+    int states() const { return solve.system.neq(); }
+};
+
+void run(ensemblejob& job, flatprogram& program) {
+    if (!flatlanesrun(program, job.e.used)) throw odegivenup{};
+}
+
+// The parameters as the inputs from `first` on; lanes that are not in use repeat the first set.
+void setparameters(const ensemblejob& job, flatprogram& program, size_t first) {
+    const size_t n = job.e.parms.size();
+    for (size_t j = 0; j < n; j++) {
+        double* lane = flatlaneinput(program, first + j);
+        for (int l = 0; l < FLATLANES; l++) lane[l] = job.sets[size_t(l < job.e.used ? l : 0) * n + j];
+    }
+}
+
+void hold(const ensemblejob& job, flatprogram* program, size_t firstparameter) {
+    if (!program) return;
+    if (!flatholdlanes(*program)) throw odegivenup{};
+    setparameters(job, *program, firstparameter);
+}
+
+void setstates(const ensemblejob& job, flatprogram& program, double t, const double* y) {
+    std::fill_n(flatlaneinput(program, 0), FLATLANES, t);
+    for (int k = 0; k < job.states(); k++)
+        std::copy_n(y + k * FLATLANES, FLATLANES, flatlaneinput(program, size_t(k) + 1));
+}
+
+void startvalues(void* context, double* y) {
+    ensemblejob& job = *static_cast<ensemblejob*>(context);
+    std::fill_n(flatlaneinput(*job.e.start, 0), FLATLANES, job.solve.system.t0);
+    run(job, *job.e.start);
+    for (int k = 0; k < job.states(); k++)
+        std::copy_n(flatlaneoutput(*job.e.start, size_t(k)), FLATLANES, y + k * FLATLANES);
+}
+
+void derivatives(void* context, double t, const double* y, double* dy) {
+    ensemblejob& job = *static_cast<ensemblejob*>(context);
+    setstates(job, *job.e.righthand, t, y);
+    run(job, *job.e.righthand);
+    for (int k = 0; k < job.states(); k++) {
+        const int place = job.solve.rhsplace[size_t(k)];
+        const double* from = place < 0 ? y + job.solve.nextstate[size_t(k)] * FLATLANES
+                                       : flatlaneoutput(*job.e.righthand, size_t(place));
+        std::copy_n(from, FLATLANES, dy + k * FLATLANES);
+    }
+}
+
+void outputfunctions(void* context, double t, const double* y, const double*, double* values) {
+    ensemblejob& job = *static_cast<ensemblejob*>(context);
+    setstates(job, *job.e.extras, t, y);
+    run(job, *job.e.extras);
+    for (size_t k = 0; k < job.solve.system.outputs.size(); k++)
+        std::copy_n(flatlaneoutput(*job.e.extras, k), FLATLANES, values + k * FLATLANES);
+}
+
+flatptr program(const std::vector<int>& functions, const std::vector<int>& states,
+                const std::vector<int>& parms) {
+    flatrequest request;
+    request.functions = functions;
+    request.nargs = 1;
+    request.symbols = states;
+    request.symbols.insert(request.symbols.end(), parms.begin(), parms.end());
+    return flatcompile(request);
+}
+
+// What cannot be compiled is refused where it is to be run.
+void compile(ensemblejob& job) {
+    const odesystem& s = job.solve.system;
+    std::vector<int> functions;
+    for (size_t k = 0; k < s.states.size(); k++)
+        if (job.solve.rhsplace[k] >= 0) functions.push_back(s.derivs[k]);
+    job.e.righthand = program(functions, s.states, job.e.parms);
+    job.e.start = program(s.states, {}, job.e.parms);
+    if (!s.outputs.empty()) job.e.extras = program(s.outputs, s.states, job.e.parms);
+}
+
+bool suits(const odesolve& solve) {
+    const odeswitches& sw = solve.switches;
+    return sw.report == 0 && (sw.method == ODEAUTO || sw.method == ODEADAMS);
+}
+
+// The states' symbols take the end of the last lane, as if each set had been integrated by itself.
+void settle(ensemblejob& job) {
+    const odestepper& s = job.e.run.s;
+    const size_t n = size_t(job.states()), last = size_t(job.e.used) - 1;
+    std::vector<double> y(n), dy(n);
+    for (size_t k = 0; k < n; k++) {
+        y[k] = s.y[k * FLATLANES + last];
+        dy[k] = s.dy[k * FLATLANES + last];
+    }
+    odesetsymbols(job.solve, s.tcur, y.data(), dy.data());
+}
+
+void integrate(ensemblejob& job, const double* times, long ntimes) {
+    odeensemble& e = job.e;
+    const oderunscope scope(job.solve);
+    const size_t n = size_t(job.states()), outputs = job.solve.system.outputs.size();
+    if (!e.righthand) compile(job);
+    hold(job, e.start.get(), 1);
+    hold(job, e.righthand.get(), n + 1);
+    hold(job, e.extras.get(), n + 1);
+    const size_t columns = 1 + (2 * n + outputs) * FLATLANES;
+    if (!e.out || e.out->rows != ntimes || e.out->cols != columns)
+        e.out.reset(harraynew(uint32_t(ntimes), uint32_t(columns)));
+    odemodel model;
+    model.n = int(n) * FLATLANES;
+    model.nextra = int(outputs) * FLATLANES;
+    model.t0 = job.solve.system.t0;
+    model.context = &job;
+    model.start = startvalues;
+    model.deriv = derivatives;
+    model.extras = outputfunctions;
+    model.silent = true;
+    odeintegrate(model, job.solve.switches, times, ntimes, e.out.get(), e.run);
+    if (!e.run.complete) throw odegivenup{};
+    settle(job);
+}
+
+} // namespace
+
+bool odeensemblerun(odeensemble& e, odesolve& solve, const double* sets, int count, const double* times,
+                    long ntimes) {
+    if (e.givenup >= MOSTGIVENUP || !suits(solve) || count < 1 || count > FLATLANES) return false;
+    e.used = count;
+    ensemblejob job{e, solve, sets};
+    try {
+        integrate(job, times, ntimes);
+    } catch (const odegivenup&) {
+        e.givenup++;
+        return false;
+    }
+    e.givenup = 0;
+    return true;
+}
+
+double odeensemblevalue(const odeensemble& e, const odesystem& system, size_t row, int column, int lane) {
+    const int of = column - 1; // states and their derivatives in pairs, then output functions
+    const bool paired = of < 2 * system.neq();
+    const int place = paired ? 2 * (of / 2 * FLATLANES + lane) + of % 2 : of * FLATLANES + lane;
+    return at(e.out.get(), row + 1, size_t(place) + 2);
+}
