@@ -1,7 +1,6 @@
 /* Monomolecular adsorption of a dye (Misra, D., 1978): volume against pressure, fitted by Y = B1*(1-EXP(-B2*X)).
    Data and certified answers: NIST/ITL Statistical Reference Datasets, www.itl.nist.gov/div898/strd, set Misra1a. */
-FILEDIR = "examples"
-M = READ("data/Misra1a.dat", 14, 2)
+M = READ("examples/data/Misra1a.dat", 14, 2)
 TYPE "pressure and volume"
 TYPE M
 FUNCTION Y(X) = B1*(1-EXP(-B2*X))

@@ -1,11 +1,13 @@
-/* Four windows on a page: the logistic map settles, takes turns between two and four values, and wanders. */
+/* Four windows on a page: the logistic map settles, takes turns between two and four values, and wanders. To be seen: what
+   one number, the rate, makes of the same law. */
 FUNCTION NEXT(Z) = RATE*Z*(1-Z)
 RATES = LIST(2.8, 3.3, 3.5, 3.9)
 WINDOW 0 TO 40, 0 TO 1
-IMAGE 0.16 TO 0.95, 0.22 TO 0.86
+IMAGE 0.16 TO 0.93, 0.26 TO 0.86
 XAXIS (0:40:10) &' 0 LABEL (0:40:10) LABELSIZE 0.035 OFFSET (0, -0.03)
 YAXIS 0 &' (0:1:0.5) LABEL (0:1:0.5) LABELSIZE 0.035 OFFSET (-0.03, 0)
 TITLE BOTTOM, "step" SIZE 0.04
+TITLE LEFT, "z" SIZE 0.04
 P1 = W; P2 = W; P3 = W; P4 = W
 FRAME 0 TO 0.5, 0.5 TO 1 IN P1
 FRAME 0.5 TO 1, 0.5 TO 1 IN P2
@@ -26,5 +28,5 @@ TITLE TOP, "rate 2.8" SIZE 0.045 IN P1
 TITLE TOP, "rate 3.3" SIZE 0.045 IN P2
 TITLE TOP, "rate 3.5" SIZE 0.045 IN P3
 TITLE TOP, "rate 3.9" SIZE 0.045 IN P4
-PLOTOVER = 1
+PLOTDEV = "PNG"; PLOTOVER = 1; PSLINEW = 1
 PLOT P1, P2, P3, P4 IN "panels"

@@ -11,6 +11,7 @@
 #include "values/harray.h"
 
 #include <cstring>
+#include <filesystem>
 
 dofilestate dofiles;
 
@@ -310,6 +311,13 @@ void sourcereturn() {
 
 // ---- DO ----
 
+std::string dofilepath(const std::string& name) {
+    std::error_code failure;
+    const std::string path = findfile(name), named = findfile(bindname(name.c_str(), nullptr, "do"));
+    const bool extended = !std::filesystem::exists(path, failure) && std::filesystem::exists(named, failure);
+    return extended ? named : path;
+}
+
 const char* dofiledirectory() {
     const char* own = symtabstring("DOFILEDIR", "");
     return *own ? own : report.filedir.c_str();
@@ -325,8 +333,9 @@ void dokeyboardline() {
 }
 
 std::string dofilename(int symbol) {
-    if (sym(symbol).type == TEMPSTRING) return bindname(stringval(symbol), dofiledirectory(), nullptr);
-    return bindname(sym(symbol).name, dofiledirectory(), "do");
+    if (sym(symbol).type == TEMPSTRING)
+        return dofilepath(bindname(stringval(symbol), dofiledirectory(), nullptr));
+    return findfile(bindname(sym(symbol).name, dofiledirectory(), "do"));
 }
 
 // A tail call: the caller's source is closed, not returned to.
@@ -343,7 +352,7 @@ void dofile(int symbol) {
     const std::string name = sym(symbol).name;
     if (name == "KLINE" || name == "kline") return dokeyboardline();
     if (sym(symbol).type == STRINGTYPE) return pushtext(stringval(symbol));
-    const std::string path = findfile(dofilename(symbol));
+    const std::string path = dofilename(symbol);
     std::string content;
     if (name == "CON" || name == "con" || !readwhole(path.c_str(), content))
         tarnerror("couldn't open DO file %.199s", path.c_str());

@@ -78,6 +78,8 @@ void dofile(int symbol);
 // FOR: takes the variable and the matrix from polstack and reads the body, whose bracket is the next token.
 void forop();
 
+// The do-file of this name, whatever the case of its letters; with ".do" behind it where only that exists.
+std::string dofilepath(const std::string& name);
 const char* dofiledirectory(); // DOFILEDIR, or the default directory of files
 
 // True if what runs now was typed at the keyboard, whatever loops it runs in.

@@ -21,7 +21,7 @@ bool batchstatements(const commandline& c, std::string& name, std::string& text)
         return true;
     }
     const bool standardinput = c.operand == "-";
-    name = standardinput ? "standard input" : c.operand;
+    name = standardinput ? "standard input" : dofilepath(c.operand);
     if (!(standardinput ? readwhole(stdin, text) : readwhole(name.c_str(), text))) return false;
     // The line of a script that names its interpreter; its line end stays, for the line numbers.
     if (text.starts_with("#!")) text.erase(0, text.find('\n'));

@@ -194,6 +194,7 @@ TEST_F(DoFiles, WhatDoTakes) {
         {namesymbol("A"), "A|"},
         {stringsymbol("b.txt", TEMPSTRING), "B|"},
         {stringsymbol("c", TEMPSTRING), "C|"},
+        {stringsymbol("a", TEMPSTRING), "A|"},
         {stringsymbol("./nowhere", STRINGTYPE), "./nowhere|"}, // the text is run, no file is opened
         {stringsymbol("X = 1\r\nY = 2", STRINGTYPE), "X = 1\rY = 2|"},
     };
