@@ -20,6 +20,12 @@ double rowsize(const minrun& r, int i) {
     return size;
 }
 
+double rowlength(const minrun& r, int i) {
+    double sum = 0;
+    for (int j = 0; j < r.n; j++) sum += coefs(r, i)[j] * coefs(r, i)[j];
+    return std::sqrt(sum);
+}
+
 bool isactive(const minrun& r, int i) {
     return std::find(r.active.begin(), r.active.end(), i) != r.active.end();
 }
@@ -43,7 +49,9 @@ bool orthrow(minrun& r, size_t k) {
         for (size_t i = 0; i < n; i++) v[j] += a[i] * r.Z[i * n + j];
     double head = 0, tail = 0;
     for (size_t j = 0; j < n; j++) (j < k ? head : tail) += v[j] * v[j];
-    if (tail <= 1e-20 * (head + tail) || tail == 0) return false;
+    const bool independent =
+        k == 0 ? tail > 0 : double(n - k) * head * r.sw.gtol * r.sw.gtol < double(k) * tail;
+    if (!independent) return false;
     const double length = v[k] >= 0 ? std::sqrt(tail) : -std::sqrt(tail);
     for (size_t j = 0; j < k; j++) r.R[k * n + j] = v[j];
     r.R[k * n + k] = -length;
@@ -52,7 +60,7 @@ bool orthrow(minrun& r, size_t k) {
     return true;
 }
 
-// The nearest point on the active rows: errors of rounding and of the margin are taken out.
+// One pass towards the nearest point on the active rows.
 void projectactive(minrun& r) {
     const size_t n = size_t(r.n), m = r.active.size();
     std::vector<double> y(m);
@@ -65,7 +73,20 @@ void projectactive(minrun& r) {
         for (size_t k = 0; k < m; k++) r.x[i] += r.Z[i * n + k] * y[k];
 }
 
-// Phase one as a linear program: the smallest move (sum of its parts) from the start into the feasible set.
+double distance(void* context, const double* x) {
+    const std::vector<double>& from = *static_cast<std::vector<double>*>(context);
+    double sum = 0;
+    for (size_t j = 0; j < from.size(); j++) sum += (x[j] - from[j]) * (x[j] - from[j]);
+    return sum;
+}
+
+void distancegradient(void* context, const double* x, double* g) {
+    const std::vector<double>& from = *static_cast<std::vector<double>*>(context);
+    for (size_t j = 0; j < from.size(); j++) g[j] = 2 * (x[j] - from[j]);
+}
+
+/* Phase one: a linear program tells whether there is a feasible point, the smallest move in the sum of its
+ * parts; that point is a corner, where functions are apt to be stationary, so the nearest one is taken. */
 bool nearestfeasible(minrun& r) {
     const size_t n = size_t(r.n);
     solverconstraints rows;
@@ -77,11 +98,24 @@ bool nearestfeasible(minrun& r) {
         rows.type.push_back(r.cons.type[size_t(i)]);
         rows.rhs.push_back(-rowvalue(r, i, r.x));
     }
-    std::vector<double> move;
+    std::vector<double> move, from = r.x;
     double cost;
     if (linprog(std::vector<double>(2 * n, -1.0), rows, move, cost) != LPOPTIMAL) return false;
     for (size_t j = 0; j < n; j++) r.x[j] += move[j] - move[n + j];
+    minswitches quiet;
+    quiet.reptsw = 0;
+    const minproblem nearest{r.n, &from, distance, distancegradient};
+    r.x = minsolve(nearest, quiet, r.cons, r.x).x;
     return true;
+}
+
+// The worst distance of an active row, relative to its right side.
+double worstmiss(const minrun& r) {
+    double worst = 0;
+    for (int i : r.active)
+        worst =
+            std::max(worst, std::fabs(rowvalue(r, i, r.x)) / std::max(std::fabs(r.cons.rhs[size_t(i)]), 1.0));
+    return worst;
 }
 
 bool meets(const minrun& r, int i) {
@@ -138,7 +172,9 @@ bool minadd(minrun& r, int row) {
         return false;
     }
     if (reports(r, 16)) tarnprint("\n---add constraint %d\n", row + 1);
-    projectactive(r);
+    r.changes++;
+    std::fill(r.depends.begin(), r.depends.end(), 0);
+    minrelax(r);
     return true;
 }
 
@@ -151,11 +187,14 @@ double minleast(const minrun& r, int& place) {
         for (size_t j = k + 1; j < m; j++) sum -= r.R[j * n + k] * lambda[j];
         lambda[k] = sum / r.R[k * n + k];
     }
+    // rows that go and come at one point: the lowest number, so that they do not go round
+    const bool circling = r.changes > 2 * (r.n + r.cons.count);
     place = -1;
     double least = 0;
     for (size_t k = 0; k < m; k++) {
-        if (r.cons.type[size_t(r.active[k])] == 0) continue;
-        if (place < 0 || lambda[k] < least) {
+        const int row = r.active[k];
+        if (r.cons.type[size_t(row)] == 0 || !(lambda[k] * rowlength(r, row) < -0.01 * r.sw.gtol)) continue;
+        if (place < 0 || (circling ? row < r.active[size_t(place)] : lambda[k] < least)) {
             least = lambda[k];
             place = int(k);
         }
@@ -163,18 +202,24 @@ double minleast(const minrun& r, int& place) {
     return least;
 }
 
-void mindelete(minrun& r, int place) {
+bool mindelete(minrun& r) {
+    int place;
+    if (r.active.empty() || minleast(r, place) >= 0) return false;
     if (reports(r, 16)) tarnprint("\n---delete constraint %d", r.active[size_t(place)] + 1);
     r.active.erase(r.active.begin() + place);
     minbasis(r);
+    tofree(r, r.g, r.reduced);
+    r.changes++;
     r.slowcount = 0;
+    std::fill(r.depends.begin(), r.depends.end(), 0);
+    return true;
 }
 
 double minmaxstep(const minrun& r, int& row) {
     double most = MAXPOS;
     row = -1;
     for (int i = 0; i < r.cons.count; i++) {
-        if (isactive(r, i) || r.cons.type[size_t(i)] == 0) continue;
+        if (isactive(r, i) || r.cons.type[size_t(i)] == 0 || r.depends[size_t(i)]) continue;
         double slope = 0;
         for (int j = 0; j < r.n; j++) slope += coefs(r, i)[j] * r.scale[size_t(j)] * r.s[size_t(j)];
         if (!(slope < -1e-14 * rowsize(r, i))) continue;
@@ -185,6 +230,27 @@ double minmaxstep(const minrun& r, int& row) {
         }
     }
     return most >= MAXPOS ? MAXPOS : std::max(0.0, most - MARGIN * std::max(most, 1.0) * (most > MARGIN));
+}
+
+void minrelax(minrun& r) {
+    r.relax = worstmiss(r);
+    for (int pass = 0; pass < 5 && r.relax > 1e-14; pass++) {
+        const std::vector<double> before = r.x;
+        projectactive(r);
+        const double miss = worstmiss(r);
+        if (!(miss < r.relax)) {
+            r.x = before;
+            break;
+        }
+        r.relax = miss;
+    }
+}
+
+void minsettle(minrun& r) {
+    std::erase_if(r.active, [&](int i) {
+        return r.cons.type[size_t(i)] != 0 && std::fabs(rowvalue(r, i, r.x)) > 1e-8 * rowsize(r, i);
+    });
+    minbasis(r);
 }
 
 bool minfeasible(minrun& r) {

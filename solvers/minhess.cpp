@@ -8,48 +8,80 @@
 
 namespace {
 
+constexpr double MINSIGNAL = 1e300; // sums and multiples of MAXPOS and MAXNEG are signals like these
+
 double sample(minrun& r, const std::vector<double>& x) {
     r.fevals++;
-    return r.problem.value(r.problem.context, x.data());
+    const double f = r.problem.value(r.problem.context, x.data());
+    if (std::fabs(f) < MINSIGNAL) return f;
+    return f < 0 ? MAXNEG : MAXPOS;
 }
 
-// The mean of several evaluations; r.spread is their relative standard error.
-double samplemean(minrun& r, const std::vector<double>& x) {
+struct samplestats {
+    double mean, variance; // of the mean
+};
+
+samplestats samplemean(minrun& r, const std::vector<double>& x, long samples) {
     double mean = 0, square = 0;
-    for (long k = 1; k <= r.samples; k++) {
+    for (long k = 1; k <= samples; k++) {
         const double f = sample(r, x);
-        if (f >= MAXPOS || f <= MAXNEG) return f;
+        if (f >= MAXPOS || f <= MAXNEG) return {f, 0};
         const double off = f - mean;
         mean += off / double(k);
         square += off * (f - mean);
     }
-    if (r.samples > 1)
-        r.spread = std::sqrt(square / double(r.samples * (r.samples - 1))) / std::max(std::fabs(mean), 1e-12);
-    return mean;
+    return {mean, square / (double(samples) * double(std::max(samples - 1, 1L)))};
 }
 
-// A value outside the domain on one side leaves a one-sided difference.
+bool isvalue(double f) { return std::fabs(f) < MINSIGNAL; }
+
+// Outside the domain on one side: the parabola through the values on the other.
+double onesided(minrun& r, std::vector<double>& y, size_t i, double delta, double f1) {
+    const double x = y[i], f0 = sample(r, y);
+    y[i] = x + 2 * delta;
+    const double f2 = sample(r, y);
+    y[i] = x;
+    if (!isvalue(f0)) return 0;
+    return isvalue(f2) ? (4 * f1 - 3 * f0 - f2) / (2 * delta) : (f1 - f0) / delta;
+}
+
 void differences(minrun& r, const std::vector<double>& x, std::vector<double>& g) {
     std::vector<double> y = x;
-    const double f = r.f;
     for (size_t i = 0; i < x.size(); i++) {
-        double delta = std::max(std::fabs(x[i]), 1.0) * 0.0001;
-        if (r.sw.stochsw) delta *= std::max(10.0, 1e4 * std::cbrt(r.spread));
+        const double delta = std::max(std::fabs(x[i]), 1.0) * 0.0001;
         y[i] = x[i] + delta;
-        const double up = r.sw.stochsw ? samplemean(r, y) : sample(r, y);
+        const double up = sample(r, y);
         y[i] = x[i] - delta;
-        const double down = r.sw.stochsw ? samplemean(r, y) : sample(r, y);
+        const double down = sample(r, y);
         y[i] = x[i];
-        if (up < MAXPOS && down < MAXPOS)
+        if (isvalue(up) && isvalue(down))
             g[i] = (up - down) / (2 * delta);
-        else if (up < MAXPOS)
-            g[i] = (up - f) / delta;
-        else if (down < MAXPOS)
-            g[i] = (f - down) / delta;
+        else if (isvalue(up))
+            g[i] = onesided(r, y, i, delta, up);
         else
-            g[i] = 0;
-        if (!(std::fabs(g[i]) <= MAXPOS)) g[i] = g[i] > 0 ? 1e300 : -1e300;
+            g[i] = isvalue(down) ? onesided(r, y, i, -delta, down) : 0;
     }
+}
+
+/* Of means of samples, over a step that grows with the noise. r.gradientnoise is the mean square of the
+ * components in units of their errors: an F ratio, about 1 where the gradient is nothing but noise. */
+void noisydifferences(minrun& r, const std::vector<double>& x, std::vector<double>& g) {
+    std::vector<double> y = x;
+    const long samples = std::max(r.samples, long(r.sw.nsize));
+    const double wide = std::max(10.0, 1e4 * std::cbrt(r.spread));
+    double ratio = 0;
+    for (size_t i = 0; i < x.size(); i++) {
+        const double delta = std::max(std::fabs(x[i]), 1.0) * 0.0001 * wide;
+        y[i] = x[i] + delta;
+        const samplestats up = samplemean(r, y, samples);
+        y[i] = x[i] - delta;
+        const samplestats down = samplemean(r, y, samples);
+        y[i] = x[i];
+        g[i] = isvalue(up.mean) && isvalue(down.mean) ? (up.mean - down.mean) / (2 * delta) : 0;
+        const double variance = (up.variance + down.variance) / (4 * delta * delta);
+        ratio += variance > 0 ? g[i] * g[i] / variance : 0;
+    }
+    r.gradientnoise = ratio / r.n;
 }
 
 // May the point be moved by `step` along the free direction? Constraints that are not active stop it.
@@ -77,7 +109,7 @@ void hessiancolumn(minrun& r, size_t i, std::vector<double>& column) {
     unit[i] = 1;
     tofull(r, unit, full);
     const auto moved = [&](double by) {
-        for (size_t j = 0; j < y.size(); j++) y[j] = r.x[j] + by * full[j];
+        for (size_t j = 0; j < y.size(); j++) y[j] = r.x[j] + by * r.scale[j] * full[j];
         return allowed(r, y);
     };
     if (!moved(step)) step = -step;
@@ -154,7 +186,13 @@ std::vector<double> freehessian(minrun& r) {
 } // namespace
 
 double minvalue(minrun& r, const std::vector<double>& x) {
-    const double f = r.sw.stochsw ? samplemean(r, x) : sample(r, x);
+    double f;
+    if (r.sw.stochsw) {
+        const samplestats stats = samplemean(r, x, r.samples);
+        f = stats.mean;
+        r.spread = std::sqrt(stats.variance) / std::max(std::fabs(f), 1e-12);
+    } else
+        f = sample(r, x);
     if (f < r.fbest) {
         r.fbest = f;
         r.xbest = x;
@@ -166,20 +204,58 @@ void mingradient(minrun& r, const std::vector<double>& x, std::vector<double>& g
     r.gevals++;
     if (r.problem.gradient)
         r.problem.gradient(r.problem.context, x.data(), g.data());
+    else if (r.sw.stochsw)
+        noisydifferences(r, x, g);
     else
         differences(r, x, g);
+    for (size_t i = 0; i < g.size(); i++) g[i] = std::isnan(g[i]) ? 0 : g[i] * r.scale[i];
+}
+
+void mingradients(minrun& r) {
+    mingradient(r, r.x, r.g);
+    tofree(r, r.g, r.reduced);
+}
+
+void minevaluate(minrun& r, const std::vector<double>& x) {
+    r.x = x;
+    r.f = minvalue(r, r.x);
+    mingradients(r);
 }
 
 void minidentity(minrun& r) {
     const size_t nf = size_t(r.nfree());
     r.H.assign(nf * nf, 0);
     for (size_t i = 0; i < nf; i++) r.H[i * nf + i] = 1;
+    r.bfgscount = 0;
+}
+
+/* H := (I - v w'/ys) H (I - w v'/ys) + v v'/ys, with the step v and the change of the gradient w in the free
+ * space. */
+void minbfgs(minrun& r) {
+    const size_t nf = size_t(r.nfree());
+    std::vector<double> p(r.x.size()), q(r.x.size()), v, w, hw(nf, 0);
+    for (size_t i = 0; i < p.size(); i++) {
+        p[i] = (r.x[i] - r.xprev[i]) / r.scale[i];
+        q[i] = r.g[i] - r.gprev[i];
+    }
+    tofree(r, p, v);
+    tofree(r, q, w);
+    double ys = dot(v, w);
+    if (ys == 0) ys = 1;
+    for (size_t i = 0; i < nf; i++)
+        for (size_t j = 0; j < nf; j++) hw[i] += r.H[i * nf + j] * w[j];
+    const double factor = (1 + dot(w, hw) / ys) / ys;
+    for (size_t i = 0; i < nf; i++)
+        for (size_t j = 0; j < nf; j++)
+            r.H[i * nf + j] += factor * v[i] * v[j] - (v[i] * hw[j] + hw[i] * v[j]) / ys;
+    r.bfgscount++;
+    if (reports(r, 64)) tarnprint("BFGS-updating inverse Hessian.\n");
 }
 
 void minhessian(minrun& r) {
     const size_t nf = size_t(r.nfree());
     r.bfgscount = 0;
-    r.avgstep = 0;
+    r.hessianat = r.iteration;
     if (r.sw.hessmsw == 0) {
         if (reports(r, 8)) tarnprint("computing Hessian = I.\n");
         return minidentity(r);
@@ -192,7 +268,7 @@ void minhessian(minrun& r) {
     if (r.sw.hessmsw > 0 || pivot >= 0) return;
     const double shift = gershgorinshift(a, nf, pivot);
     for (size_t i = 0; i < nf; i++) a[i * nf + i] += shift;
-    tarnprint("\nforce hessian to be positive definite\n");
+    if (r.sw.reptsw) tarnprint("\nforce hessian to be positive definite\n");
     r.H = a;
     minldl(r.H, nf, r.hessfloor, true);
 }
@@ -201,8 +277,9 @@ std::vector<double> mintruehessian(const minproblem& problem, const std::vector<
     minrun r(problem, {}, {});
     r.x = x;
     r.g.assign(x.size(), 0);
-    r.f = r.fbest = minvalue(r, x);
+    r.scale.assign(x.size(), 1);
+    r.f = minvalue(r, x);
     minbasis(r);
-    mingradient(r, x, r.g);
+    mingradients(r);
     return freehessian(r);
 }

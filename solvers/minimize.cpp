@@ -32,7 +32,7 @@ struct minbinding {
     size_t nargs = 0;          // arguments of the call; further variables are scalars that the function reads
     std::vector<int> operands; // symbols as they were named
     std::vector<minvariable> variables;
-    bool hasmatrix = false;
+    bool hasmatrix = false, ode = false;
     flatptr program, gradient;
     std::vector<double> in;
 };
@@ -69,8 +69,8 @@ double functionvalue(void* context, const double* x) {
         flatrun(*b.program, x, &f);
     else
         f = callbyname(b);
-    // MAXPOS and MAXNEG are signals of the function, whichever way it is searched
-    return f >= MAXPOS || f <= MAXNEG ? f : f * b.sign;
+    // an integration that failed has no value, whichever way it is searched
+    return b.ode && f >= MAXPOS ? f : f * b.sign;
 }
 
 void functiongradient(void* context, const double* x, double* g) {
@@ -237,7 +237,8 @@ void printexit(const minresult& r, size_t n) {
         tarnprint("Check your constraint set\n");
         break;
     case MINUNBOUNDED: tarnprint("Exit because a MAXNEG fct value occurred.\n"); break;
-    case MINSPREAD: tarnprint("\n"); break;
+    case MINSPREAD:
+    case MININTERRUPTED: tarnprint("\n"); break;
     }
 }
 
@@ -290,10 +291,10 @@ double minimize(const callargs& a, double sign) {
     if (b.nargs > b.operands.size()) argtype("minimize");
     minswitches sw = readswitches();
     sw.critical = criticalspread(sw, b.variables.size());
-    const bool ode = dependsonode(b);
+    b.ode = dependsonode(b);
     const bool symbolic =
-        whole("SYMDSW", 1) != 0 && !b.hasmatrix && !ode && !sw.stochsw && sym(b.f).type == USERFUNCTION;
-    if (!b.hasmatrix && !ode && sym(b.f).type == USERFUNCTION) b.program = compile(b, {b.f});
+        whole("SYMDSW", 1) != 0 && !b.hasmatrix && !b.ode && !sw.stochsw && sym(b.f).type == USERFUNCTION;
+    if (!b.hasmatrix && !b.ode && sym(b.f).type == USERFUNCTION) b.program = compile(b, {b.f});
     if (symbolic) makegradient(b);
     minproblem problem;
     problem.n = int(b.variables.size());
@@ -308,7 +309,7 @@ double minimize(const callargs& a, double sign) {
     finalreport(r, sw, cons.count > 0);
     keephessian(problem, b, r);
     store(b, r.x.data());
-    return r.f >= MAXPOS || r.f <= MAXNEG ? r.f : r.f * sign;
+    return r.f * sign;
 }
 
 double minimizecall(const callargs& a) { return minimize(a, 1); }

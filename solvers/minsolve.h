@@ -46,8 +46,9 @@ enum minexit {
     MINSMALLSTEP = 2,
     MINITERATIONS = 3,
     MININFEASIBLE = 4,
-    MINUNBOUNDED = 5, // a value of MAXNEG
-    MINSPREAD = 6     // stochastic mode: the noise hides what is left
+    MINUNBOUNDED = 5,  // a value of MAXNEG
+    MINSPREAD = 6,     // stochastic mode: the noise hides what is left
+    MININTERRUPTED = 7 // by Q
 };
 
 struct minresult {
@@ -57,8 +58,7 @@ struct minresult {
     std::vector<int> active; // numbers of active constraints, from 1, in the order they were added
     long fevals = 0, gevals = 0;
     int iterations = 0;
-    int reptsw = 512; // as R left it
-    bool interrupted = false;
+    int reptsw = 512;             // as R left it
     std::vector<double> hinverse; // n by n inverse Hessian of an unconstrained end, empty when there is none
 };
 
