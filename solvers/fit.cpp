@@ -116,7 +116,7 @@ void storeresiduals(const fitbinding& b, const fitresult& r) {
     if (level <= 0) return;
     std::vector<double> resid(b.m);
     for (size_t i = 0; i < resid.size(); i++)
-        resid[i] = (b.y[i] - r.f[i]) * (level > 1 ? std::sqrt(std::max(r.w[i], 0.0)) : 1);
+        resid[i] = r.resid[i] * (level > 1 ? std::sqrt(std::max(r.w[i], 0.0)) : 1);
     storematrix("RESID", columnof(resid));
 }
 

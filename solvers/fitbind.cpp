@@ -1,6 +1,7 @@
 #include "solvers/fitbind.h"
 
 #include "funcs/deriv.h"
+#include "funcs/precisevalue.h"
 #include "funcs/trinode.h"
 #include "funcs/value.h"
 #include "interp/base/machine.h"
@@ -221,6 +222,33 @@ void modeljacobian(void* context, double* jac) {
     }
 }
 
+/* At twice the precision, by a walk of the trees; given up where that would take longer than a reader of the
+ * result would like. */
+bool modelprecise(void* context, const dd* p, dd* resid, dd* jac) {
+    constexpr double mostwork = 2e5; // some 10 ms
+    const fitbinding& b = *static_cast<fitbinding*>(context);
+    std::vector<preciseparameter> parameters;
+    for (const fitslot& slot : b.slots) parameters.push_back({slot.symbol, slot.element});
+    preciseevaluator evaluator(std::move(parameters));
+    std::vector<dd> gradient(b.slots.size());
+    double work = 0;
+    for (size_t k = 0; k < b.pairs.size(); k++) {
+        const harray* data = matrixof(b.pairs[k].data);
+        std::vector<dd> args(data->cols - 1);
+        for (size_t i = 0; i < data->rows; i++) {
+            const size_t row = b.offset[k] + i;
+            for (size_t j = 0; j < args.size(); j++) args[j] = precisedecimal(at(data, i + 1, j + 1));
+            dd f;
+            if (!evaluator.run(b.pairs[k].func, args, p, f, gradient.data())) return false;
+            resid[row] = precisedecimal(at(data, i + 1, data->cols)) - f;
+            for (size_t j = 0; j < gradient.size(); j++) jac[j * b.m + row] = gradient[j];
+            if (i == 0) work += double(evaluator.work()) * data->rows;
+            if (work > mostwork) return false;
+        }
+    }
+    return true;
+}
+
 // ---- weight functions: W(M, i)
 
 double weightvalue(const fitpair& pair, size_t row) {
@@ -292,6 +320,7 @@ fitmodel fitmodelof(fitbinding& b) {
     model.context = &b;
     model.values = modelvalues;
     if (!b.merged.empty() && !b.hasmatrix) model.several = modelseveral;
+    if (!b.ode.system.active()) model.precise = modelprecise;
     if (b.symbolic) model.jacobian = modeljacobian, model.both = modelboth;
     if (std::any_of(b.pairs.begin(), b.pairs.end(), isweightfunction)) model.weights = modelweights;
     model.printparms = printparameters;

@@ -8,21 +8,7 @@ double constraintcoef(const fitrun& r, int i, int j) {
     return r.cons.coef[size_t(i) * r.cons.width + r.element[j]];
 }
 
-namespace {
-
-struct dualstate {
-    int count;
-    double guard; // relative addition to the diagonal
-    bool project;
-    std::vector<double> violation; // > 0: violated
-    std::vector<double> g, diag;   // the dual matrix (see symsweep.h) and its diagonal
-    std::vector<double> u, prev, multipliers;
-    std::vector<char> active;
-    symsweepwork<double> work;
-};
-
-// Violations at r.p, positive where a row is broken; false when none is.
-bool violated(const fitrun& r, std::vector<double>& violation) {
+bool fitviolated(const fitrun& r, std::vector<double>& violation) {
     bool any = false;
     violation.assign(size_t(r.cons.count), 0);
     for (int i = 0; i < r.cons.count; i++) {
@@ -39,6 +25,19 @@ bool violated(const fitrun& r, std::vector<double>& violation) {
     }
     return any;
 }
+
+namespace {
+
+struct dualstate {
+    int count;
+    double guard; // relative addition to the diagonal
+    bool project;
+    std::vector<double> violation; // > 0: violated
+    std::vector<double> g, diag;   // the dual matrix (see symsweep.h) and its diagonal
+    std::vector<double> u, prev, multipliers;
+    std::vector<char> active;
+    symsweepwork<double> work;
+};
 
 // c_i' v
 double rowtimes(const fitrun& r, int i, const std::vector<double>& v) {
@@ -184,7 +183,7 @@ void constrainpass(fitrun& r, bool project, double guard, bool keep) {
     d.count = r.cons.count;
     d.guard = guard;
     d.project = project;
-    if (!violated(r, d.violation)) {
+    if (!fitviolated(r, d.violation)) {
         if (keep) r.lagrange.assign(size_t(d.count), 0);
         return;
     }
@@ -205,5 +204,5 @@ void constrainpass(fitrun& r, bool project, double guard, bool keep) {
 void fitconstrain(fitrun& r, bool project) {
     constrainpass(r, project, project ? 1e-9 : 1e-8, true);
     std::vector<double> left;
-    if (!project && violated(r, left)) constrainpass(r, true, 1e-9, false);
+    if (!project && fitviolated(r, left)) constrainpass(r, true, 1e-9, false);
 }

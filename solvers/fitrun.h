@@ -87,4 +87,12 @@ double constraintcoef(const fitrun& r, int i, int j); // of constraint i for slo
 /* Moves r.p into the feasible set. project: in the plain metric; else the trial step is replaced by the
  * constrained step under the metric of the damped normal matrix. */
 void fitconstrain(fitrun& r, bool project);
+// Violations at r.p, positive where a row is broken; false when none is.
+bool fitviolated(const fitrun& r, std::vector<double>& violation);
+
+// ---- the end
+
+/* Where the fit has ended: r.normal := the inverse of J'WJ, r.ptpdia its diagonal, r.resid := y less the
+ * model. Takes the last digits of the parameters and the sum along where they are to be had. */
+void fitlastdigits(fitrun& r);
 void fitstatistics(fitrun& r, fitresult& result);

@@ -265,7 +265,7 @@ void allocate(fitrun& r, const std::vector<double>& p, const double* w0) {
 
 void takeresult(fitrun& r, fitresult& result) {
     result.p = r.pbest;
-    result.f = r.fbest;
+    result.resid = r.resid;
     result.w = r.w;
     result.memory = std::move(r.memory);
     result.sosq = r.bestsosq;

@@ -9,6 +9,7 @@
 #pragma once
 
 #include "solvers/symsweep.h"
+#include "special/doubledouble.h"
 #include "values/harray.h"
 
 #include <vector>
@@ -37,6 +38,9 @@ struct fitmodel {
     // Symbolic Jacobian where the last evaluation was: n columns of m derivatives, one behind the other;
     // null: central differences.
     void (*jacobian)(void* context, double* jac) = nullptr;
+    // Residuals y - f and the Jacobian (as above) at p, at twice the precision; false where they are not to
+    // be had so, or not at a cost that a fit can bear. Null: never.
+    bool (*precise)(void* context, const dd* p, dd* resid, dd* jac) = nullptr;
     // User weights w0 at p, where weight functions are given; null: they stay.
     void (*weights)(void* context, const double* p, double* w0) = nullptr;
     // Prints the parameters p, a line each (reports).
@@ -52,10 +56,10 @@ struct fitswitches {
 };
 
 struct fitresult {
-    std::vector<double> p;                   // best point
-    harrayptr memory;                        // of the next two
-    const double *f = nullptr, *w = nullptr; // there, m of each: model values, weights in force
-    double sosq = 0;                         // best weighted sum of squares
+    std::vector<double> p;                       // best point
+    harrayptr memory;                            // of the next two
+    const double *resid = nullptr, *w = nullptr; // there, m of each: y less the model, weights in force
+    double sosq = 0;                             // best weighted sum of squares
     double rms = 0, deviation = 0, rsquared = 0;
     std::vector<double> stderrors, dependency, covariance; // covariance: n by n
     std::vector<double> lagrange;                          // multipliers of the constraints

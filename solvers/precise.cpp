@@ -58,6 +58,21 @@ precisenormal precisesums(const fitrun& r) {
     return normal;
 }
 
+precisenormal precisesums(const fitrun& r, const dd* resid, const dd* jac) {
+    const size_t n = size_t(r.n), m = size_t(r.m);
+    precisenormal normal{r.n, std::vector<dd>(n * n), std::vector<dd>(n)};
+    std::vector<dd> weighted(m);
+    for (size_t j = 0; j < n; j++) {
+        for (size_t i = 0; i < m; i++) {
+            weighted[i] = jac[j * m + i] * r.w[i];
+            normal.gradient[j] += weighted[i] * resid[i];
+        }
+        for (size_t k = j; k < n; k++)
+            for (size_t i = 0; i < m; i++) normal.a[j * n + k] += weighted[i] * jac[k * m + i];
+    }
+    return normal;
+}
+
 precisefactor precisefactors(const precisenormal& normal, const std::vector<double>& added) {
     const size_t n = size_t(normal.n);
     precisefactor f{normal.n, std::vector<dd>(n * n), std::vector<dd>(n), std::vector<double>(n, 0)};

@@ -14,7 +14,8 @@ struct precisenormal {
     std::vector<dd> a;        // J'WJ, n by n, the upper triangle with the diagonal
     std::vector<dd> gradient; // J'W (y - f)
 };
-precisenormal precisesums(const fitrun& r); // at r.fbest, with r.jac
+precisenormal precisesums(const fitrun& r);                                 // at r.fbest, with r.jac
+precisenormal precisesums(const fitrun& r, const dd* resid, const dd* jac); // columns as r.jac
 
 /* L D L' of J'WJ with `added` on its diagonal, scaled by powers of two to a diagonal near 1; a pivot is held
  * above 1e-28. Rows of a zero diagonal stay zero. */

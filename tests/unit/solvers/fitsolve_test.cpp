@@ -335,8 +335,8 @@ TEST_F(fittest, interruptedAnywhereTheResultIsWhole) {
         retried += r.retried;
         double sum = 0;
         for (size_t i = 0; i < y.size(); i++) {
-            EXPECT_EQ(r.f[i], model(r.p.data(), i)) << stop;
-            sum += (y[i] - r.f[i]) * (y[i] - r.f[i]);
+            EXPECT_EQ(r.resid[i], y[i] - model(r.p.data(), i)) << stop;
+            sum += r.resid[i] * r.resid[i];
         }
         ASSERT_NEAR(r.sosq, sum, 1e-9 * sum) << stop;
         EXPECT_TRUE(!ended || std::fabs(r.sosq - 1168.0088766) < 1e-4) << r.sosq;
