@@ -195,10 +195,23 @@ int brokenconstraint(const fitbinding& b, const solverconstraints& cons, const f
     return 0;
 }
 
+// The sum has no value: because a cell of the data has none, as an empty field that READCSV has read, or else
+// by the parameters.
+void tellnovalue(const fitbinding& b) {
+    for (const fitpair& pair : b.pairs) {
+        const harray* m = matrixof(pair.data);
+        for (uint32_t i = 1; i <= m->rows; i++)
+            for (uint32_t j = 1; j <= m->cols; j++)
+                if (at(m, i, j) == MAXPOS)
+                    return tarnwarn(
+                        "FIT: row %u, column %u of the data has no value; COMPRESS leaves rows out", i, j);
+    }
+    tarnwarn("FIT: the model has no value at the starting parameters; try other starting values");
+}
+
 /* What a reader of "CONVERGED" should know besides: a fit can stand still without having found anything. */
 void warnings(const fitbinding& b, const fitswitches& sw, const solverconstraints& cons, const fitresult& r) {
-    if (!r.started && !r.lowered)
-        return tarnwarn("FIT: the model has no value at the starting parameters; try other starting values");
+    if (!r.started && !r.lowered) return tellnovalue(b);
     if (sw.maxiter <= 0)
         tarnwarn("FIT: MAXITER is 0, the parameters were not changed");
     else if (!r.lowered && r.sosq > 0)

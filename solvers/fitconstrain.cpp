@@ -164,8 +164,9 @@ void movepoint(fitrun& r, const dualstate& d) {
     for (int j = 0; j < r.n; j++) r.p[j] = r.p0[j] + step[j];
 }
 
-// A bound on one parameter alone is met exactly.
-void exactbounds(fitrun& r) {
+// A bound on one parameter alone is met exactly where it holds the point: what rounding leaves between them
+// would give parameters that have no effect at the bound a tiny one, and the next step a way to anywhere.
+void exactbounds(fitrun& r, const std::vector<double>& multipliers) {
     for (int i = 0; i < r.cons.count; i++) {
         int only = -1, terms = 0;
         for (int j = 0; j < r.n; j++)
@@ -173,7 +174,8 @@ void exactbounds(fitrun& r) {
         if (terms != 1) continue;
         const double c = constraintcoef(r, i, only), value = c * r.p[only], rhs = r.cons.rhs[i];
         const int type = r.cons.type[i];
-        if (type == 0 ? value != rhs : type < 0 ? value > rhs : value < rhs) r.p[only] = rhs / c;
+        const bool broken = type == 0 ? value != rhs : type < 0 ? value > rhs : value < rhs;
+        if (broken || multipliers[size_t(i)] != 0) r.p[only] = rhs / c;
     }
 }
 
@@ -196,7 +198,7 @@ void constrainpass(fitrun& r, bool project, double guard, bool keep) {
     }
     if (keep) r.lagrange = d.multipliers;
     movepoint(r, d);
-    exactbounds(r);
+    exactbounds(r, d.multipliers);
 }
 
 } // namespace

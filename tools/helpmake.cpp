@@ -243,9 +243,8 @@ void readpage(const std::string& path, book& b) {
 topic toptopic(const book& b) {
     topic t;
     t.names = {"top"};
-    t.lines = {"TARN", "",
-               "Choose a chapter by its number, or type the name of a statement, a switch or a function.",
-               ""};
+    t.lines = {"TARN", "", "Choose a chapter by its number, or type the name of a statement, a switch or a",
+               "function.", ""};
     for (const topic& each : b.topics) {
         if (each.level == 1) { t.menu.push_back({each.lines[0], each.names[0]}); }
     }

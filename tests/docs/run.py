@@ -4,7 +4,8 @@
 A fenced block in README.md or docs/ whose first line begins with "* " is a piece of a session: lines with a prompt ("* ",
 ": " after a backslash, "> " inside braces) are typed, the others must be the answer. "..." stands for any number of lines;
 spacing and empty lines do not count, numbers may differ in their last digits. A heading starts a new session, unless the
-document holds the comment <!-- one session -->. --update writes the answers into the documents: read the difference.
+document holds the comment <!-- one session -->. In a table whose head ends in "| Here | Answer |" each row is a session: the
+codes of its last column but one are typed, and the answer must hold what its last column shows. --update writes the answers into the documents: read the difference.
 """
 import argparse
 import concurrent.futures
@@ -123,6 +124,26 @@ def update(path, tarn):
     path.write_text("\n".join(lines) + "\n")
 
 
+def tablerows(path):
+    """Rows of the tables that show what is typed and answered, as (line number, lines typed, part of the answer)."""
+    intable = False
+    for number, line in enumerate(path.read_text().splitlines()):
+        intable = line.startswith("|") and (intable or line.endswith("| Here | Answer |"))
+        if not intable or line.startswith("|---") or line.endswith("| Here | Answer |"):
+            continue
+        here, answer = (re.findall(r"`([^`]*)`", cell) for cell in line.split("|")[-3:-1])
+        yield number, here, "".join(answer)
+
+
+def checkrow(tarn, path, number, here, answer):
+    row = Session(path)
+    row.lines = [(number, "* " + text) for text in here]
+    got = [line for line in transcript(tarn, row) if not line.startswith("* ")]
+    if any(line.startswith(("##", "Error line")) for line in got) or not any(answer in line for line in got or [""]):
+        return f"{path.relative_to(ROOT)}:{number + 1}\n    typed: {here}\n    shown: {answer}\n    got:   {got}"
+    return None
+
+
 def check(tarn, session):
     try:
         return difference(transcript(tarn, session), session)
@@ -154,10 +175,12 @@ def main():
     every = [session for path in paths for session in sessions(path)]
     with concurrent.futures.ThreadPoolExecutor(2) as pool:
         wrong = [text for text in pool.map(lambda s: check(tarn, s), every) if text]
+        rows = [(path, *row) for path in paths for row in tablerows(path)]
+        wrong += [text for text in pool.map(lambda row: checkrow(tarn, *row), rows) if text]
     if not args.names:
         wrong += [f"{word} has no topic in docs/reference" for word in undocumented(tarn)]
     print(*wrong, sep="\n", end="\n" if wrong else "")
-    print(f"documents: {len(every)} sessions, {len(wrong)} faults")
+    print(f"documents: {len(every)} sessions, {len(rows)} rows of tables, {len(wrong)} faults")
     return 1 if wrong else 0
 
 

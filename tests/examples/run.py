@@ -40,6 +40,8 @@ FIGURES = {
     "lynxhare": ("scipy.integrate.solve_ivp, scipy.optimize.least_squares", {
         "H0": 34.914288, "L0": 3.86186639, "BIRTH": 0.481199034, "HUNT": 0.0248317607, "FEED": 0.0275329506,
         "DEATH": 0.926018342, "SOSQ": 594.74456, "DEATH/FEED": 33.633095}),
+    "mine": ("scipy.optimize.least_squares", {
+        "HIGH": 154.1630485, "HALF": 627.1932186, "PACE": 362.5717023, "STDEST(1)": 11.33178888, "SOSQ": 176.9948617}),
     "misra1a": ("NIST Statistical Reference Datasets, Misra1a, certified", {
         "B1": 238.94212918, "B2": 5.5015643181e-4, "STDEST(1)": 2.7070075241, "STDEST(2)": 7.2668688436e-6,
         "SOSQ": 0.12455138894}),

@@ -15,6 +15,13 @@ FIT (B1,B2), F TO M
 MAXITER = 1000
 B2 = -1000
 FIT (B1,B2), F TO M
+"A cell without a value is told by its place"
+N = (1:3) &' LIST(2, MAXPOS, 6)
+FUNCTION STRAIGHT(X) = B1*X
+B1 = 1
+FIT B1, STRAIGHT TO N
+N = COMPRESS(N &' ((N COL 2) < MAXPOS), 3) COL (1:2)
+FIT B1, STRAIGHT TO N
 "A failure inside the model leaves everything as it was, but for the parameters' last trial"
 S = SOSQ
 FUNCTION G(X) = B1+NOSUCH*X

@@ -124,7 +124,7 @@ TEST_F(fittest, constrainedLinearFitsReachTheEnumeratedOptimum) {
     std::mt19937 random(7);
     std::normal_distribution<double> normal;
     std::uniform_int_distribution<int> type(-1, 1);
-    int compared = 0;
+    int compared = 0, exact = 0;
     for (int trial = 0; trial < 400; trial++) {
         const size_t n = 2 + size_t(trial % 3), m = n + 4;
         std::vector<vector> a(m, vector(n));
@@ -168,10 +168,15 @@ TEST_F(fittest, constrainedLinearFitsReachTheEnumeratedOptimum) {
                 EXPECT_NEAR(v, 0, 1e-6) << trial;
             else
                 EXPECT_GT(v * c.type[i], -1e-6) << trial;
+            if (trial % 5 == 0 && r.lagrange[i] != 0) { // a bound on one parameter: met to the last bit
+                EXPECT_EQ(v, 0) << trial;
+                exact++;
+            }
         }
         compared++;
     }
     EXPECT_GT(compared, 350);
+    EXPECT_GT(exact, 50);
 }
 
 // Norris, a certified linear regression of NIST (itl.nist.gov/div898/strd): straight line through 36 points;
