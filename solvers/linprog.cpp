@@ -7,8 +7,7 @@
 
 namespace {
 
-constexpr double TOLERANCE =
-    1e-6; // below it an auxiliary objective counts as zero, relative to the right sides
+constexpr double TOLERANCE = 1e-6; // below it an artificial variable counts as zero
 constexpr double ROUNDING = 1e-11; // below it a tableau entry counts as rounding, relative to its row
 
 /* basic[i] = row[i][0] + sum over j of row[i][j] * nonbasic[j]; row 0 is the objective, row m + 1 the
@@ -94,6 +93,7 @@ struct lprow {
     std::vector<double> a;
     double rhs;
     int type;
+    double scale = 1; // the row as it was given is this times the row
 };
 
 // Rows with a right side of at least zero and a largest coefficient of 1, less before greater before equal.
@@ -108,6 +108,7 @@ std::vector<lprow> normalrows(const solverconstraints& c) {
         if (size > 0) {
             for (double& x : row.a) x /= size;
             row.rhs /= size;
+            row.scale = size;
         }
         if (row.rhs < 0) {
             for (double& x : row.a) x = -x;
@@ -152,6 +153,21 @@ tableau newtableau(const std::vector<double>& cost, const std::vector<lprow>& ro
     return t;
 }
 
+/* Is an artificial variable left that counts beside the right side of its row, in the row as it was given or
+ * with its largest coefficient 1? */
+bool unmet(const tableau& t, const std::vector<lprow>& rows) {
+    for (size_t i = 1; i <= size_t(t.m); i++) {
+        if (t.basic[i] >= 0) continue;
+        const lprow& row = rows[size_t(-t.basic[i]) - 1];
+        const double left = t.row[i][0], given = left * row.scale;
+        if (left > TOLERANCE * std::max(row.rhs, 1.0)) return true;
+        if (given > TOLERANCE * std::max(row.rhs * row.scale, 1.0) &&
+            left > 1e-3 * TOLERANCE * std::max(row.rhs, 1.0))
+            return true;
+    }
+    return false;
+}
+
 // Artificial variables that are left at zero leave by any entry; where there is none the row says nothing.
 void dropartificials(tableau& t) {
     for (size_t i = 1; i <= size_t(t.m); i++) {
@@ -173,7 +189,7 @@ lpoutcome linprog(const std::vector<double>& cost, const solverconstraints& cons
     const bool artificial = std::any_of(rows.begin(), rows.end(), [](const lprow& r) { return r.type >= 0; });
     if (artificial) {
         climb(t, t.row.size() - 1); // bounded: a sum of what is not negative
-        if (t.row.back()[0] < -TOLERANCE * t.size) return LPINFEASIBLE;
+        if (unmet(t, rows)) return LPINFEASIBLE;
         dropartificials(t);
     }
     t.row.pop_back();

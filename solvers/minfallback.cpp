@@ -57,10 +57,20 @@ void descendfrom(minrun& r, const std::vector<double>& x, double f) {
     gradientrestart(r);
 }
 
+// Stochastic mode: more samples may show the descent that the noise hides.
+bool moresamples(minrun& r) {
+    if (!r.sw.stochsw || r.samples >= long(r.sw.ssize) << r.sw.maxsize) return false;
+    r.samples *= 2;
+    minevaluate(r, r.x);
+    return true;
+}
+
 } // namespace
 
 nextstep minnodescent(minrun& r) {
     if (r.sw.backtracksw == -2) return end(r, MINSMALLSTEP);
+    if (minnoisehides(r)) return end(r, MINSPREAD);
+    if (moresamples(r)) return NEXTITERATION;
     if (mindelete(r)) return NEWHESSIAN;
     if (minflat(r)) return end(r, MINCONVERGED);
     if (r.sw.gradsw == 0 && r.bfgscount > 0 && r.sw.hessmsw != 0) return NEWHESSIAN;

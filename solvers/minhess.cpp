@@ -283,3 +283,5 @@ std::vector<double> mintruehessian(const minproblem& problem, const std::vector<
     mingradients(r);
     return freehessian(r);
 }
+
+double mininverse(std::vector<double>& a, size_t n) { return minldl(a, n, 1e-12, false); }

@@ -10,6 +10,7 @@
 #include "interp/base/parser.h"
 #include "interp/base/report.h"
 #include "solvers/conset.h"
+#include "solvers/minreport.h"
 #include "solvers/minsolve.h"
 #include "solvers/odesetup.h"
 #include "values/harray.h"
@@ -134,6 +135,8 @@ minbinding operandsof(const callargs& a) {
         const int idx = a[k];
         const bool last = k == a.n && idx > 0 && sym(idx).type == CONSETTYPE;
         if (idx <= 0 || (sym(idx).type != SCALAR && !ismatrix(idx) && !last)) argtype("minimize");
+        if (std::find(b.operands.begin(), b.operands.end(), idx) != b.operands.end())
+            tarnerror("MINIMIZE: variable %s is named twice", sym(idx).name);
         b.operands.push_back(idx);
     }
     return b;
@@ -198,82 +201,28 @@ double criticalspread(const minswitches& sw, size_t n) {
     return quantile ? scalarbuiltin(-103, args, 3) : 0.2;
 }
 
-// ---- the report
-
-void printvector(const char* head, const char* indent, const std::vector<double>& v) {
-    tarnprint("%s", head);
-    for (size_t i = 0; i < v.size(); i++) {
-        if (i > 0 && i % 7 == 0) tarnprint("%s", indent);
-        tarnprint("%7.6e ", v[i]);
-    }
-    tarnprint(")\n");
-}
-
-void printexit(const minresult& r, size_t n) {
-    tarnprint("ecode = %hd, ", short(r.ecode));
-    switch (r.ecode) {
-    case MINCONVERGED: tarnprint("Converged.\n"); break;
-    case MINSLOW:
-        tarnprint("Exit due to slow rate of convergence.\n");
-        tarnprint("Try a smaller tolerance value or a larger maxslow value.\n");
-        break;
-    case MINSMALLSTEP:
-        if (r.active.size() == n) {
-            tarnprint("Converged.\n");
-            tarnprint("number of constraints is equal to the number of variables\n");
-            tarnprint("Solution point is on the boundary of the constraints.\n");
-        } else {
-            tarnprint("Exit due to small stepsizes, probably in a flat place.\n");
-            tarnprint("The answer may be very close to a solution.\n");
-            tarnprint("Try a larger value of eps or rho\n");
-        }
-        break;
-    case MINITERATIONS:
-        tarnprint("Exit due to running out of iterations.\n");
-        tarnprint("Try a larger value of maxit\n");
-        break;
-    case MININFEASIBLE:
-        tarnprint("Exit due to lack of a feasible region\n");
-        tarnprint("Check your constraint set\n");
-        break;
-    case MINUNBOUNDED: tarnprint("Exit because a MAXNEG fct value occurred.\n"); break;
-    case MINSPREAD:
-    case MININTERRUPTED: tarnprint("\n"); break;
-    }
-}
-
-void finalreport(const minresult& r, const minswitches& sw, bool constrained) {
-    if (!(r.reptsw & 512)) return;
-    tarnprint("\nThe function value is: %7.6e\n", r.f);
-    printvector("Argument(s): (", "\n              ", r.x);
-    printvector("Gradient: (", "\n           ", r.g);
-    printexit(r, r.x.size());
-    tarnprint("# of function evaluations: %ld\n", r.fevals);
-    tarnprint("# of gradient evaluations: %ld\n", r.gevals);
-    if (sw.newhess == 0)
-        tarnprint("# of Newton iterations: %hd\n", short(r.iterations));
-    else
-        tarnprint("# of Quasi-Newton iterations: %hd\n", short(r.iterations));
-    if (!constrained) return;
-    if (r.active.empty()) return tarnprint("There are no active constraints.\n");
-    tarnprint("The following constraints are active: ");
-    for (int i : r.active) tarnprint("%d ", i);
-    tarnprint("\n");
-}
-
 // ---- KEEPHESS
 
-void keephessian(const minproblem& problem, const minbinding& b, const minresult& r) {
-    const int keep = whole("KEEPHESS", 0);
-    if (keep == 0) return;
+// 0 none, 1 the inverse Hessian, 2 the Hessian itself. The name must be free for it.
+int readkeephess(const callargs& a) {
+    const int keep = whole("KEEPHESS", 0), idx = keep ? symtablookup("HESSIAN") : 0;
+    if (idx <= 0) return keep;
+    bool used = sym(idx).type != UNKNOWN && sym(idx).type != SCALAR && !ismatrix(idx);
+    for (int k = 1; k <= a.n; k++) used |= a[k] == idx;
+    if (used) tarnerror("MINIMIZE: the name HESSIAN is in use, KEEPHESS cannot take it");
+    return keep;
+}
+
+void keephessian(const minproblem& problem, double sign, const minresult& r, int keep) {
     const size_t n = r.x.size();
     std::vector<double> h = r.hinverse;
     if (keep == 2 || h.size() != n * n) {
         tarnprint("A hessian at the current point is computed.\n");
         h = mintruehessian(problem, r.x);
+        if (keep != 2) mininverse(h, n);
     }
     harrayptr m(harrayraw(uint32_t(n), uint32_t(n)));
-    for (size_t k = 0; k < n * n; k++) cells(m.get())[k + 1] = h[k] * b.sign;
+    for (size_t k = 0; k < n * n; k++) cells(m.get())[k + 1] = h[k] * sign;
     int idx = symtabenter("HESSIAN");
     if (sym(idx).type != UNKNOWN) {
         symtabdelete(idx);
@@ -283,9 +232,27 @@ void keephessian(const minproblem& problem, const minbinding& b, const minresult
     sym(idx).val.ptr = m.release();
 }
 
+// The variables as they were before the call, should the function fail on the way.
+struct startvalues {
+    const minbinding& b;
+    std::vector<double> x;
+    bool kept = true;
+
+    explicit startvalues(const minbinding& binding) : b(binding) {
+        for (const minvariable& v : b.variables)
+            x.push_back(v.element ? cells(matrixof(v.symbol))[v.element] : sym(v.symbol).val.rval);
+    }
+    ~startvalues() {
+        if (kept) store(b, x.data());
+    }
+    startvalues(const startvalues&) = delete;
+    startvalues& operator=(const startvalues&) = delete;
+};
+
 double minimize(const callargs& a, double sign) {
     minbinding b = operandsof(a);
     b.sign = sign;
+    const int keep = readkeephess(a);
     const solverconstraints cons = takeconstraints(b);
     b.nargs = argumentcount(b);
     if (b.nargs > b.operands.size()) argtype("minimize");
@@ -301,13 +268,12 @@ double minimize(const callargs& a, double sign) {
     problem.context = &b;
     problem.value = functionvalue;
     problem.gradient = symbolic ? functiongradient : nullptr;
-    std::vector<double> x;
-    for (const minvariable& v : b.variables)
-        x.push_back(v.element ? cells(matrixof(v.symbol))[v.element] : sym(v.symbol).val.rval);
-    const minresult r = minsolve(problem, sw, cons, x);
-    store(b, r.x.data());
-    finalreport(r, sw, cons.count > 0);
-    keephessian(problem, b, r);
+    startvalues start(b);
+    const minresult r = minsolve(problem, sw, cons, start.x);
+    minreport(r, sw, cons.count > 0);
+    minwarnings(problem, r, start.x);
+    if (keep) keephessian(problem, sign, r, keep);
+    start.kept = false;
     store(b, r.x.data());
     return r.f * sign;
 }

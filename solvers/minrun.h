@@ -111,7 +111,8 @@ nextstep minscale(minrun& r);     // judges the inverse Hessian: NEXTITERATION o
 // ---- minsearch.cpp
 bool minpolled(minrun& r); // true when Q was pressed
 nextstep minsearch(minrun& r);
-bool minflat(const minrun& r); // is the reduced gradient within its tolerance?
+bool minflat(const minrun& r);       // is the reduced gradient within its tolerance?
+bool minnoisehides(const minrun& r); // stochastic mode: is what is left of the gradient lost in its noise?
 
 // ---- minfallback.cpp
 nextstep minnodescent(minrun& r); // at the start of the iteration

@@ -73,11 +73,6 @@ bool converged(const minrun& r) {
     return minflat(r) && (r.iteration < 2 || smallmove(r)) && minleast(r, place) >= 0;
 }
 
-// Stochastic mode: what is left of the gradient is lost in its noise.
-bool noisehides(const minrun& r) {
-    return r.sw.stochsw && r.gradientnoise > 0 && r.gradientnoise < r.sw.critical;
-}
-
 // ---- the end of a step
 
 void keepgoodpoint(minrun& r) {
@@ -173,7 +168,7 @@ nextstep goodtrial(minrun& r, linesearch& l, double f) {
     r.f = f;
     mingradients(r);
     if (converged(r)) return end(r, MINCONVERGED);
-    if (noisehides(r)) return end(r, MINSPREAD);
+    if (minnoisehides(r)) return end(r, MINSPREAD);
     const double slope = dot(r.s, r.g), left = l.most - l.alpha;
     if (slope >= l.slope || l.interpolated || l.count >= MOSTTRIALS || !(left > 0) || 2 * l.alpha > 1e10)
         return endofstep(r, l);
@@ -235,6 +230,10 @@ bool minflat(const minrun& r) {
                          : r.active.empty() ? r.sw.gtol
                                             : 10 * r.sw.gtol;
     return largest(r.reduced) <= limit;
+}
+
+bool minnoisehides(const minrun& r) {
+    return r.sw.stochsw && r.gradientnoise > 0 && r.gradientnoise < r.sw.critical;
 }
 
 nextstep minsearch(minrun& r) {

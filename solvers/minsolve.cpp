@@ -113,8 +113,7 @@ minresult finish(minrun& r) {
         r.x = r.xbest;
         minsettle(r);
     }
-    r.f = r.problem.value(r.problem.context, r.x.data());
-    r.fevals++;
+    r.f = minvalue(r, r.x);
     std::fill(r.scale.begin(), r.scale.end(), 1.0);
     mingradient(r, r.x, r.g);
     result.x = r.x;

@@ -66,3 +66,5 @@ minresult minsolve(const minproblem& problem, const minswitches& switches,
                    const solverconstraints& constraints, const std::vector<double>& start);
 // Hessian of the function at x by differences of gradients, n by n.
 std::vector<double> mintruehessian(const minproblem& problem, const std::vector<double>& x);
+// Inverts the symmetric n by n matrix in place, pivots held away from zero; returns the smallest of them.
+double mininverse(std::vector<double>& a, size_t n);

@@ -87,6 +87,19 @@ struct objective {
     std::vector<int> names; // formals of a function, for constraints by name
 };
 
+// At a point with no coordinate 0 or 1, where a product of variables or a power would show.
+void warnnonlinear(const objective& o, int f) {
+    std::vector<double> x(o.cost.size());
+    double linear = o.constant, size = std::fabs(o.constant);
+    for (size_t k = 0; k < x.size(); k++) {
+        x[k] = 1.5 + double(k);
+        linear += o.cost[k] * x[k];
+        size += std::fabs(o.cost[k] * x[k]);
+    }
+    if (!(std::fabs(callvalue(f, x.data(), int(x.size())) - linear) <= 1e-9 * size))
+        tarnwarn("LINPROG: the function is not linear; its values at the unit vectors are taken");
+}
+
 /* The coefficients of a linear function are its values at the unit vectors, less its value at the origin. */
 objective functionobjective(int f) {
     objective o;
@@ -100,6 +113,7 @@ objective functionobjective(int f) {
         x[size_t(k) - 1] = 0;
         o.names.push_back(sym(f).type >= 0 ? formalref(f, k) : 0);
     }
+    warnnonlinear(o, f);
     return o;
 }
 

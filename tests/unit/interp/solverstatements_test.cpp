@@ -175,6 +175,36 @@ TEST_F(SolverStatements, Minimize) {
          "KEEPHESS = 2; X = 0; Y = 0; Q = MINIMIZE(F,X,Y); R = ABS(HESSIAN(1,1)-10) < 1E-3 AND "
          "ABS(HESSIAN(1,2)-8) < 1E-3; TYPE R",
          "A hessian at the current point is computed.\n  R = 1\n"},
+        {"the inverse Hessian under a constraint",
+         "KEEPHESS = 1; CONSTRAINTS C = { X + Y < 2 }; X = 0; Y = 0; Q = MINIMIZE(F,X,Y,C); P = "
+         "HESSIAN*((10&8)&'(8&10)); R = ABS(P(1,1)-1)+ABS(P(1,2))+ABS(P(2,1))+ABS(P(2,2)-1) < 1E-5; TYPE R; "
+         "KEEPHESS = 0",
+         "A hessian at the current point is computed.\n  R = 1\n"},
+        {"the Hessian of a maximum",
+         "KEEPHESS = 2; FUNCTION G(X) = 3-(X-2)^2; X = 0; Q = MAXIMIZE(G,X); R = ABS(HESSIAN(1,1)+2) < 1E-5; "
+         "TYPE R; "
+         "KEEPHESS = 0",
+         "A hessian at the current point is computed.\n  R = 1\n"},
+        {"its name among the variables",
+         "KEEPHESS = 1; HESSIAN = 3; Y = 1; Q = MINIMIZE(F,HESSIAN,Y); TYPE HESSIAN; "
+         "KEEPHESS = 0",
+         "##Error: MINIMIZE: the name HESSIAN is in use, KEEPHESS cannot take it\n"},
+        {"its name a function",
+         "KEEPHESS = 1; FUNCTION HESSIAN(X,Y) = X^2+Y^2; X = 1; Y = 1; Q = MINIMIZE(HESSIAN,X,Y)",
+         "##Error: MINIMIZE: the name HESSIAN is in use, KEEPHESS cannot take it\n"},
+        {"a variable twice", "X = 0; Q = MINIMIZE(F,X,X)", "##Error: MINIMIZE: variable X is named twice\n"},
+        {"a start that is a maximum", "FUNCTION G(X) = COS(X); X = 0; Q = MINIMIZE(G,X); TYPE Q",
+         "Warning: MINIMIZE: the gradient is zero at the start, which need not be an extremum\n  Q = 1\n"},
+        {"a start outside the domain",
+         "FUNCTION G(X) = IF X < 5 THEN 1.7E308 ELSE X^2; X = 0; Q = MINIMIZE(G,X); TYPE X",
+         "Warning: MINIMIZE: the function has no value at the start; try another one\n  X = 0\n"},
+        // a logarithm of nothing is MAXNEG: to a maximum that is no place to go
+        {"a likelihood with a domain",
+         "FUNCTION G(X) = LOG(X)-X/3; X = 8; Q = MAXIMIZE(G,X); R = ABS(X-3) < 1E-4; TYPE R",
+         "matherr: domain error in log\n  R = 1\n"},
+        {"a failure on the way gives the start back",
+         "FUNCTION G(X) = IF X < .5 THEN (X-1)^2 ELSE NOSUCH+X; X = 0; Q = MINIMIZE(G,X)",
+         "##Error: NOSUCH is not a matrix, function, initial, constant or scalar\n"},
         {"no function", "X = 0; Q = MINIMIZE(X,X)",
          "##Error: minimize: an expression is of the wrong type\n"},
         {"no variable", "Q = MINIMIZE(F,\"A\",\"B\")",
@@ -212,6 +242,9 @@ TEST_F(SolverStatements, SimplexAndLinearPrograms) {
          "LINPROG(F,C); TYPE S(3)",
          "    = 36\n"},
         {"any sign", "S = LINPROG(-1&0,(1&'0&'1&'-5)&(0&'1&'-1&'2),1); TYPE S(1)", "    = -5\n"},
+        {"a function that is not linear",
+         "FUNCTION F(X,Y) = X*Y; CONSTRAINTS C = { X < 4, Y < 1 }; S = LINPROG(F,C); TYPE S(3)",
+         "Warning: LINPROG: the function is not linear; its values at the unit vectors are taken\n    = 0\n"},
         {"infeasible", "S = LINPROG(1&1,(1&'1&'-1&'1)&(1&'1&'1&'2))",
          "##Error: LINPROG: no feasible solution\n\n"},
         {"unbounded", "S = LINPROG(1&1,1&'-1&'-1&'1)", "##Error: LINPROG: solution unbounded\n\n"},

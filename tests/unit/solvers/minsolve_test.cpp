@@ -257,6 +257,52 @@ TEST_F(mintest, constrainedProblemsOfHockAndSchittkowski) {
         }
 }
 
+int occurrences(const std::string& text, const std::string& what) {
+    int count = 0;
+    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) count++;
+    return count;
+}
+
+/* The test against the Taylor series: constraints active, an inverse Hessian whose diagonal entries lie 400
+ * to 10,000 apart in two free directions. */
+TEST_F(mintest, taylorSeriesTest) {
+    const auto valley = [](double x, double y) { return std::sqrt(1 + x * x) + 16 * y * y; };
+    const struct {
+        const char* what;
+        function f;
+        int trusted, bad;
+        minexit ecode;
+        double least;
+    } cases[] = {
+        {"a quadratic", [](const double* x) { return sq(x[0] - 1) + 1000 * sq(x[1]) + sq(x[2]); }, 1, 0,
+         MINCONVERGED, 0},
+        {"a Newton step that leads far beyond",
+         [&](const double* x) { return valley(x[0], x[1]) + sq(x[2]); }, 0, 1, MINCONVERGED, 1},
+        // the steps are cut to a fifth until there is a value
+        {"outside the domain beyond -2",
+         [&](const double* x) { return x[0] < -2 ? MAXPOS : valley(x[0], x[1]) + sq(x[2]); }, 1, 0,
+         MINCONVERGED, 1},
+        {"no bound beyond -2",
+         [&](const double* x) { return x[0] < -2 ? MAXNEG : valley(x[0], x[1]) + sq(x[2]); }, 0, 0,
+         MINUNBOUNDED, MAXNEG},
+    };
+    for (const auto& k : cases) {
+        out.clear();
+        minswitches sw;
+        sw.reptsw = 1023;
+        const minresult r = minimum(k.f, {3, 0.1, 0}, rows(3, {0, 0, 1}, {0}, {0}), sw);
+        EXPECT_EQ(occurrences(out, "TST: reset scale index to -2\n"), k.trusted) << k.what << out;
+        EXPECT_EQ(occurrences(out, "Taylor Series Test: reset scale index to 2\n"), k.bad) << k.what << out;
+        EXPECT_EQ(r.ecode, k.ecode) << k.what;
+        EXPECT_NEAR(r.f, k.least, 1e-6) << k.what;
+    }
+    out.clear(); // without a constraint there is no such test
+    minswitches sw;
+    sw.reptsw = 1023;
+    minimum(cases[0].f, {3, 0.1, 0}, {}, sw);
+    EXPECT_EQ(occurrences(out, "TST") + occurrences(out, "Taylor"), 0);
+}
+
 TEST_F(mintest, exits) {
     const auto bowl = [](const double* x) { return sq(x[0]) + sq(x[1]); };
     minresult r = minimum(bowl, {1, 1}, rows(2, {1, 0, 1, 0}, {1, -1}, {2, 1}));
