@@ -61,13 +61,6 @@ void in(const processop& op) {
     dropoperands(1);
 }
 
-void pointtype(const processop& op) {
-    const int idx = operand(op);
-    if (!isstringtype(idx)) return setshort(op, clause.pointtype);
-    clause.pointtype = int16_t(1000 + static_cast<unsigned char>(stringval(idx)[0]));
-    freeoperands(1);
-}
-
 void label(const processop& op) {
     clause.labelmatrix = int16_t(operand(op));
     dropoperands(1);
@@ -100,9 +93,9 @@ void unit(const processop& op) {
 }
 
 constexpr processrow rows[] = {
-    {11, place},       {22, in},       {23, pointtype}, {27, label},     {28, offset},
-    {45, fonts},       {46, textsize}, {47, textshift}, {48, textangle}, {49, at},
-    {50, colornumber}, {51, unit},     {54, clipping},  {57, labelsize}, {63, priority},
+    {11, place},    {22, in},        {27, label},     {28, offset},   {45, fonts},
+    {46, textsize}, {47, textshift}, {48, textangle}, {49, at},       {50, colornumber},
+    {51, unit},     {54, clipping},  {57, labelsize}, {63, priority},
 };
 
 } // namespace

@@ -50,8 +50,11 @@ bool finddata(int win, datalimits& d) {
     return d.x.lo <= d.x.hi && d.y.lo <= d.y.hi;
 }
 
+// Nearer data count as equal: a device has no scale for them.
+constexpr double LEASTRANGE = 1e-290;
+
 void widen(limits& l) {
-    if (l.lo != l.hi) return;
+    if (l.hi - l.lo > LEASTRANGE) return;
     const double half = l.lo - 0.5 < l.lo ? 0.5 : std::abs(l.lo) * 0x1p-50;
     l.lo -= half;
     l.hi += half;
@@ -93,6 +96,13 @@ void movehigh(double& limit, double data, double pad, int code) {
     if ((code & ADJUSTEXPAND && limit <= data) || (code & ADJUSTSHRINK && data <= limit)) limit = data + pad;
 }
 
+// Data that lie farther apart than any number tells are shown as far as half of that on each side.
+void holdextent(double& lo, double& hi) {
+    if (hi - lo <= MAXPOS) return;
+    lo = std::max(lo, -MAXPOS / 2);
+    hi = std::min(hi, MAXPOS / 2);
+}
+
 void adjustlimits(window& w, datalimits& d) {
     widen(d.x);
     widen(d.y);
@@ -103,6 +113,8 @@ void adjustlimits(window& w, datalimits& d) {
     movehigh(w.wxmax, d.x.hi, x.hi, w.adjust[1]);
     if (d.y.lo != d.y.hi) movelow(w.wymin, d.y.lo, y.lo, w.adjust[2]);
     movehigh(w.wymax, d.y.hi, y.hi, w.adjust[3]);
+    holdextent(w.wxmin, w.wxmax);
+    holdextent(w.wymin, w.wymax);
 }
 
 } // namespace

@@ -11,9 +11,10 @@
 
 namespace {
 
-constexpr int MOSTPARTS = 10;       // between the first and the last mark
-constexpr double LETTERWIDTH = 0.6; // of a digit, in sizes; a little generous
-constexpr double LINEHEIGHT = 1.6;  // of labels above each other, with the room between them
+constexpr int MOSTPARTS = 10; // between the first and the last mark
+// In sizes: of a digit and of a point or a sign in the text faces, the least room between two labels beside
+// each other, and the height of labels above each other with the room between them.
+constexpr double DIGITWIDTH = 0.8, SIGNWIDTH = 0.45, LABELGAP = 0.45, LINEHEIGHT = 1.6;
 
 // The marks first*step, (first+1)*step... last*step; step is digit * 10^exponent with the digit 1, 2 or 5.
 struct marks {
@@ -68,12 +69,17 @@ void setformat(curve& c, const marks& m) {
     std::copy_n(fixed ? fixedform : floating, std::size(fixedform), c.format);
 }
 
-size_t longestlabel(const curve& c, const marks& m) {
+double widestlabel(const curve& c, const marks& m) {
     const int16_t* f = c.format;
     const numberformat format{f[0], f[1], f[2], f[3], f[4], f[5], ""};
-    size_t longest = 0;
-    for (double k = m.first; k <= m.last; k++) longest = std::max(longest, numstring(m.at(k), format).size());
-    return longest;
+    double widest = 0;
+    for (double k = m.first; k <= m.last; k++) {
+        double width = 0;
+        for (const char letter : numstring(m.at(k), format))
+            width += letter == '.' || letter == '-' ? SIGNWIDTH : DIGITWIDTH;
+        widest = std::max(widest, width);
+    }
+    return widest;
 }
 
 // ---- the axis ----
@@ -92,7 +98,7 @@ direction directionof(const window& w, int kind) {
 
 bool fits(const curve& c, const marks& m, const window& w, const direction& d) {
     const double size = sizetonormal(c.labelsize, c.labelsizeunits, w);
-    const double letters = c.kind == TOKXAXIS ? LETTERWIDTH * double(longestlabel(c, m) + 1) : LINEHEIGHT;
+    const double letters = c.kind == TOKXAXIS ? widestlabel(c, m) + LABELGAP : LINEHEIGHT;
     return d.extent * m.step() / std::abs(d.to - d.from) >= letters * size;
 }
 
@@ -124,7 +130,7 @@ void setmarks(curve& c, const marks& m, const direction& d) {
 // Limits so near to each other that their numbers have no digits left between them keep the old marks.
 bool isdivisible(const direction& d) {
     const double range = std::abs(d.to - d.from), largest = std::max(std::abs(d.from), std::abs(d.to));
-    return range < MAXPOS && range > largest * 1e-12 && range > 1e-290;
+    return range <= MAXPOS && range > largest * 1e-12 && range > 1e-290;
 }
 
 void markaxis(curve& c, const window& w) {

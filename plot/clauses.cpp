@@ -1,5 +1,6 @@
 #include "plot/clauses.h"
 
+#include "interp/base/numtext.h"
 #include "interp/base/operand.h"
 #include "interp/base/report.h"
 #include "plot/plotobj.h"
@@ -24,6 +25,17 @@ void release(int count) {
 
 // ---- LINETYPE ----
 
+[[noreturn]] void badlinecount() {
+    tarnerrorhint("LINETYPE takes a number, a matrix of 1 to 7 numbers, or (seg1, gap, seg2, tick1, tick2, "
+                  "thick, fill)",
+                  "improper number of arguments to LINETYPE");
+}
+
+void checklinetype(int type) {
+    if (type < 0 || type > 12)
+        tarnerrorhint("line types are 0 to 12, this is " + std::to_string(type), "invalid linetype.");
+}
+
 // The seven numbers of a line of one's own, in their order in the clause.
 double* const linecells[] = {&clause.linedash[0], &clause.linedash[1], &clause.linedash[2],
                              &clause.linedash[3], &clause.linedash[4], &clause.linethick,
@@ -32,7 +44,7 @@ constexpr size_t LINENUMBERS = std::size(linecells);
 
 void linematrix(const harray* m) {
     const size_t n = harraycount(m);
-    if (n < 1) tarnerror("improper number of arguments to LINETYPE");
+    if (n < 1) badlinecount();
     for (size_t k = 0; k < std::min(n, LINENUMBERS); k++) *linecells[k] = cells(m)[k + 1];
 }
 
@@ -43,23 +55,46 @@ void linetype(const processop&) {
     if (n == 1 && ismatrix(*operand)) {
         linematrix(static_cast<const harray*>(sym(*operand).val.ptr));
     } else if (!scalars) {
-        tarnerror("bad argument type in LINETYPE (LINE)");
+        const int16_t* bad = std::find_if_not(operand, operand + n, [](int idx) { return isscalar(idx); });
+        tarnerrorhint(operandtext(*bad), "bad argument type in LINETYPE (LINE)");
     } else if (n == 1) {
+        checklinetype(shortval(*operand));
         clause.linetype = shortval(*operand);
     } else if (n == int(LINENUMBERS)) {
         for (size_t k = 0; k < LINENUMBERS; k++) *linecells[k] = scalarval(operand[k]);
     } else {
-        tarnerror("improper number of arguments to LINETYPE");
+        badlinecount();
     }
     release(n);
 }
 
-// ---- COLOR, PTSIZE, ADJUST ----
+// ---- POINTTYPE, COLOR, PTSIZE, ADJUST ----
+
+constexpr int FIRSTCHARACTER = 1000, LASTCHARACTER = 1128, LASTSHAPE = 31;
+
+// -1 stands for no clause; no shape has that number.
+void pointtype(const processop& op) {
+    if (!op.ptop) tarnerror("polstack[] empty, cannot be popped");
+    const bool text = isstringtype(op.ptop);
+    const int type =
+        text ? FIRSTCHARACTER + static_cast<unsigned char>(stringval(op.ptop)[0]) : shortval(op.ptop);
+    const bool shape = std::abs(type) <= LASTSHAPE && type != -1;
+    if (text && type == FIRSTCHARACTER) tarnerrorhint("the text is empty", "invalid pointtype.");
+    if (text && type > LASTCHARACTER)
+        tarnerrorhint("a point is a single letter of ASCII", "invalid pointtype.");
+    if (!shape && (type < FIRSTCHARACTER || type > LASTCHARACTER))
+        tarnerrorhint("point types are -31 to 31, or a letter in quotes; this is " + std::to_string(type),
+                      "invalid pointtype.");
+    clause.pointtype = int16_t(type);
+    release(1);
+}
 
 void color(const processop&) {
     const int16_t* operand;
     const int n = listed(operand);
-    if (n > 3) tarnerror("wrong number of arguments for COLOR clause");
+    if (n > 3)
+        tarnerrorhint("it takes one to three: of points, line and labels, or of the first two and labels",
+                      "wrong number of arguments for COLOR clause");
     clause.pointcolor = shortval(operand[0]);
     clause.linecolor = shortval(operand[n == 3 ? 1 : 0]);
     clause.labelcolor = clause.colorn = shortval(operand[n - 1]);
@@ -68,9 +103,11 @@ void color(const processop&) {
 
 // The first column holds the sizes; others hold angles and lengths that some shapes take.
 void checksizes(const harray* m) {
-    if (harraycount(m) == 0) tarnerror("illegal point size");
+    if (harraycount(m) == 0) tarnerrorhint("the matrix is empty", "illegal point size");
     for (size_t i = 1; i <= m->rows; i++)
-        if (at(m, i, 1) < 0) tarnerror("point sizes must be non-negative");
+        if (at(m, i, 1) < 0)
+            tarnerrorhint("row " + std::to_string(i) + " is " + numstring(at(m, i, 1), {}),
+                          "point sizes must be non-negative");
 }
 
 void pointsize(const processop& op) {
@@ -81,7 +118,7 @@ void pointsize(const processop& op) {
         clause.pointsizes = int16_t(polpop());
         return;
     }
-    if (!isscalar(op.ptop)) tarnerror("illegal point size");
+    if (!isscalar(op.ptop)) tarnerrorhint(operandtext(op.ptop), "illegal point size");
     if (scalarval(op.ptop) < 0) tarnerror("point sizes must be non-negative");
     clause.pointsize = scalarval(op.ptop);
     release(1);
@@ -90,10 +127,13 @@ void pointsize(const processop& op) {
 void adjust(const processop&) {
     const int16_t* operand;
     const int n = listed(operand);
-    if (n != 1 && n != 4) tarnerror("ADJUST must have 1 or 4 arguments");
+    if (n != 1 && n != 4)
+        tarnerrorhint("the four are for xmin, xmax, ymin, ymax", "ADJUST must have 1 or 4 arguments");
     for (int k = 0; k < 4; k++) {
         const double code = scalarval(operand[n == 4 ? k : 0]);
-        if (!(code >= 0 && code <= 15)) tarnerror("ADJUST arguments must be in [0,15]");
+        if (!(code >= 0 && code <= 15))
+            tarnerrorhint("a sum of 1 shrink, 2 expand, 4 pad, 8 round, or WFIX, WFLOAT, WNICE, WMATCH",
+                          "ADJUST arguments must be in [0,15]");
         clause.adjust[k] = int16_t(code);
     }
     release(n);
@@ -108,9 +148,10 @@ bool isplacecode(int code, std::initializer_list<int> codes) {
 void checklabels() {
     if (!given(clause.labelmatrix)) return;
     const symbol& s = sym(clause.labelmatrix);
-    if (s.type != MATRIX && !isscalartype(s.type)) tarnerror("LABEL argument must be matrix or scalar");
+    if (s.type != MATRIX && !isscalartype(s.type))
+        tarnerrorhint(operandtext(clause.labelmatrix), "LABEL argument must be matrix or scalar");
     if (s.type == MATRIX && static_cast<const harray*>(s.val.ptr)->cols > 2)
-        tarnerror("label matrix must have 1 or 2 cols");
+        tarnerrorhint(operandtext(clause.labelmatrix), "label matrix must have 1 or 2 cols");
 }
 
 bool isformatgiven() {
@@ -163,6 +204,82 @@ void applylabels(curve& c) {
 
 bool given(double cell) { return cell != MAXPOS; }
 
+std::string operandtext(int idx) {
+    const symbol& s = sym(idx);
+    const std::string name = istemporary(idx) || s.name[0] == '.' ? "it" : s.name; // a derivative has no name
+    const auto isa = [&](const char* kind) { return name + " is a " + kind; };
+    if (isstringtype(idx)) return name + " is the text \"" + stringval(idx) + "\"";
+    switch (s.type) {
+    case UNKNOWN: return name + " has no value";
+    case CONSTANT:
+    case SCALAR: return name + " is the number " + numstring(s.val.rval, {});
+    case USERFUNCTION:
+    case INITIALVALUE: return isa("function");
+    case WINDOWTYPE: return isa("window");
+    case CURVETYPE: return name + (curveof(idx).kind == TOKDRAW ? " is a curve" : " is an axis");
+    case TITLETYPE: return isa("title");
+    case MATRIX: {
+        const harray* m = static_cast<const harray*>(s.val.ptr);
+        return isa((std::to_string(m->rows) + " by " + std::to_string(m->cols) + " matrix").c_str());
+    }
+    default: return name + " is of another type";
+    }
+}
+
+namespace {
+
+// The statements that use a clause.
+enum clauseusers { CURVES = 1, TITLES = 2, WINDOWS = 4, FRAMES = 8, IMAGES = 16, BOXES = 32 };
+
+int userof(int token) {
+    switch (token) {
+    case TOKTITLE: return TITLES;
+    case TOKWINDOW: return WINDOWS;
+    case TOKFRAME: return FRAMES;
+    case TOKIMAGE: return IMAGES;
+    case TOKFRAMEBOX:
+    case TOKIMAGEBOX: return BOXES;
+    default: return CURVES;
+    }
+}
+
+// FONT and SIZE count as used by curves, where they have a warning of their own.
+struct clauserow {
+    const char* name;
+    bool given;
+    int users;
+};
+
+} // namespace
+
+void warnunused(int token) {
+    const clausestate& c = clause;
+    const clauserow clauses[] = {
+        {"LINETYPE", given(c.linetype) || given(c.linedash[0]), CURVES},
+        {"POINTTYPE", given(c.pointtype), CURVES},
+        {"PTFONT", given(c.pointfont), CURVES},
+        {"PTSIZE", given(c.pointsize), CURVES},
+        {"LABEL", given(c.labelmatrix), CURVES},
+        {"LABELSIZE", given(c.labelsize), CURVES},
+        {"LABELFONT", given(c.labelfont), CURVES},
+        {"FORMAT", isformatgiven(), CURVES},
+        {"OFFSET", given(c.offsetx), CURVES},
+        {"WCLIP", given(c.wclip), CURVES},
+        {"COLOR", given(c.colorn), CURVES | TITLES | FRAMES | IMAGES | BOXES},
+        {"PLACE", given(c.placex), CURVES | TITLES},
+        {"ANGLE", given(c.textangle), CURVES | TITLES},
+        {"FONT", given(c.font), CURVES | TITLES},
+        {"SIZE", given(c.textsize), CURVES | TITLES},
+        {"AT", given(c.atx), TITLES},
+        {"SHIFT", given(c.textshift), TITLES},
+        {"ADJUST", given(c.adjust[0]), WINDOWS},
+        {"PRIORITY", given(c.priority), FRAMES},
+    };
+    for (const clauserow& row : clauses)
+        if (row.given && !(row.users & userof(token)))
+            tarnwarn("%s has no effect in this statement", row.name);
+}
+
 operandlist takeoperands() {
     operandlist list;
     list.count = parser.poltop + 1;
@@ -180,8 +297,9 @@ void releaseoperands(const operandlist& list) {
 
 void checkplace() {
     if (!given(clause.placex) && !given(clause.placey)) return;
-    if (!isplacecode(clause.placey, {0, 1, 4})) tarnerror("illegal PLACE vcenter argument");
-    if (!isplacecode(clause.placex, {0, 2, 3})) tarnerror("illegal PLACE hcenter argument");
+    const char* const form = "PLACE (h, v) takes LEFT, CENTER or RIGHT and then BOTTOM, CENTER or TOP";
+    if (!isplacecode(clause.placey, {0, 1, 4})) tarnerrorhint(form, "illegal PLACE vcenter argument");
+    if (!isplacecode(clause.placex, {0, 2, 3})) tarnerrorhint(form, "illegal PLACE hcenter argument");
 }
 
 void applyplace(int16_t& vplace, int16_t& hplace) {
@@ -191,7 +309,8 @@ void applyplace(int16_t& vplace, int16_t& hplace) {
 }
 
 void checkfont(int font, const char* message) {
-    if (given(font) && (font < -14 || font > 34)) tarnerror("%s", message);
+    if (given(font) && (font < -14 || font > 34))
+        tarnerrorhint("fonts are -14 to 34, this is " + std::to_string(font), "%s", message);
 }
 
 void checksize(double size, const char* what) {
@@ -199,18 +318,13 @@ void checksize(double size, const char* what) {
 }
 
 void checkcurveclauses(int kind) {
-    const int points = clause.pointtype;
-    if (given(clause.linetype) && (clause.linetype < 0 || clause.linetype > 12))
-        tarnerror("invalid linetype.");
-    if (given(points) && (points < -31 || points > 31) && (points < 1000 || points > 1128))
-        tarnerror("invalid pointtype.");
     checkfont(clause.pointfont, "invalid font table number.");
     checksize(clause.labelsize, "LABELSIZE");
     checkfont(clause.labelfont, "invalid label font number.");
     checkplace();
     checklabels();
     if (kind == TOKDRAW && given(clause.unitat) && clause.unitat != TOKWORLD)
-        tarnerror("DRAW statements must use WORLD data units");
+        tarnerrorhint("points in other units are drawn by AXIS", "DRAW statements must use WORLD data units");
     if (given(clause.font) || given(clause.textsize))
         tarnwarn("FONT and SIZE clauses only apply in TITLE statements.\n"
                  "Use PTFONT, PTSIZE, LABELFONT, or LABELSIZE as appropriate.");
@@ -235,7 +349,7 @@ void applycurveclauses(curve& c) {
 
 bool toclauses(double& x1, double& x2, double& y1, double& y2) {
     if (clause.toclauses == 0) return false;
-    if (clause.toclauses == 1) tarnerror("not enough TO clauses");
+    if (clause.toclauses == 1) tarnerrorhint("two are needed: x1 TO x2, y1 TO y2", "not enough TO clauses");
     x1 = clause.to[0][0], x2 = clause.to[0][1];
     y1 = clause.to[1][0], y2 = clause.to[1][1];
     return true;
@@ -244,8 +358,9 @@ bool toclauses(double& x1, double& x2, double& y1, double& y2) {
 void windowtoclause() {
     const int n = parser.poltop;
     if (n < 1 || !isscalar(parser.polstack[n - 1]) || !isscalar(parser.polstack[n]))
-        tarnerror("scalars required in TO clause");
-    if (clause.toclauses >= 2) tarnerror("too many TO clauses");
+        tarnerrorhint(n < 1 ? "" : operandtext(parser.polstack[isscalar(parser.polstack[n]) ? n - 1 : n]),
+                      "scalars required in TO clause");
+    if (clause.toclauses >= 2) tarnerrorhint("two are enough: x1 TO x2, y1 TO y2", "too many TO clauses");
     double* ends = clause.to[clause.toclauses++];
     ends[0] = scalarval(parser.polstack[n - 1]);
     ends[1] = scalarval(parser.polstack[n]);
@@ -253,6 +368,7 @@ void windowtoclause() {
 }
 
 void plotclauserows() {
-    static constexpr processrow rows[] = {{24, linetype}, {40, color}, {56, pointsize}, {58, adjust}};
+    static constexpr processrow rows[] = {
+        {23, pointtype}, {24, linetype}, {40, color}, {56, pointsize}, {58, adjust}};
     processadd(rows, int(std::size(rows)));
 }

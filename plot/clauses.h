@@ -8,6 +8,8 @@
 #include "interp/base/parser.h"
 #include "interp/base/symtab.h"
 
+#include <string>
+
 struct curve;
 struct window;
 
@@ -19,9 +21,13 @@ struct operandlist {
     int count = 0;
     int at[4] = {}; // no plot statement has more; what is beyond is only counted
 };
+std::string
+operandtext(int idx); // what an operand is, for the further line of a message: M is a 4 by 3 matrix
 operandlist takeoperands();
 void releaseoperands(const operandlist& list); // and what LABEL and PTSIZE hold
 
+// Warns of each clause that the statement of this token cannot use.
+void warnunused(int token);
 // Each throws what is wrong with the clauses of the statement, and changes nothing.
 void checkcurveclauses(int kind);
 void checkplace();

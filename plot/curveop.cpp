@@ -1,6 +1,5 @@
 #include "plot/curveop.h"
 
-#include "funcs/matrixoperand.h"
 #include "interp/base/hooks.h"
 #include "interp/base/report.h"
 #include "plot/adjust.h"
@@ -19,22 +18,23 @@ struct drawoperands {
     int source = 0; // data, or a curve to copy
 };
 
-[[noreturn]] void badtype(int idx) {
-    try {
-        tarnerror("bad DRAW or AXIS arg. type");
-    } catch (const recoveryjump&) {
-        if (sym(idx).name[0] != '.') tellundefined(idx);
-        throw;
-    }
+[[noreturn]] void badtype(int idx,
+                          const char* needed = "a matrix of points or the name of a curve is needed") {
+    tarnerrorhint(operandtext(idx) + (sym(idx).type == UNKNOWN ? "" : std::string(": ") + needed),
+                  "bad DRAW or AXIS arg. type");
 }
+
+[[noreturn]] void badname(int idx) { badtype(idx, "the name must be new, or that of a curve"); }
 
 drawoperands readoperands(const operandlist& list) {
     drawoperands d;
-    if (list.count > 2) tarnerror("too many arguments in DRAW or AXIS statement");
+    if (list.count > 2)
+        tarnerrorhint("a name and its points: DRAW NAME = MATRIX",
+                      "too many arguments in DRAW or AXIS statement");
     if (list.count == 0) return d;
     const int first = list.at[0], last = list.at[list.count - 1];
     if (list.count == 2) {
-        if (!iscurve(first) && (sym(first).type != UNKNOWN || sym(first).name[0] == '.')) badtype(first);
+        if (!iscurve(first) && (sym(first).type != UNKNOWN || sym(first).name[0] == '.')) badname(first);
         d.name = first;
     }
     if (sym(last).type == MATRIX)
@@ -56,7 +56,8 @@ bool is3d(int idx) {
 void checkdata(const drawoperands& d) {
     if (!d.source || iscurve(d.source)) return;
     const uint32_t cols = static_cast<const harray*>(sym(d.source).val.ptr)->cols;
-    if (cols != 1 && cols != 2) tarnerror("DRAW & AXIS data matrix must have 1 or 2 cols");
+    if (cols != 1 && cols != 2)
+        tarnerrorhint(operandtext(d.source), "DRAW & AXIS data matrix must have 1 or 2 cols");
 }
 
 // Points for the record: a copy, or moved out of a temporary; one column gets 1, 2... beside it.
@@ -81,7 +82,7 @@ int unnamed(int kind) {
     const char* window = sym(getwindow(0)).name;
     if (kind == TOKDRAW || kind == TOKAXIS) return newautoname(kind == TOKDRAW ? 'C' : 'A');
     const int idx = symtabenter((std::string(window) + (kind == TOKXAXIS ? ".XAXIS" : ".YAXIS")).c_str());
-    if (sym(idx).type != UNKNOWN && !iscurve(idx)) badtype(idx);
+    if (sym(idx).type != UNKNOWN && !iscurve(idx)) badname(idx);
     return idx;
 }
 
@@ -193,13 +194,16 @@ void draw(const processop& op) { drawop(op.token); }
 void drawop(int kind) {
     const operandlist list = takeoperands();
     if (kind == TOKDRAW && isoperand3d(list)) {
-        if (!plotfns.draw3d) tarnerror("DRAW of 3 columns is not available in this build");
+        if (!plotfns.draw3d)
+            tarnerrorhint("two of them can be drawn: DRAW (X COL 1) &' (X COL 3)",
+                          "DRAW of 3 columns is not available in this build");
         return plotfns.draw3d();
     }
     drawoperands d = readoperands(list);
     checkdata(d);
     checkcurveclauses(kind);
     if (clause.insym) getwindow(0); // refuses what is no window
+    warnunused(kind);
     if (!d.name && kind != TOKDRAW && kind != TOKAXIS) d.name = unnamed(kind);
     if (d.name && iscurve(d.name) && d.source && iscurve(d.source)) d.name = clearname(d.name);
     const bool old = d.name && iscurve(d.name);

@@ -21,10 +21,14 @@ namespace {
 constexpr const char* SCREENDEVICE = "MSWDEV";
 constexpr double MAXSCREENINCHES = 1000;
 
+// The first line is the fault; a second one tells more.
 [[noreturn]] void libraryfault(const char* message) {
     std::string text = message;
+    text.erase(0, text.find_first_not_of('\n'));
     while (!text.empty() && text.back() == '\n') text.pop_back();
-    tarnerror("%s", text.c_str());
+    const size_t end = text.find('\n');
+    const std::string more = end == std::string::npos ? "" : text.substr(end + 1);
+    tarnerrorhint(more, "%s", text.substr(0, end).c_str());
 }
 
 // There is one device to choose.
@@ -89,7 +93,9 @@ std::string displayname() { return symtabstring("DISPLAY", ""); }
 int getdisplay(const char* name, int keep, bool resize) {
     if (!name) return -1;
     if (!*name) name = askdisplay();
-    if (strcmp(name, SCREENDEVICE) != 0) tarnerror("getdisplay: Unknown display");
+    if (strcmp(name, SCREENDEVICE) != 0)
+        tarnerrorhint(std::string(name) + ": the screen is " + SCREENDEVICE + "; files are made by PLOT",
+                      "getdisplay: Unknown display");
     displayerrors();
     DSETFONTPATH(report.tarnpath.c_str());
     DQUIT(keep);

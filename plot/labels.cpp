@@ -4,6 +4,7 @@
 #include "plot/scene.h"
 #include "vellum/vellum.h"
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 
@@ -16,6 +17,19 @@ struct labelscale {
     double threshold = 0; // less than this is rounding, and 0 is meant
 };
 
+/* Labels that rise by equal factors are those of a logarithmic axis: none of them is the rounding of a 0,
+ * however small beside the last one. */
+bool islogarithmic(const harray* labels) {
+    const size_t n = labels->rows;
+    const double first = at(labels, 1, 1), factor = n > 2 ? at(labels, 2, 1) / first : 0;
+    if (!(first != 0 && factor > 0 && factor != 1)) return false;
+    for (size_t i = 3; i <= n; i++) {
+        const double next = at(labels, i, 1) / at(labels, i - 1, 1);
+        if (!(std::fabs(next / factor - 1) < 1e-6)) return false;
+    }
+    return true;
+}
+
 labelscale scaleof(const window& w, const curve& c) {
     labelscale s;
     const auto stretch = [&](double lo, double hi, double oldlo, double oldhi) {
@@ -25,7 +39,8 @@ labelscale scaleof(const window& w, const curve& c) {
     if (c.kind == TOKXAXIS) stretch(w.wxmin, w.wxmax, c.axisw[0], c.axisw[1]);
     if (c.kind == TOKYAXIS) stretch(w.wymin, w.wymax, c.axisw[2], c.axisw[3]);
     const harray* labels = c.labels.get();
-    s.threshold = std::fabs((at(labels, labels->rows, 1) - at(labels, 1, 1)) * s.scale) * 1e-14;
+    if (!islogarithmic(labels))
+        s.threshold = std::fabs((at(labels, labels->rows, 1) - at(labels, 1, 1)) * s.scale) * 1e-14;
     return s;
 }
 
@@ -51,11 +66,18 @@ struct labelpen {
     double size, xoffset, yoffset, cosine, sine;
 };
 
+// Labels that an axis has chosen are moved where they would leave the frame: cut off, they tell other numbers.
+double heldinframe(const labelpen& p, double x, double width) {
+    if (!(p.c.wclipsw & OWNMARKS) || p.c.labelangle != 0) return x;
+    const box frame = frameof(p.w);
+    return std::max(frame.x0, std::min(x, frame.x1 - width));
+}
+
 void drawlabel(const labelpen& p, double x, double y, const char* text) {
     const double width = textadvance(text, p.c.labelfont, p.size, TEXTPLAIN);
     const double height = textheight(text, p.c.labelfont, p.size, TEXTPLAIN);
     const double along = -(p.c.hplace + 1) * 0.5 * width, across = -(p.c.vplace + 1) * 0.5 * height;
-    DMOVE(x + p.xoffset + along * p.cosine - across * p.sine,
+    DMOVE(heldinframe(p, x + p.xoffset + along * p.cosine - across * p.sine, width),
           y + p.yoffset + along * p.sine + across * p.cosine);
     drawtext(text, p.c.labelfont, p.size, p.c.labelcolor, p.c.labelangle, TEXTPLAIN);
 }

@@ -3,6 +3,7 @@
 #include "interp/base/parser.h"
 #include "interp/base/report.h"
 #include "plot/askuser.h"
+#include "plot/clauses.h"
 #include "plot/colors.h"
 #include "plot/display.h"
 #include "plot/plotobj.h"
@@ -46,7 +47,8 @@ const plotdevice& chosendevice() {
     }
     for (const plotdevice& row : devices)
         if (name == row.name) return row;
-    tarnerror("PLOT: illegal PLOTDEV value. Use PSL,PSP,PSCL(X),PSCP(X), LJ2P, or LJ2L");
+    tarnerrorhint("PLOTDEV is \"" + name + "\"; PNG, SVG, PDF, and cropped to the drawing PNGP, SVGP, PDFP",
+                  "PLOT: illegal PLOTDEV value. Use PSL,PSP,PSCL(X),PSCP(X), LJ2P, or LJ2L");
 }
 
 bool fileexists(const std::string& path) {
@@ -73,14 +75,19 @@ bool mayoverwrite(const std::string& path) {
         }
     }
     std::error_code failure;
-    if (!std::filesystem::is_regular_file(path, failure) || !std::filesystem::remove(path, failure))
-        tarnerror("PLOT: file %s cannot be overwritten", path.c_str());
-    return true;
+    const bool isfile = std::filesystem::is_regular_file(path, failure);
+    if (isfile && std::filesystem::remove(path, failure)) return true;
+    tarnerrorhint(isfile ? failure.message() : path + " is no file", "PLOT: file %s cannot be overwritten",
+                  path.c_str());
 }
 
 std::string plotfilename(const plotdevice& device) {
-    if (clause.insym <= 0) return newfilename(device.extension);
-    const char* name = isstringtype(clause.insym) ? stringval(clause.insym) : sym(clause.insym).name;
+    const int file = clause.insym;
+    if (file <= 0) return newfilename(device.extension);
+    if (istemporary(file) && !isstringtype(file))
+        tarnerrorhint(operandtext(file), "PLOT: IN needs the name of a file");
+    const char* name = isstringtype(file) ? stringval(file) : sym(file).name;
+    if (!name[strspn(name, " ")]) tarnerror("PLOT: the name of the file is empty");
     return bindname(name, report.filedir.c_str(), device.extension);
 }
 

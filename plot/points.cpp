@@ -376,9 +376,12 @@ void drawpoints(const harray* data, int pointtype, const window& w, const curve&
     if (pointtype == 0 || data->cols != 2) return;
     setcolor(c.pointcolor);
     marker m(data, w, c);
-    if (pointtype > FIRSTCHARACTER) return characters(m, pointtype - FIRSTCHARACTER);
+    if (pointtype >= FIRSTCHARACTER) return characters(m, pointtype - FIRSTCHARACTER);
     const shaperow* shape = shapeof(pointtype);
-    if (!shape) tarnerror("invalid pointtype");
+    if (!shape)
+        tarnerrorhint(std::string(sym(scene.member).name) + " has POINTTYPE " + std::to_string(pointtype) +
+                          ": only 3, 4, 5, 7, 13, 14, 16 and 31 can be filled",
+                      "invalid pointtype");
     m.filled = pointtype < 0;
     eachpoint(m, [&] { shape->mark(m); });
 }

@@ -106,6 +106,7 @@ void drawcurve(const window& w, const curve& c) {
 }
 
 void drawmember(const window& w, int member) {
+    scene.member = member;
     if (istitle(member)) {
         const title& t = titleof(member);
         if (!t.blanked && !t.text.empty()) drawtitle(w, t);

@@ -10,6 +10,7 @@ struct scenestate {
     double plotscale = 1;    // of all viewports: fits the shape of the screen to that of a page
     bool backgrounds = true; // off for a page
     bool nowait = false;     // a window of three dimensions was drawn, which reads keys of its own
+    int member = 0;          // what is being drawn, for messages
     void (*drawwindow3d)(int index) = nullptr; // set by who draws these; null as long as there is none
 };
 extern scenestate scene;

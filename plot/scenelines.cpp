@@ -142,7 +142,10 @@ void smoothed(const harray* data, int linetype, const window& w, const pointmap&
     constexpr int PARAMS = 100;
     constexpr int OPENCURVE = 1, CLOSEDCURVE = 3;
     const double flatness = symtabscalar("FLATNESS", 0);
-    if (flatness < 0) tarnerror("FLATNESS must be non-negative.");
+    if (flatness < 0)
+        tarnerrorhint(std::string(sym(scene.member).name) + " has LINETYPE " + std::to_string(linetype) +
+                          ", a smooth line",
+                      "FLATNESS must be non-negative.");
     double params[PARAMS];
     for (int i = 0; i < PARAMS; i++) params[i] = i / double(PARAMS - 1);
     std::vector<double> polygon;

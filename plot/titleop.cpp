@@ -21,13 +21,21 @@ struct titleoperands {
     int position = TITLEFREE;
 };
 
-[[noreturn]] void badtype() { tarnerror("bad TITLE arg. type"); }
+[[noreturn]] void badtype(int idx) {
+    tarnerrorhint(operandtext(idx) + ": one name, one text and one position are enough",
+                  "bad TITLE arg. type");
+}
+
+[[noreturn]] void othertype(int idx) {
+    tarnerrorhint(operandtext(idx), "title name already assigned to other type");
+}
 
 int positionof(int idx) {
     const double code = scalarval(idx);
     for (const int position : {TITLETOP, TITLELEFT, TITLERIGHT, TITLEBOTTOM})
         if (code == double(position)) return position;
-    tarnerror("title name already assigned to other type");
+    tarnerrorhint(operandtext(idx) + ": a position is TOP, LEFT, RIGHT or BOTTOM",
+                  "title name already assigned to other type");
 }
 
 void takename(titleoperands& t, int idx) {
@@ -36,25 +44,27 @@ void takename(titleoperands& t, int idx) {
     else if (istitle(idx) && !t.source)
         t.source = idx;
     else
-        badtype();
+        badtype(idx);
 }
 
 titleoperands readoperands(const operandlist& list) {
     titleoperands t;
-    if (list.count > 4) tarnerror("too many arguments in TITLE statement");
+    if (list.count > 4)
+        tarnerrorhint("a name, a title to copy, a text and a position are all that it takes",
+                      "too many arguments in TITLE statement");
     for (int k = 0; k < list.count; k++) {
         const int idx = list.at[k];
         const int type = sym(idx).type;
         if (type == UNKNOWN || type == TITLETYPE) {
             takename(t, idx);
         } else if (isstringtype(idx)) {
-            if (t.text) badtype();
+            if (t.text) badtype(idx);
             t.text = idx;
         } else if (isscalar(idx)) {
-            if (t.position) badtype();
+            if (t.position) badtype(idx);
             t.position = positionof(idx);
         } else {
-            tarnerror("title name already assigned to other type");
+            othertype(idx);
         }
     }
     if (t.source == t.name) t.source = 0;
@@ -77,7 +87,7 @@ int unnamed(int position) {
     const int win = getwindow(0);
     if (position == TITLEFREE) return newautoname('T');
     const int idx = symtabenter((std::string(sym(win).name) + suffix(position)).c_str());
-    if (sym(idx).type != UNKNOWN && !istitle(idx)) tarnerror("title name already assigned to other type");
+    if (sym(idx).type != UNKNOWN && !istitle(idx)) othertype(idx);
     return idx;
 }
 
@@ -148,6 +158,7 @@ void titleop() {
     const titleoperands operands = readoperands(list);
     checkclauses();
     if (clause.insym) getwindow(0); // refuses what is no window
+    warnunused(TOKTITLE);
     const int name = operands.name ? operands.name : unnamed(operands.position);
     const bool old = istitle(name);
     const int from = old ? windowofmember(name) : 0;

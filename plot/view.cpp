@@ -6,6 +6,7 @@
 #include "interp/base/parser.h"
 #include "interp/base/report.h"
 #include "plot/askuser.h"
+#include "plot/clauses.h"
 #include "plot/colors.h"
 #include "plot/display.h"
 #include "plot/plotobj.h"
@@ -35,7 +36,8 @@ std::vector<int> chosenwindows(int mode) {
     std::vector<int> windows;
     for (int k = 0; mode == REDISPLAYVIEW && k <= parser.poltop; k++) {
         const int idx = parser.polstack[k];
-        if (idx <= 0 || !iswindow(idx)) tarnerror("only windows may be VIEWed");
+        if (idx <= 0) tarnerror("only windows may be VIEWed");
+        if (!iswindow(idx)) tarnerrorhint(operandtext(idx), "only windows may be VIEWed");
         windows.push_back(idx);
     }
     if (mode == REDISPLAYVIEW) parser.poltop = -1;
@@ -61,7 +63,10 @@ void erasescreen() {
 
 void performview(const processop&) { redisplay(REDISPLAYVIEW); }
 void performplot(const processop&) { plotop(); }
-void performclose(const processop&) { closeview(-1); }
+void performclose(const processop&) {
+    if (parser.poltop >= 0) tarnsyntax(0, "illegal statement");
+    closeview(-1);
+}
 
 void performsize(const processop& op) {
     if (parser.poltop != 1) tarnsyntax(25, "Incorrect number of arguments");

@@ -1,6 +1,7 @@
 #include "plot/windowop.h"
 
 #include "interp/base/hooks.h"
+#include "interp/base/numtext.h"
 #include "interp/base/report.h"
 #include "plot/adjust.h"
 #include "plot/clauses.h"
@@ -30,13 +31,20 @@ bool boxgiven(box& b) { return toclauses(b.x0, b.x1, b.y0, b.y1); }
 
 int boxunits(int absent) { return given(clause.unitat) ? clause.unitat : absent; }
 
-void checkunits(int units, std::initializer_list<int> allowed) {
+void checkunits(int units, std::initializer_list<int> allowed, const char* names) {
     if (std::find(allowed.begin(), allowed.end(), units) == allowed.end())
-        tarnerror("bad units in FRAME or IMAGE statement");
+        tarnerrorhint(names, "bad units in FRAME or IMAGE statement");
 }
 
 void checkextent(const box& b, const char* what) {
     if (!(b.x0 < b.x1 && b.y0 < b.y1)) tarnerror("%s limits must rise from the first to the second", what);
+}
+
+// What there is room in, in the units of the statement.
+std::string limitstext(const std::string& what, box b, const window& w, int units) {
+    convertunits(b, w, UNITSNORMAL, units);
+    const auto range = [](double lo, double hi) { return numstring(lo, {}) + " TO " + numstring(hi, {}); };
+    return what + " is " + range(b.x0, b.x1) + ", " + range(b.y0, b.y1) + " in these units";
 }
 
 // ---- WINDOW ----
@@ -83,31 +91,43 @@ void setframe() {
     const bool limits = boxgiven(b);
     const int units = boxunits(TOKFRACT);
     if (limits) {
-        checkunits(units, {TOKFRACT, TOKINCHES});
+        checkunits(units, {TOKFRACT, TOKINCHES}, "FRAME takes FRACT or INCHES");
         convertunits(b, window(), units, UNITSNORMAL);
         checkextent(b, "FRAME");
-        if (!isinside(b, screenbox())) tarnerror("frame is outside the screen");
+        if (!isinside(b, screenbox()))
+            tarnerrorhint(limitstext("the screen", screenbox(), window(), units),
+                          "frame is outside the screen");
     }
-    window& w = windowof(getwindow(0));
+    const int win = getwindow(0);
+    window& w = windowof(win);
     if (given(clause.priority)) w.priority = clause.priority;
     if (given(clause.colorn)) w.framecolor = clause.colorn;
     if (!limits) return;
     setimage(w, imagefollows(w, b));
     setframe(w, b);
-    if (!isinside(imageof(w), b)) tarnerror("FRAME command shifted image out of frame");
+    if (!isinside(imageof(w), b))
+        tarnerrorhint(std::string("the image of ") + sym(win).name +
+                          " does not fit in: set it anew with IMAGE",
+                      "FRAME command shifted image out of frame");
 }
 
 void setimage() {
     box b;
     const bool limits = boxgiven(b);
     const int units = boxunits(TOKFFRACT);
-    if (limits) checkunits(units, {TOKFINCHES, TOKINCHES, TOKFFRACT, TOKFRACT});
-    window& w = windowof(getwindow(0));
+    if (limits)
+        checkunits(units, {TOKFINCHES, TOKINCHES, TOKFFRACT, TOKFRACT},
+                   "IMAGE takes FFRACT, FINCHES, FRACT or INCHES");
+    const int win = getwindow(0);
+    window& w = windowof(win);
     if (limits) {
         convertunits(b, w, units, UNITSNORMAL);
         checkextent(b, "IMAGE");
-        if (!isinside(b, frameof(w))) tarnerror("image is outside the frame");
-        if (!isinside(b, screenbox())) tarnerror("image is outside the screen");
+        if (!isinside(b, frameof(w)))
+            tarnerrorhint(limitstext(std::string("the frame of ") + sym(win).name, frameof(w), w, units),
+                          "image is outside the frame");
+        if (!isinside(b, screenbox()))
+            tarnerrorhint(limitstext("the screen", screenbox(), w, units), "image is outside the screen");
         setimage(w, b);
         w.imageunits = int16_t(units);
     }
@@ -120,7 +140,8 @@ bool canblank(int idx) { return iswindow(idx) || iscurve(idx) || istitle(idx); }
 
 void blank(const processop& op) {
     for (int k = 0; k <= parser.poltop; k++)
-        if (!canblank(parser.polstack[k])) tarnerror("bad type in BLANK/UNBLANK");
+        if (!canblank(parser.polstack[k]))
+            tarnerrorhint(operandtext(parser.polstack[k]), "bad type in BLANK/UNBLANK");
     while (parser.poltop >= 0) setblank(polpop(), op.token == TOKBLANK);
     upper.redraw();
 }
@@ -128,10 +149,20 @@ void blank(const processop& op) {
 void windowstatement(const processop& op) { windowop(op.token); }
 void boxstatement(const processop& op) { boxop(op.token); }
 
+[[noreturn]] void refuseoperand(int idx) {
+    try {
+        tarnsyntax(0, "illegal statement");
+    } catch (const recoveryjump&) {
+        tarnwarn("%s: a window is named by IN, its limits are told with TO", operandtext(idx).c_str());
+        throw;
+    }
+}
+
 } // namespace
 
 void windowop(int token) {
-    if (parser.poltop >= 0) tarnsyntax(0, "illegal statement");
+    if (parser.poltop >= 0) refuseoperand(parser.polstack[parser.poltop]);
+    warnunused(token);
     switch (token) {
     case TOKWINDOW: setwindow(); break;
     case TOKFRAME: setframe(); break;
@@ -145,6 +176,7 @@ void windowop(int token) {
 void boxop(int token) {
     const operandlist list = takeoperands();
     window& w = windowof(getwindow(0));
+    warnunused(token);
     const bool isframe = token == TOKFRAMEBOX;
     (isframe ? w.framebox : w.imagebox) = list.count == 0;
     if (given(clause.colorn)) (isframe ? w.frameboxcolor : w.imageboxcolor) = clause.colorn;

@@ -132,7 +132,8 @@ void cairopage::widen(double px, double py, double by) {
 
 void cairopage::check(cairo_surface_t* s) {
     const cairo_status_t status = c.surface_status(s);
-    if (status != CAIRO_STATUS_SUCCESS) vlerror("Cannot write plot file: %s\n", c.status_to_string(status));
+    if (status != CAIRO_STATUS_SUCCESS)
+        vlerror("Cannot write plot file.\n%s: %s", vl.filename.c_str(), c.status_to_string(status));
 }
 
 // Replaces the surface by one of the size of the drawing's box.
@@ -164,13 +165,13 @@ void cairopage::finish(pageform form, bool cut) {
     stroke();
     if (cut) crop(form);
     if (form == PNGPAGE && c.surface_write_to_png_stream(surface, writebytes, file) != CAIRO_STATUS_SUCCESS) {
-        vlerror("Cannot write plot file: %s\n", vl.filename.c_str());
+        vlfilefault("Cannot write plot file.", vl.filename);
     }
     c.surface_finish(surface);
     check(surface);
     FILE* done = file;
     file = nullptr;
-    if (fclose(done) != 0) vlerror("Cannot write plot file: %s\n", vl.filename.c_str());
+    if (fclose(done) != 0) vlfilefault("Cannot write plot file.", vl.filename);
 }
 
 // ---- The operations
@@ -178,7 +179,7 @@ void cairopage::finish(pageform form, bool cut) {
 void pageopen() {
     if (vl.output) return;
     auto page = std::make_shared<cairopage>(*cairoload());
-    if (!page->file) vlerror("Cannot open plot file: %s\n", vl.filename.c_str());
+    if (!page->file) vlfilefault("Cannot open plot file.", vl.filename);
     page->begin(formof(vl.device), cropped(vl.device));
     page->check(page->surface);
     vl.output = page;

@@ -36,7 +36,8 @@ struct vldevice {
 // ---- The frame (vellum.cpp, vldevice.cpp)
 
 using vlerrorhandler = void (*)(const char* message);
-// Installs the handler of faults and returns the last one. It gets the message and may throw; with none
+// Installs the handler of faults and returns the last one. It gets the message and may throw; a second line
+// of the message tells more, such as the file and the system's reason. With none
 // (null) the message goes to the error stream after "VELLUM ERROR: " and the process exits with status 1.
 vlerrorhandler DERROR(vlerrorhandler handler);
 

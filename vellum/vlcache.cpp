@@ -3,6 +3,7 @@
 #include "vellum/vlstate.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -51,9 +52,17 @@ enum cachefault { NOTOPEN = 1, READFAULT, WRITEFAULT, OPENFAULT, NOSPACE };
     case NOTOPEN: vlerror("Cached-file not open.\n");
     case READFAULT: vlerror("Cached-file read error: %s \n", where);
     case WRITEFAULT: vlerror("Cached-file write error: %s \n", where);
-    case OPENFAULT: vlerror("Cannot open cached-file: %s \n", where);
-    case NOSPACE: vlerror("Out of Disk space for Cached-file: %s \n", where);
     default: vlerror("VELLUM cached-file error: %s \n", where);
+    }
+}
+
+// The same with the file that the system refuses, and its reason.
+[[noreturn]] void stopfile(int code, const std::string& where, const std::string& file) {
+    switch (code) {
+    case READFAULT: vlfilefault("Cached-file read error: " + where + " \n", file);
+    case WRITEFAULT: vlfilefault("Cached-file write error: " + where + " \n", file);
+    case OPENFAULT: vlfilefault("Cannot open cached-file: " + where + " \n", file);
+    default: vlfilefault("Out of Disk space for Cached-file: " + where + " \n", file);
     }
 }
 
@@ -108,13 +117,15 @@ void readpage(cachedfile& f, int number, uint8_t* page) {
         start < f.physicalsize ? std::min<uint32_t>(f.physicalsize - start, vlpagesize) : 0;
     memset(page + there, 0, vlpagesize - there);
     if (there == 0) return;
-    if (!seekto(f, start) || fread(page, 1, there, f.handle) != there) stop(READFAULT, "readpage");
+    errno = 0; // the file may just have become shorter
+    if (!seekto(f, start) || fread(page, 1, there, f.handle) != there)
+        stopfile(READFAULT, "readpage", f.name);
 }
 
 // `where` names the routine that a failed write is told by: the call that forces the pages out, else
 // writepage.
 void put(cachedfile& f, const uint8_t* bytes, uint32_t count, const char* where) {
-    if (fwrite(bytes, 1, count, f.handle) != count) stop(WRITEFAULT, where);
+    if (fwrite(bytes, 1, count, f.handle) != count) stopfile(WRITEFAULT, where, f.name);
     f.physicalsize = std::max(f.physicalsize, uint32_t(ftell(f.handle)));
 }
 
@@ -122,7 +133,7 @@ void put(cachedfile& f, const uint8_t* bytes, uint32_t count, const char* where)
 void fillgap(cachedfile& f, uint32_t start, const char* where) {
     static constexpr uint8_t zeros[vlpagesize] = {};
     if (f.physicalsize >= start) return;
-    if (!seekto(f, f.physicalsize)) stop(WRITEFAULT, where);
+    if (!seekto(f, f.physicalsize)) stopfile(WRITEFAULT, where, f.name);
     while (f.physicalsize < start) {
         const uint32_t inpage = vlpagesize - f.physicalsize % vlpagesize;
         put(f, zeros, std::min(inpage, start - f.physicalsize), where);
@@ -133,7 +144,7 @@ void writepage(int slot, const char* where = "writepage") {
     cachedfile& f = cache.files[size_t(cache.fileof(slot))];
     const uint32_t start = pagestart(cache.numberof(slot));
     fillgap(f, start, where);
-    if (!seekto(f, start)) stop(WRITEFAULT, where);
+    if (!seekto(f, start)) stopfile(WRITEFAULT, where, f.name);
     put(f, cache.page(slot), std::min<uint32_t>(f.logicalsize - start, vlpagesize), where);
     cache.key[size_t(slot)] = std::abs(cache.key[size_t(slot)]);
 }
@@ -241,11 +252,11 @@ int cacheopen(const char* name, int write, int mode) {
     cacheinit(firstpages, firstfiles);
     int file = cache.nfiles;
     while (file && cache.files[size_t(file)].used) file--;
-    if (!file) stop(OPENFAULT, name);
+    if (!file) vlerror("Cannot open cached-file: %s \n%d files are open already", name, cache.nfiles);
     FILE* handle = fopen(name, mode == 1 ? "wb+" : write ? "rb+" : "rb");
     if (!handle) {
         if (mode == 0) return 0;
-        stop(mode == 1 ? NOSPACE : OPENFAULT, name);
+        stopfile(mode == 1 ? NOSPACE : OPENFAULT, name, name);
     }
     setvbuf(handle, nullptr, _IONBF, 0);
     cachedfile& f = cache.files[size_t(file)];
@@ -258,9 +269,9 @@ int cacheopen(const char* name, int write, int mode) {
 }
 
 void cacheclose(int file) {
-    openfile(file);
+    const std::string name = openfile(file).name;
     writeall(file, "closefile");
-    if (!letgo(file)) stop(WRITEFAULT, "closefile");
+    if (!letgo(file)) stopfile(WRITEFAULT, "closefile", name);
 }
 
 void cacheread(int file, uint32_t offset, uint32_t length, void* dest, size_t skip) {
@@ -274,7 +285,7 @@ void cacheread(int file, uint32_t offset, uint32_t length, void* dest, size_t sk
 
 void cachewrite(int file, uint32_t offset, uint32_t length, const void* source, size_t skip) {
     cachedfile& f = openfile(file);
-    if (!f.writable) stop(WRITEFAULT, f.name.c_str());
+    if (!f.writable) vlerror("Cached-file write error: %s \nit was opened for reading", f.name.c_str());
     checkrange(offset, length, WRITEFAULT, "fetchbuffer");
     const uint8_t* in = static_cast<const uint8_t*>(source) + skip;
     pieces(offset, length, [&](uint32_t pos, uint32_t count, uint32_t done, int number) {

@@ -1,8 +1,10 @@
 #include "vellum/vlstate.h"
 
+#include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 vlstate vl;
@@ -22,6 +24,15 @@ void vlerror(const char* format, ...) {
     if (vl.handler) vl.handler(message);
     fprintf(stderr, "VELLUM ERROR: %s", message);
     exit(1);
+}
+
+void vlfilefault(const std::string& message, const std::string& file) {
+    const int reason = errno;
+    std::string text = message;
+    if (text.empty() || text.back() != '\n') text += '\n';
+    text += file;
+    if (reason != 0) text += std::string(": ") + strerror(reason);
+    vlerror("%s", text.c_str());
 }
 
 void vlcomplain(const char* format, ...) {

@@ -34,7 +34,7 @@ bool within(int file, uint64_t offset, uint64_t length) {
 int openonce(std::unique_ptr<vlcachefile>& held, const char* name, const char* message) {
     if (!held) {
         const int file = cacheopen(name, 0, 0);
-        if (file == 0) vlerror("%s", message);
+        if (file == 0) vlfilefault(message, name);
         held = std::make_unique<vlcachefile>(file);
     }
     return held->file;
@@ -179,7 +179,8 @@ const vlstrokefont& vlfindfont(int f) {
     if (!font.found) {
         font.file = strokefile(1);
         if (!readentry(font, 1) && !readentry(font, 0))
-            vlerror("Unable to open VELLUM stroked font file (vlfonts.0)");
+            vlerror("Unable to open VELLUM stroked font file (vlfonts.0)\n%s holds no font 1",
+                    vl.strokefontfile.c_str());
     }
     font.number = f;
     fonts.current = font;
@@ -284,7 +285,8 @@ vlbitmapfont vlfindbitmapfont(int n) {
         if (readbitmapfont(file, k, font) && font.width == width && font.height == height) return font;
     for (uint32_t k = 1; k <= fonts; k++)
         if (readbitmapfont(file, k, font)) return font;
-    vlerror("Unable to open VELLUM bitmap font file (bfontfile)\n");
+    vlerror("Unable to open VELLUM bitmap font file (bfontfile)\n%s holds no font",
+            vl.bitmapfontfile.c_str());
 }
 
 void vlreadbitmap(const vlbitmapfont& font, int code, bool withbits, vlbitmapglyph& out) {

@@ -27,7 +27,7 @@ const frame& frameof(int device) {
     return frames[device - VLLJ2P];
 }
 
-[[noreturn]] void cannotwrite() { vlerror("error writing Laserjet output file"); }
+[[noreturn]] void cannotwrite() { vlfilefault("error writing Laserjet output file", vl.filename); }
 
 struct ljoutput {
     vlwriter out;
@@ -98,7 +98,7 @@ long doty(double y) { return frameof(vl.device).oy + vl.record.ypix - 1 - std::l
 void startpage() {
     if (vl.output) return;
     auto page = std::make_shared<ljoutput>(vl.filename.c_str());
-    if (!page->out.isopen()) vlerror("error opening Laserjet output file");
+    if (!page->out.isopen()) vlfilefault("error opening Laserjet output file", vl.filename);
     const frame& f = frameof(vl.device);
     page->escape("&l", f.landscape, "O");
     page->out.text("\33&l0E\33&l0L\33*t300R");

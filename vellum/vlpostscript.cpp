@@ -4,16 +4,19 @@
 #include "vellum/vlraster.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 
 namespace {
 
 // Half a drawing is worth nothing.
 [[noreturn]] void cannotwrite() {
-    vlcomplain("ERROR writing into PostScript file.\n");
+    const int reason = errno;
+    vlcomplain("ERROR writing into PostScript file.\n%s: %s\n", vl.filename.c_str(), strerror(reason));
     exit(1);
 }
 
@@ -104,7 +107,7 @@ void psopen() {
     if (vl.output) return;
     if (vl.filename.empty()) vl.filename = "vlplot.eps";
     auto page = std::make_shared<psoutput>(vl.filename.c_str());
-    if (!page->out.isopen()) vlerror("Cannot open Postscript file.\n");
+    if (!page->out.isopen()) vlfilefault("Cannot open Postscript file.\n", vl.filename);
     printheader(page->out);
     VLPathInit(&page->path);
     VLPathSetOverflow(&page->path, printandflush);

@@ -134,6 +134,9 @@ int vlindexofpixel(uint32_t pixel, int depth);
 // Gives the message to the handler; comes back never: when the handler returns or there is none the process
 // ends.
 [[noreturn]] void vlerror(const char* format, ...) __attribute__((format(printf, 1, 2)));
+// The same where a file cannot be used: behind the message a line with the file and the system's reason
+// (errno).
+[[noreturn]] void vlfilefault(const std::string& message, const std::string& file);
 // A condition that a caller of the library cannot break; stops with the condition's text and the source's
 // name.
 inline void vlassert(bool holds, const char* condition, const char* source) {

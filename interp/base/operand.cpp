@@ -19,7 +19,11 @@ double scalarval(int idx) {
     const symbol& s = sym(idx);
     if (isscalartype(s.type)) return s.val.rval;
     if (s.type == MATRIX) return operandfns.first(static_cast<const harray*>(s.val.ptr));
-    tarnerror("%s is not a scalar type as expected", s.name);
+    const char* const refusal = "%s is not a scalar type as expected";
+    if (isstringtype(idx))
+        tarnerrorhint("it is the text \"" + std::string(stringval(idx)) + "\"", refusal, s.name);
+    if (s.type == UNKNOWN) tarnerrorhint(s.name + std::string(" has no value"), refusal, s.name);
+    tarnerror(refusal, s.name);
 }
 
 int16_t shortval(int idx) {

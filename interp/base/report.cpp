@@ -131,6 +131,19 @@ void tarnerror(const char* format, ...) {
     fail(text + "\n");
 }
 
+void tarnerrorhint(const std::string& hint, const char* format, ...) {
+    va_list args;
+    va_start(args, format);
+    const std::string text = formatted(format, args);
+    va_end(args);
+    try {
+        tarnerror("%s", text.c_str());
+    } catch (const recoveryjump&) {
+        if (!hint.empty()) tarnwarn("%s", hint.c_str());
+        throw;
+    }
+}
+
 void tarnsyntax(int n, const char* format, ...) {
     va_list args;
     va_start(args, format);

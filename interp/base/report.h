@@ -36,6 +36,10 @@ int getkey(bool wait); // -1 when none waits (wait false); extended keys are 256
 void keypoll();        // Q sets parser.interrupted, R turns parser.reporttoggle; for long work
 
 [[noreturn]] void tarnerror(const char* format, ...) __attribute__((format(printf, 1, 2)));
+// An error, and behind it a warning that tells more: what was given, what to try. WARNSW silences the
+// warning.
+[[noreturn]] void tarnerrorhint(const std::string& hint, const char* format, ...)
+    __attribute__((format(printf, 2, 3)));
 [[noreturn]] void tarnsyntax(int n, const char* format, ...) __attribute__((format(printf, 2, 3)));
 void tarnwarn(const char* format, ...) __attribute__((format(printf, 1, 2))); // silent while WARNSW is 0
 // The four argument refusals of builtins, by the function's name.

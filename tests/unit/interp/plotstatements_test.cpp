@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <sstream>
 
 namespace {
 
@@ -53,75 +54,129 @@ TEST_F(PlotStatements, FaultsAreToldAndChangeNothing) {
     const struct {
         const char *statement, *message;
     } rows[] = {
-        {"DRAW C1 LINETYPE 13 COLOR RED", "##Error: invalid linetype.\n"},
-        {"DRAW C1 LINETYPE (1,2) COLOR RED", "##Error: improper number of arguments to LINETYPE\n"},
-        {"DRAW C1 LINETYPE NULLM", "##Error: improper number of arguments to LINETYPE\n"},
-        {"DRAW C1 LINE \"a\"", "##Error: bad argument type in LINETYPE (LINE)\n"},
-        {"DRAW C1 LINETYPE (1,2,3,4,5,6,L)", "##Error: bad argument type in LINETYPE (LINE)\n"},
-        {"DRAW C1 COLOR RED POINTTYPE 32", "##Error: invalid pointtype.\n"},
-        {"DRAW C1 COLOR RED POINTTYPE 999", "##Error: invalid pointtype.\n"},
-        {"DRAW C1 COLOR RED PTFONT 35", "##Error: invalid font table number.\n"},
-        {"DRAW C1 COLOR RED LABELFONT -15", "##Error: invalid label font number.\n"},
+        {"DRAW C1 LINETYPE 13 COLOR RED",
+         "##Error: invalid linetype.\nWarning: line types are 0 to 12, this is 13\n"},
+        {"DRAW C1 LINETYPE (1,2) COLOR RED",
+         "##Error: improper number of arguments to LINETYPE\nWarning: LINETYPE takes a number, a matrix of 1 "
+         "to 7 numbers, or (seg1, gap, seg2, tick1, tick2, thick, fill)\n"},
+        {"DRAW C1 LINETYPE NULLM",
+         "##Error: improper number of arguments to LINETYPE\nWarning: LINETYPE takes a number, a matrix of 1 "
+         "to 7 numbers, or (seg1, gap, seg2, tick1, tick2, thick, fill)\n"},
+        {"DRAW C1 LINE \"a\"",
+         "##Error: bad argument type in LINETYPE (LINE)\nWarning: it is the text \"a\"\n"},
+        {"DRAW C1 LINETYPE (1,2,3,4,5,6,L)",
+         "##Error: bad argument type in LINETYPE (LINE)\nWarning: L is a 3 by 1 matrix\n"},
+        {"DRAW C1 COLOR RED POINTTYPE 32", "##Error: invalid pointtype.\nWarning: point types are -31 to 31, "
+                                           "or a letter in quotes; this is 32\n"},
+        {"DRAW C1 POINTTYPE -1", "##Error: invalid pointtype.\nWarning: point types are -31 to 31, or a "
+                                 "letter in quotes; this is -1\n"},
+        {"DRAW C1 POINTTYPE \"\"", "##Error: invalid pointtype.\nWarning: the text is empty\n"},
+        {"DRAW C1 POINTTYPE \"\xc3\xa9\"",
+         "##Error: invalid pointtype.\nWarning: a point is a single letter of ASCII\n"},
+        {"DRAW C1 LINETYPE -1", "##Error: invalid linetype.\nWarning: line types are 0 to 12, this is -1\n"},
+        {"DRAW C1 COLOR PUCE",
+         "##Error: PUCE is not a scalar type as expected\nWarning: PUCE has no value\n"},
+        {"DRAW C1 COLOR RED POINTTYPE 999", "##Error: invalid pointtype.\nWarning: point types are -31 to "
+                                            "31, or a letter in quotes; this is 999\n"},
+        {"DRAW C1 COLOR RED PTFONT 35",
+         "##Error: invalid font table number.\nWarning: fonts are -14 to 34, this is 35\n"},
+        {"DRAW C1 COLOR RED LABELFONT -15",
+         "##Error: invalid label font number.\nWarning: fonts are -14 to 34, this is -15\n"},
         {"DRAW C1 COLOR RED LABELSIZE -1", "##Error: LABELSIZE must be non-negative\n"},
         {"DRAW C1 PTSIZE -1", "##Error: point sizes must be non-negative\n"},
-        {"DRAW C1 PTSIZE LIST(1,-1)", "##Error: point sizes must be non-negative\n"},
-        {"DRAW C1 PTSIZE \"a\"", "##Error: illegal point size\n"},
-        {"DRAW C1 PTSIZE NULLM", "##Error: illegal point size\n"},
-        {"DRAW C1 COLOR (1,2,3,4)", "##Error: wrong number of arguments for COLOR clause\n"},
+        {"DRAW C1 PTSIZE LIST(1,-1)", "##Error: point sizes must be non-negative\nWarning: row 2 is -1\n"},
+        {"DRAW C1 PTSIZE \"a\"", "##Error: illegal point size\nWarning: it is the text \"a\"\n"},
+        {"DRAW C1 PTSIZE NULLM", "##Error: illegal point size\nWarning: the matrix is empty\n"},
+        {"DRAW C1 COLOR (1,2,3,4)",
+         "##Error: wrong number of arguments for COLOR clause\nWarning: it takes one to three: of points, "
+         "line and labels, or of the first two and labels\n"},
         {"DRAW C1 PLACE (1)", "##Error: PLACE must have two parenthesized arguments\n"},
-        {"DRAW C1 PLACE (CENTER,LEFT) COLOR RED", "##Error: illegal PLACE vcenter argument\n"},
-        {"DRAW C1 PLACE (TOP,CENTER) COLOR RED", "##Error: illegal PLACE hcenter argument\n"},
+        {"DRAW C1 PLACE (CENTER,LEFT) COLOR RED",
+         "##Error: illegal PLACE vcenter argument\nWarning: PLACE (h, v) takes LEFT, CENTER or RIGHT and "
+         "then BOTTOM, CENTER or TOP\n"},
+        {"DRAW C1 PLACE (TOP,CENTER) COLOR RED",
+         "##Error: illegal PLACE hcenter argument\nWarning: PLACE (h, v) takes LEFT, CENTER or RIGHT and "
+         "then BOTTOM, CENTER or TOP\n"},
         {"DRAW C1 OFFSET L", "##Error: OFFSET must have two parenthesized arguments\n"},
         {"TITLE T1 AT 3", "##Error: AT clause must have two parenthesized arguments\n"},
-        {"DRAW C1 LABEL \"a\" COLOR RED", "##Error: LABEL argument must be matrix or scalar\n"},
-        {"DRAW C1 LABEL L&'L&'L", "##Error: label matrix must have 1 or 2 cols\n"},
-        {"DRAW C1 FFRACT COLOR RED", "##Error: DRAW statements must use WORLD data units\n"},
+        {"DRAW C1 LABEL \"a\" COLOR RED",
+         "##Error: LABEL argument must be matrix or scalar\nWarning: it is the text \"a\"\n"},
+        {"DRAW C1 LABEL L&'L&'L",
+         "##Error: label matrix must have 1 or 2 cols\nWarning: it is a 3 by 3 matrix\n"},
+        {"DRAW C1 FFRACT COLOR RED", "##Error: DRAW statements must use WORLD data units\nWarning: points in "
+                                     "other units are drawn by AXIS\n"},
         {"DRAW C1 FORMAT (1,2)", "##Error: FORMAT needs 6 scalars\n"},
-        {"DRAW C1 = K", "##Error: bad DRAW or AXIS arg. type\n"},
-        {"DRAW W", "##Error: bad DRAW or AXIS arg. type\n"},
-        {"DRAW M, L", "##Error: bad DRAW or AXIS arg. type\n"},
+        {"DRAW C1 = K", "##Error: bad DRAW or AXIS arg. type\nWarning: K is the number 2: a matrix of points "
+                        "or the name of a curve is needed\n"},
+        {"DRAW W", "##Error: bad DRAW or AXIS arg. type\nWarning: W is a window: a matrix of points or the "
+                   "name of a curve is needed\n"},
+        {"DRAW M, L", "##Error: bad DRAW or AXIS arg. type\nWarning: M is a 3 by 2 matrix: the name must be "
+                      "new, or that of a curve\n"},
         {"DRAW NEW", "##Error: bad DRAW or AXIS arg. type\nWarning: NEW has no value\n"},
-        {"DRAW F'X = M", "##Error: bad DRAW or AXIS arg. type\n"},
-        {"DRAW C1 = M, L", "##Error: too many arguments in DRAW or AXIS statement\n"},
-        {"AXIS M&'M", "##Error: DRAW & AXIS data matrix must have 1 or 2 cols\n"},
-        {"DRAW C1 = NULLM", "##Error: DRAW & AXIS data matrix must have 1 or 2 cols\n"},
+        {"DRAW F'X = M", "##Error: bad DRAW or AXIS arg. type\nWarning: it has no value\n"},
+        {"DRAW C1 = M, L", "##Error: too many arguments in DRAW or AXIS statement\nWarning: a name and its "
+                           "points: DRAW NAME = MATRIX\n"},
+        {"AXIS M&'M",
+         "##Error: DRAW & AXIS data matrix must have 1 or 2 cols\nWarning: it is a 3 by 4 matrix\n"},
+        {"DRAW C1 = NULLM",
+         "##Error: DRAW & AXIS data matrix must have 1 or 2 cols\nWarning: NULLM is a 0 by 0 matrix\n"},
         {"DRAW C1 = W.XAXIS IN K", "##Error: K is not a window\n"},
         {"DRAW M IN \"x\"", "##Error: x is not a window\n"},
-        {"WINDOW 0 TO 1 IN W2", "##Error: not enough TO clauses\n"},
-        {"WINDOW 0 TO 1, 0 TO 1, 0 TO 1", "##Error: too many TO clauses\n"},
-        {"WINDOW 0 TO L, 0 TO 1", "##Error: scalars required in TO clause\n"},
+        {"WINDOW 0 TO 1 IN W2",
+         "##Error: not enough TO clauses\nWarning: two are needed: x1 TO x2, y1 TO y2\n"},
+        {"WINDOW 0 TO 1, 0 TO 1, 0 TO 1",
+         "##Error: too many TO clauses\nWarning: two are enough: x1 TO x2, y1 TO y2\n"},
+        {"WINDOW 0 TO L, 0 TO 1", "##Error: scalars required in TO clause\nWarning: L is a 3 by 1 matrix\n"},
         {"WINDOW 0 TO 1, 3 TO 3", "##Error: illegal WINDOW limits: 3 TO 3\n"},
         {"WINDOW MAXNEG TO MAXPOS, 3 TO 4",
          "##Error: illegal WINDOW limits: -1.79769e+308 TO 1.79769e+308\n"},
-        {"WINDOW ADJUST 16", "##Error: ADJUST arguments must be in [0,15]\n"},
-        {"WINDOW ADJUST (0,0,-1,0)", "##Error: ADJUST arguments must be in [0,15]\n"},
-        {"WINDOW ADJUST (1,2)", "##Error: ADJUST must have 1 or 4 arguments\n"},
-        {"WINDOW L", "##Syntax Error[0]: illegal statement\n"},
-        {"FRAME 0 TO 1.01, 0 TO 1 PRIORITY 3", "##Error: frame is outside the screen\n"},
-        {"FRAME 0 TO 10.1, 0 TO 1 INCHES", "##Error: frame is outside the screen\n"},
+        {"WINDOW ADJUST 16", "##Error: ADJUST arguments must be in [0,15]\nWarning: a sum of 1 shrink, 2 "
+                             "expand, 4 pad, 8 round, or WFIX, WFLOAT, WNICE, WMATCH\n"},
+        {"WINDOW ADJUST (0,0,-1,0)", "##Error: ADJUST arguments must be in [0,15]\nWarning: a sum of 1 "
+                                     "shrink, 2 expand, 4 pad, 8 round, or WFIX, WFLOAT, WNICE, WMATCH\n"},
+        {"WINDOW ADJUST (1,2)",
+         "##Error: ADJUST must have 1 or 4 arguments\nWarning: the four are for xmin, xmax, ymin, ymax\n"},
+        {"WINDOW L", "##Syntax Error[0]: illegal statement\nWarning: L is a 3 by 1 matrix: a window is named "
+                     "by IN, its limits are told with TO\n"},
+        {"FRAME 0 TO 1.01, 0 TO 1 PRIORITY 3",
+         "##Error: frame is outside the screen\nWarning: the screen is 0 TO 1, 0 TO 1 in these units\n"},
+        {"FRAME 0 TO 10.1, 0 TO 1 INCHES",
+         "##Error: frame is outside the screen\nWarning: the screen is 0 TO 10, 0 TO 7.5 in these units\n"},
         {"FRAME 1 TO 0, 0 TO 1", "##Error: FRAME limits must rise from the first to the second\n"},
-        {"FRAME 0 TO 1, 0 TO 1 FFRACT COLOR RED", "##Error: bad units in FRAME or IMAGE statement\n"},
-        {"IMAGE 0 TO 1, 0 TO 1 WORLD", "##Error: bad units in FRAME or IMAGE statement\n"},
-        {"IMAGE -0.1 TO 1, 0 TO 1 COLOR RED", "##Error: image is outside the frame\n"},
+        {"FRAME 0 TO 1, 0 TO 1 FFRACT COLOR RED",
+         "##Error: bad units in FRAME or IMAGE statement\nWarning: FRAME takes FRACT or INCHES\n"},
+        {"IMAGE 0 TO 1, 0 TO 1 WORLD", "##Error: bad units in FRAME or IMAGE statement\nWarning: IMAGE takes "
+                                       "FFRACT, FINCHES, FRACT or INCHES\n"},
+        {"IMAGE -0.1 TO 1, 0 TO 1 COLOR RED",
+         "##Error: image is outside the frame\nWarning: the frame of W is 0 TO 1, 0 TO 1 in these units\n"},
         {"IMAGE 0.5 TO 0.5, 0 TO 1", "##Error: IMAGE limits must rise from the first to the second\n"},
-        {"IMAGE 0 TO 1", "##Error: not enough TO clauses\n"},
-        {"BLANK C1, K", "##Error: bad type in BLANK/UNBLANK\n"},
-        {"TITLE M = \"a\"", "##Error: title name already assigned to other type\n"},
-        {"TITLE C1 = \"a\"", "##Error: title name already assigned to other type\n"},
-        {"TITLE \"a\", 5", "##Error: title name already assigned to other type\n"},
-        {"TITLE \"a\", \"b\"", "##Error: bad TITLE arg. type\n"},
-        {"TITLE TOP, LEFT, \"b\"", "##Error: bad TITLE arg. type\n"},
-        {"TITLE T1 = NEW", "##Error: bad TITLE arg. type\n"},
-        {"TITLE A, B, \"b\", TOP, 1", "##Error: too many arguments in TITLE statement\n"},
-        {"TITLE T1 FONT 35 COLOR RED", "##Error: invalid font number\n"},
+        {"IMAGE 0 TO 1", "##Error: not enough TO clauses\nWarning: two are needed: x1 TO x2, y1 TO y2\n"},
+        {"BLANK C1, K", "##Error: bad type in BLANK/UNBLANK\nWarning: K is the number 2\n"},
+        {"TITLE M = \"a\"",
+         "##Error: title name already assigned to other type\nWarning: M is a 3 by 2 matrix\n"},
+        {"TITLE C1 = \"a\"", "##Error: title name already assigned to other type\nWarning: C1 is a curve\n"},
+        {"TITLE \"a\", 5", "##Error: title name already assigned to other type\nWarning: it is the number 5: "
+                           "a position is TOP, LEFT, RIGHT or BOTTOM\n"},
+        {"TITLE \"a\", \"b\"", "##Error: bad TITLE arg. type\nWarning: it is the text \"b\": one name, one "
+                               "text and one position are enough\n"},
+        {"TITLE TOP, LEFT, \"b\"", "##Error: bad TITLE arg. type\nWarning: LEFT is the number 2: one name, "
+                                   "one text and one position are enough\n"},
+        {"TITLE T1 = NEW", "##Error: bad TITLE arg. type\nWarning: NEW has no value: one name, one text and "
+                           "one position are enough\n"},
+        {"TITLE A, B, \"b\", TOP, 1", "##Error: too many arguments in TITLE statement\nWarning: a name, a "
+                                      "title to copy, a text and a position are all that it takes\n"},
+        {"TITLE T1 FONT 35 COLOR RED",
+         "##Error: invalid font number\nWarning: fonts are -14 to 34, this is 35\n"},
         {"TITLE T1 SIZE -1 COLOR RED", "##Error: SIZE must be non-negative\n"},
-        {"TITLE T1 PLACE (5,5) COLOR RED", "##Error: illegal PLACE vcenter argument\n"},
+        {"TITLE T1 PLACE (5,5) COLOR RED", "##Error: illegal PLACE vcenter argument\nWarning: PLACE (h, v) "
+                                           "takes LEFT, CENTER or RIGHT and then BOTTOM, CENTER or TOP\n"},
         {"TITLE \"a\" IN C1", "##Error: C1 is not a window\n"},
-        {"TYPE GETDATA(W)", "##Error: not a curve, axis, or window\n"},
-        {"TYPE GETPTSIZE(M)", "##Error: not a curve, axis, or window\n"},
-        {"TYPE GETIMAGE(C1)", "##Error: not a curve, axis, or window\n"},
-        {"TYPE GETIMAGE(W,5)", "##Error: 2nd arg must be 1,2,3, or 4\n"},
-        {"TYPE GETFRAME(W,0)", "##Error: 2nd arg must be 1 or 2\n"},
+        {"TYPE GETDATA(W)", "##Error: not a curve, axis, or window\nWarning: W is a window\n"},
+        {"TYPE GETPTSIZE(M)", "##Error: not a curve, axis, or window\nWarning: M is a 3 by 2 matrix\n"},
+        {"TYPE GETIMAGE(C1)", "##Error: not a curve, axis, or window\nWarning: C1 is a curve\n"},
+        {"TYPE GETIMAGE(W,5)",
+         "##Error: 2nd arg must be 1,2,3, or 4\nWarning: 1 FRACT, 2 INCHES, 3 FFRACT, 4 FINCHES\n"},
+        {"TYPE GETFRAME(W,0)", "##Error: 2nd arg must be 1 or 2\nWarning: 1 FRACT, 2 INCHES\n"},
         {"W2 = W", "##Error: LHS type for assignment invalid\n"},
         {"EDIT C1", "##Error: Only a FUNCTION, INITIAL, STRING, TITLE, FILE or CONSTRAINT may be edited\n"},
         {"SAVE C1 IN \"f\"", "##Error: saving an illegal object, no file created\n"},
@@ -132,9 +187,39 @@ TEST_F(PlotStatements, FaultsAreToldAndChangeNothing) {
     }
 }
 
+// What a statement has no use for is told of; what it can use takes effect.
+TEST_F(PlotStatements, ClausesWithoutEffectAreToldOf) {
+    const struct {
+        const char *statement, *names;
+    } rows[] = {
+        {"DRAW C1 AT (1,2) COLOR RED", "AT"},
+        {"DRAW C1 ADJUST 7 SHIFT 1", "SHIFT ADJUST"},
+        {"XAXIS PRIORITY 3", "PRIORITY"},
+        {"TITLE T1 LINETYPE 2 LABEL L", "LINETYPE LABEL"},
+        {"WINDOW 0 TO 1, 0 TO 1 COLOR RED", "COLOR"},
+        {"FRAME ADJUST 7", "ADJUST"},
+        {"IMAGE PRIORITY 3 COLOR RED", "PRIORITY"},
+        {"FRAMEBOX ANGLE 3", "ANGLE"},
+        {"TITLE T1 SIZE 0.03 FONT 5 SHIFT 0 AT (0,0) PLACE (LEFT,TOP) ANGLE 3 COLOR RED", ""},
+        {"DRAW C1 LABEL L OFFSET (0,0) LABELSIZE 0.1 LABELFONT 5 WCLIP 1 PTSIZE 0.1 PTFONT 5", ""},
+    };
+    run("DRAW C1 = M; TITLE T1 = \"text\"");
+    for (const auto& row : rows) {
+        std::string expected;
+        std::istringstream names(row.names);
+        for (std::string name; names >> name;)
+            expected += "Warning: " + name + " has no effect in this statement\n";
+        EXPECT_EQ(run(row.statement), expected) << row.statement;
+    }
+    EXPECT_EQ(curvenamed("C1").linecolor, 2);
+    EXPECT_EQ(windownamed("W").imagecolor, 2);
+}
+
 TEST_F(PlotStatements, ShiftedImageIsToldWithTheNewFrameInForce) {
     run("IMAGE 2 TO 8, 2 TO 6 FINCHES");
-    EXPECT_EQ(run("FRAME 0.5 TO 1, 0 TO 1"), "##Error: FRAME command shifted image out of frame\n");
+    EXPECT_EQ(run("FRAME 0.5 TO 1, 0 TO 1"),
+              "##Error: FRAME command shifted image out of frame\n"
+              "Warning: the image of W does not fit in: set it anew with IMAGE\n");
     EXPECT_DOUBLE_EQ(windownamed("W").fxmin, 0.5);
     EXPECT_DOUBLE_EQ(windownamed("W").ixmin, 0.7); // it went by the shift of the corner
 }
@@ -255,7 +340,8 @@ TEST_F(PlotStatements, AxesAreFoundByTheirWindow) {
     EXPECT_EQ(ring("W2"), "W2.YAXIS ");
     EXPECT_EQ(curvenamed("W.XAXIS").linecolor, 2);
     run("W3.XAXIS = 7");
-    EXPECT_EQ(run("XAXIS L IN W3"), "##Error: bad DRAW or AXIS arg. type\n");
+    EXPECT_EQ(run("XAXIS L IN W3"), "##Error: bad DRAW or AXIS arg. type\nWarning: W3.XAXIS is the number 7: "
+                                    "the name must be new, or that of a curve\n");
 }
 
 // What an axis shows goes with the window; new data or labels are those of the window as it is now.

@@ -97,7 +97,8 @@ TEST_F(Statements, Ranges) {
         {"X = 0:1!0", "X", "-", "##Error: COLON (:) zero increment not allowed\n"},
         {"X = 0:1E300", "X", "-", "##Error: Too many elements requested in 'xalloc()'\n"},
         {"X = 0:1:1E-320", "X", "-", "##Error: Too many elements requested in 'xalloc()'\n"},
-        {"X = 1:\"a\"", "X", "-", "##Error:   is not a scalar type as expected\n"},
+        {"X = 1:\"a\"", "X", "-",
+         "##Error:   is not a scalar type as expected\nWarning: it is the text \"a\"\n"},
         {"X = (1:3)+0.5:4", "X", "3x1: 1.5 2.5 3.5", ""},
     });
     harnessrun("X = 0:1:0.1; N = 0:100000:0.1");
@@ -335,7 +336,8 @@ TEST_F(Statements, RefusedForms) {
         {"DRAW X PLACE (1,\"a\")", "X", "-", "##Error: PLACE must have two parenthesized arguments\n"},
         {"DRAW X OFFSET 1", "X", "-", "##Error: OFFSET must have two parenthesized arguments\n"},
         {"TITLE \"a\" AT 1", "X", "-", "##Error: AT clause must have two parenthesized arguments\n"},
-        {"TITLE \"a\" FONT \"b\"", "X", "-", "##Error:   is not a scalar type as expected\n"},
+        {"TITLE \"a\" FONT \"b\"", "X", "-",
+         "##Error:   is not a scalar type as expected\nWarning: it is the text \"b\"\n"},
         {"DELETE Y", "X", "-", "Warning: DELETE: Y does not exist\n"},
         {"DELETE SIN", "X", "-", "Warning: DELETE: builtin functions may not be deleted\n"},
         {"DELETE 1+1", "X", "-", "Warning: DELETE: deletion does not apply to expressions\n"},
@@ -402,12 +404,11 @@ TEST_F(Statements, ClausesFillTheirVariables) {
                          }};
     processadd(&row, 1);
     EXPECT_EQ(
-        harnessrun("R = 2; DRAW C1 = M POINTTYPE \"x\" PTFONT 3 LABELFONT 5 FONT 7 SHIFT 0.5 ANGLE 90 "
+        harnessrun("R = 2; DRAW C1 = M PTFONT 3 LABELFONT 5 FONT 7 SHIFT 0.5 ANGLE 90 "
                    "PLACE (R, 3) PRIORITY 4 WCLIP 1 COLORNUM R*3 OFFSET (1,-2) FFRACT LABELSIZE 0.25 INCHES "
                    "AT (5,6) WORLD IN W2 LABEL 1:3 SIZE 8 FINCHES"),
         "");
     EXPECT_EQ(operands, "C1M");
-    EXPECT_EQ(seen.pointtype, 1000 + 'x');
     EXPECT_EQ(seen.pointfont, 3);
     EXPECT_EQ(seen.labelfont, 5);
     EXPECT_EQ(seen.font, 7);
@@ -430,8 +431,8 @@ TEST_F(Statements, ClausesFillTheirVariables) {
     EXPECT_EQ(seen.textsize, 8);
     EXPECT_EQ(seen.unitsize, 88);
     EXPECT_EQ(temporaries(), 0) << "the label matrix is let go behind the statement";
-    EXPECT_EQ(harnessrun("DRAW C1 POINTTYPE 1E9 COLORNUM -1E9"), "");
-    EXPECT_EQ(seen.pointtype, 32767);
+    EXPECT_EQ(harnessrun("DRAW C1 PTFONT 1E9 COLORNUM -1E9"), "");
+    EXPECT_EQ(seen.pointfont, 32767);
     EXPECT_EQ(seen.colorn, -32768);
     EXPECT_EQ(seen.insym, 0) << "clauses die with their statement";
 }

@@ -338,6 +338,28 @@ TEST_F(PlotObjects, OnePointGetsRoom) {
     EXPECT_GT(windowof(win).wymax, 1e17);
 }
 
+// Data farther apart, or nearer together, than any scale reaches still give limits that can be drawn.
+TEST_F(PlotObjects, ExtremeRangesCanBeDrawn) {
+    const std::initializer_list<double> extremes[] = {{-1e308, 1e308, 1e308, -1e308},
+                                                      {1e-320, 5e-324, 3e-320, 0},
+                                                      {0, -MAXPOS / 1.0000001, 1, MAXPOS / 1.0000001}};
+    for (const int code : {3, 7, 11, 15}) {
+        for (const auto& points : extremes) {
+            SetUp();
+            window w = defaultwindow();
+            std::fill(w.adjust, w.adjust + 4, int8_t(code));
+            const int win = makewindow("W", w);
+            makecurve("C1", win, points);
+            adjustwindow(win);
+            const window& now = windowof(win);
+            for (const double extent : {now.wxmax - now.wxmin, now.wymax - now.wymin}) {
+                EXPECT_GT(extent, 1e-290) << code;
+                EXPECT_LE(extent, MAXPOS) << code;
+            }
+        }
+    }
+}
+
 TEST_F(PlotObjects, MatchedScales) {
     for (const int code : {12, 13, 14, 15}) {
         for (const auto& points : {std::vector<double>{0, 0, 10, 3}, {0, 0, 3, 10}, {-5, -5, 5, 5}}) {

@@ -453,6 +453,38 @@ TEST_F(scenepages, LabelsTellThePresentWindow) {
     EXPECT_GT(inkbox(plotpage("PSL")).x0, 0.7);
 }
 
+// The strokes of all labels together, and of each by itself: what a label shows does not hang on the others.
+TEST_F(scenepages, LabelsOfManyDecadesAreNotTakenForRounding) {
+    curve& c = curveof(newcurve(win, "A1", TOKAXIS, {0, 0, 5, 0, 10, 0}));
+    c.linetype = 0;
+    const auto strokes = [&](std::initializer_list<double> labels) {
+        c.labels = matrixof(uint32_t(labels.size()), 1, labels);
+        return plotpage("PSL").marks.size();
+    };
+    const size_t each = strokes({1e-150}) + strokes({1}) + strokes({1e150});
+    EXPECT_EQ(strokes({1e-150, 1, 1e150}), each);
+    EXPECT_EQ(strokes({1e150, 1, 1e-150}), each);
+    EXPECT_EQ(strokes({-1, 1e-17, 1}), strokes({-1, 0, 1})) << "a residue of rounding is 0";
+}
+
+// A number whose first digits are cut off is another number.
+TEST_F(scenepages, ChosenLabelsStayInTheFrame) {
+    w().fxmin = 0.15;
+    w().wymin = 123456789000, w().wymax = 123456789010;
+    std::fill(w().adjust, w().adjust + 4, int8_t(0));
+    curve& c = curveof(newcurve(win, "W.YAXIS", TOKYAXIS, {0, 123456789000}));
+    c.linetype = 0;
+    c.hplace = 1;
+    c.wclipsw = OWNMARKS;
+    c.labels = matrixof(1, 1, {0});
+    adjustwindow(win);
+    const epsbox held = inkbox(plotpage("PSL"));
+    EXPECT_GE(held.x0, 0.15 - NEAR);
+    EXPECT_GT(held.width(), 0.13) << "twelve digits";
+    c.wclipsw = 0; // labels of the user's own stand where they are put
+    EXPECT_LT(inkbox(plotpage("PSL")).width(), 0.06);
+}
+
 // ---- pages
 
 TEST_F(scenepages, PagesDifferByTheTurnAlone) {

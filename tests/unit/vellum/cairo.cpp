@@ -110,11 +110,12 @@ TEST_F(Cairo, ghostscriptReadsThePdf) {
 
 TEST_F(Cairo, aFileThatCannotBeWrittenIsAFault) {
     DINI("SVG", nullptr, "no/such/folder/a.svg", 0, 0, 0, 0);
-    EXPECT_EQ(fault([] { DGET(DSCREENPATCH(), 1); }), "Cannot open plot file: no/such/folder/a.svg\n");
+    EXPECT_EQ(fault([] { DGET(DSCREENPATCH(), 1); }),
+              "Cannot open plot file.\nno/such/folder/a.svg: No such file or directory");
     DQUIT(0);
     if (!std::filesystem::exists("/dev/full")) return;
     page("PNG", "/dev/full");
-    EXPECT_EQ(fault([] { DQUIT(0); }), "Cannot write plot file: /dev/full\n");
+    EXPECT_EQ(fault([] { DQUIT(0); }), "Cannot write plot file.\n/dev/full: No space left on device");
     EXPECT_EQ(DDEVICENUMBER(nullptr), -1) << "the device is closed all the same";
 }
 

@@ -160,11 +160,15 @@ TEST_F(Fonts, fontsThatAreNotThereAreFontOne) {
 
 TEST_F(Fonts, aFileThatIsNotThereIsToldOf) {
     DSETFONTPATH("/nowhere");
-    EXPECT_EQ(fault([] { DFONT(5); }), "Unable to open VELLUM stroked font file (vlfonts.0)");
-    EXPECT_EQ(fault([] { DTEXT("a"); }), "Unable to open VELLUM stroked font file (vlfonts.0)");
-    EXPECT_EQ(fault([] { DENQBTXT("a", 1, 0, 1, 0, 0, 0, 0); }),
-              "Unable to open VELLUM bitmap font file (bfontfile)\n");
-    EXPECT_EQ(fault([] { DFONT(101); }), "Unable to open user font file (font0)");
+    const std::string strokes = "Unable to open VELLUM stroked font file (vlfonts.0)\n"
+                                "/nowhere/vlfonts.0: No such file or directory";
+    EXPECT_EQ(fault([] { DFONT(5); }), strokes);
+    EXPECT_EQ(fault([] { DTEXT("a"); }), strokes);
+    EXPECT_EQ(
+        fault([] { DENQBTXT("a", 1, 0, 1, 0, 0, 0, 0); }),
+        "Unable to open VELLUM bitmap font file (bfontfile)\n/nowhere/vlbfonts.0: No such file or directory");
+    EXPECT_EQ(fault([] { DFONT(101); }),
+              "Unable to open user font file (font0)\nfont0: No such file or directory");
     DSETFONTPATH(TARNSTARTDIR);
     EXPECT_EQ(DFONT(5), 1);
 }

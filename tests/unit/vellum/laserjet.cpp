@@ -96,7 +96,8 @@ TEST_F(LaserJet, nativeTextChoosesItsFontOnce) {
 
 TEST_F(LaserJet, aFileThatCannotBeOpenedIsAFault) {
     DINI("LJ2P", nullptr, "no/such/folder/a.lj", 0, 0, 0, 0);
-    EXPECT_EQ(fault([] { DGET(DSCREENPATCH(), 1); }), "error opening Laserjet output file");
+    EXPECT_EQ(fault([] { DGET(DSCREENPATCH(), 1); }),
+              "error opening Laserjet output file\nno/such/folder/a.lj: No such file or directory");
 }
 
 } // namespace

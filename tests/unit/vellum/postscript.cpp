@@ -103,7 +103,8 @@ TEST_F(PostScript, clipIsAtTheViewport) {
 
 TEST_F(PostScript, aFileThatCannotBeOpenedIsAFault) {
     DINI("PSP", nullptr, "no/such/folder/a.ps", 0, 0, 0, 0);
-    EXPECT_EQ(fault([] { DGET(DSCREENPATCH(), 1); }), "Cannot open Postscript file.\n");
+    EXPECT_EQ(fault([] { DGET(DSCREENPATCH(), 1); }),
+              "Cannot open Postscript file.\nno/such/folder/a.ps: No such file or directory");
     DQUIT(0);
     EXPECT_EQ(DINI("PSP", nullptr, "b.ps", 0, 0, 0, 0), 1);
 }
