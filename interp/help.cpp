@@ -5,6 +5,7 @@
 #include "interp/base/report.h"
 #include "interp/base/symtab.h"
 #include "interp/base/tokens.h"
+#include "interp/otherwords.h"
 #include "interp/scanner.h"
 #include "interp/tokenfil.h"
 
@@ -42,6 +43,7 @@ void helphandler(const processop&) {
         newtoken(token, index);
         if (token == TOKSTRING || token == TOKNUMBER) tempfree(index);
     }
+    if (const std::string meant = otherword(topic); !meant.empty()) return tarnprint("%s\n", meant.c_str());
     if (!console.help(topic.c_str())) tarnerror("cannot open help file");
 }
 
