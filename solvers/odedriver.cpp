@@ -35,7 +35,7 @@ double along(const odejob& job, double t) { return t * job.run.dir; }
 void derivative(odejob& job) {
     odestepper& s = job.run.s;
     job.run.nderiv++;
-    job.model.deriv(job.model.context, s.tcur, s.y.data(), s.dy.data());
+    job.model.deriv(job.model.context, s.tcur, s.y, s.dy);
 }
 
 void silence(const odejob& job) {
@@ -45,7 +45,7 @@ void silence(const odejob& job) {
 // Forward differences; a column for each state.
 void numericjacobian(odejob& job) {
     odestepper& s = job.run.s;
-    job.keptdy = s.dy;
+    job.keptdy.assign(s.dy, s.dy + s.n);
     for (int i = 0; i < s.n; i++) {
         const double kept = s.y[i];
         double d = std::fabs(kept);
@@ -56,17 +56,18 @@ void numericjacobian(odejob& job) {
         for (int k = 0; k < s.n; k++) s.jac[size_t(k) * s.n + i] = (s.dy[k] - job.keptdy[k]) / d;
         s.y[i] = kept;
     }
-    s.dy = job.keptdy;
+    std::copy(job.keptdy.begin(), job.keptdy.end(), s.dy);
 }
 
 void jacobian(odejob& job) {
     silence(job);
     odestepper& s = job.run.s;
     job.run.njac++;
+    s.jac.resize(size_t(s.n) * size_t(s.n));
     if (job.sw.report == 1 || job.sw.report == 2)
         tarnprint("t:%lg jacobian evaluation:%ld\n", s.tcur, job.run.njac);
     if (job.sw.jacsw == 1 && job.model.jacobian)
-        job.model.jacobian(job.model.context, s.tcur, s.y.data(), s.dy.data(), s.jac.data());
+        job.model.jacobian(job.model.context, s.tcur, s.y, s.dy, s.jac.data());
     else
         numericjacobian(job);
 }
@@ -119,7 +120,7 @@ void storerow(odejob& job) {
         *row++ = s.y[i];
         *row++ = s.dy[i];
     }
-    if (job.model.nextra) job.model.extras(job.model.context, s.tcur, s.y.data(), s.dy.data(), row);
+    if (job.model.nextra) job.model.extras(job.model.context, s.tcur, s.y, s.dy, row);
     if (job.sw.report == 2) tarnprint("storing for t = %lg\n", run.times[run.row]);
     run.row++;
 }
@@ -181,11 +182,10 @@ void constantstep(odejob& job) {
 void reportdisaster(const odejob& job) {
     const odestepper& s = job.run.s;
     tarnprint("\nt = %lg, errfac = %lg, ", s.tcur, s.errfac);
-    if (s.request == ODETRUNCFAIL)
-        tarnprint("eqn # %hd, truncation error = %lg\n", short(s.trunceqn + 1),
-                  std::fabs(s.truncerr)); // one look for what is no number, whatever its sign
-    else
-        tarnprint("eqn # %hd, corrector error = %lg\n", short(s.correqn + 1), std::fabs(s.correrr));
+    const bool truncation = s.request == ODETRUNCFAIL;
+    const double error = std::fabs(truncation ? s.truncerr : s.correrr); // what is no number has one look
+    tarnprint("eqn # %hd, ", short(s.faileqn + 1));
+    tarnprint(truncation ? "truncation error = %lg\n" : "corrector error = %lg\n", error);
 }
 
 void raisetolerance(odejob& job) {
@@ -297,8 +297,8 @@ void begin(odejob& job, const double* times, long ntimes, harray* out) {
     run.t0 = model.t0;
     harrayzero(out);
     s.tcur = model.t0;
-    model.start(model.context, s.y.data());
-    run.y0 = s.y;
+    model.start(model.context, s.y);
+    run.y0.assign(s.y, s.y + s.n);
     derivative(job);
     s.method = job.sw.method;
     s.stiff = s.method == ODESHRAGER || s.method == ODETU;

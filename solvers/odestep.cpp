@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
+#include <iterator>
+#include <utility>
 
 namespace {
 
@@ -10,7 +12,7 @@ namespace {
 enum resumepoint {
     ATSTART,
     STARTDERIV,   // the first derivative is there
-    STARTJAC,     // the first Jacobian is there, or none is needed
+    STARTJAC,     // the first Jacobian is there
     STARTREPORT,  // the start was reported
     STARTHISTORY, // the start was stored as an output
     ATPREDICT,
@@ -23,48 +25,40 @@ enum resumepoint {
     ATROTATE
 };
 
-enum verdict { ASK, GOON }; // ASK: return to the driver, which does what s.request says
-
-verdict ask(odestepper& s, int request, int resume) {
+void ask(odestepper& s, int request, int resume) {
     s.request = request;
     s.resume = resume;
-    return ASK;
 }
 
-verdict go(odestepper& s, int resume) {
-    s.resume = resume;
-    return GOON;
-}
+void copyvector(const odestepper& s, const double* from, double* to) { std::copy_n(from, s.n, to); }
 
-verdict reduce(odestepper& s);
-verdict choosestep(odestepper& s);
+void reduce(odestepper& s);
+void choosestep(odestepper& s);
+void predict(odestepper& s);
 
-verdict start(odestepper& s) {
+void start(odestepper& s) {
     s.hsum = s.href = s.stiffness = 0;
     s.stepssincejac = 0;
     s.coefcount = s.hcount = s.failcount = s.stifftries = 0;
     s.hspan = 12;
     s.jacinterval = 20;
-    s.newjac = s.latched = false;
+    s.newjac = s.latched = s.apart = false;
     s.truncerr = s.correrr = 0;
     s.tlast = s.tbase = s.tcur;
-    return ask(s, ODEDERIV, STARTDERIV);
+    ask(s, ODEDERIV, STARTDERIV);
 }
 
-verdict startjacobian(odestepper& s) {
-    if (!s.stiff) return go(s, STARTJAC);
+void startreport(odestepper& s) { ask(s, ODESTEPDONE, STARTREPORT); }
+
+void startjacobian(odestepper& s) {
+    if (!s.stiff) return startreport(s);
     s.newjac = true;
     s.needjac = false;
-    return ask(s, ODEJACOBIAN, STARTJAC);
-}
-
-verdict startoutput(odestepper& s) {
-    if (s.tcur != s.tout) return go(s, STARTHISTORY);
-    return ask(s, s.tout == s.tend ? ODELAST : ODEOUTPUT, STARTHISTORY);
+    ask(s, ODEJACOBIAN, STARTJAC);
 }
 
 // Before the start the solution is taken as a straight line.
-verdict inventhistory(odestepper& s) {
+void inventhistory(odestepper& s) {
     const double h = s.h;
     s.h1 = s.h2 = s.h3 = h;
     s.s2 = s.r2 = s.q2 = 2 * h;
@@ -78,7 +72,12 @@ verdict inventhistory(odestepper& s) {
         s.D[0][i] = s.D[1][i] = s.D[2][i] = s.dy[i];
     }
     s.tnext = s.tbase + h;
-    return go(s, ATPREDICT);
+    predict(s);
+}
+
+void startoutput(odestepper& s) {
+    if (s.tcur != s.tout) return inventhistory(s);
+    ask(s, s.tout == s.tend ? ODELAST : ODEOUTPUT, STARTHISTORY);
 }
 
 void adamscoefficients(odestepper& s) {
@@ -121,22 +120,11 @@ void stiffcoefficients(odestepper& s) {
 }
 
 // The coefficients depend on the last steps alone: after four equal ones they stay.
-verdict predict(odestepper& s) {
+void predict(odestepper& s) {
     s.tcur = s.tnext;
     if (++s.coefcount < 5) s.stiff ? stiffcoefficients(s) : adamscoefficients(s);
-    const double *p = s.pred, *c = s.corr;
-    for (int i = 0; i < s.n; i++) {
-        const double y0 = s.Y[0][i];
-        if (s.stiff) {
-            s.ybase[i] = c[0] * y0 + c[1] * s.Y[1][i] + c[2] * s.Y[2][i];
-            s.ypred[i] = p[0] * y0 + p[1] * s.Y[1][i] + p[2] * s.Y[2][i] + p[3] * s.Y[3][i];
-        } else {
-            s.ybase[i] = y0 + c[0] * s.D[0][i] + c[1] * s.D[1][i] + c[2] * s.D[2][i];
-            s.ypred[i] = y0 + p[0] * s.D[0][i] + p[1] * s.D[1][i] + p[2] * s.D[2][i];
-        }
-        s.y[i] = s.ypred[i];
-    }
-    return ask(s, ODEDERIV, PREDICTDERIV);
+    s.stiff ? s.loops->stiffpredict(s) : s.loops->adamspredict(s);
+    ask(s, ODEDERIV, PREDICTDERIV);
 }
 
 double rowsumnorm(const odestepper& s) {
@@ -153,7 +141,7 @@ double rowsumnorm(const odestepper& s) {
 bool newtonpass(odestepper& s) {
     const int n = s.n;
     const double beta = s.cnew;
-    for (int i = 0; i < n; i++) s.newton[i] = (s.y[i] - s.ybase[i]) / beta - s.dy[i];
+    for (int i = 0; i < n; i++) s.newton[i] = (s.y[i] - s.ybase[i]) / beta - s.dnew[i];
     if (s.newjac) {
         s.factored = false;
         s.jnorm = rowsumnorm(s);
@@ -174,21 +162,9 @@ bool newtonpass(odestepper& s) {
     return true;
 }
 
-// The larger error wins, a later equal one too; what is no number wins for good.
-void keepworst(double error, int i, double& worst, int& eqn) {
-    if (error < worst || std::isnan(worst)) return;
-    worst = error;
-    eqn = i;
-}
-
-void truncationtest(odestepper& s) {
-    s.truncerr = 0;
-    for (int i = 0; i < s.n; i++) {
-        double size = std::fabs(s.y[i]);
-        if (!(size > s.absfloor)) size = std::max(s.absfloor, std::fabs(s.Y[0][i]));
-        s.tol[i] = s.errfac * size;
-        keepworst(std::fabs(s.y[i] - s.ypred[i]) / (9 * s.tol[i]), i, s.truncerr, s.trunceqn);
-    }
+// What is no number is the worst for good.
+void keepworst(double error, double& worst) {
+    if (!(error <= worst || std::isnan(worst))) worst = error;
 }
 
 /* What one step may add to the error of state i, so that many steps do not add up to much more than ERRFAC:
@@ -201,12 +177,10 @@ struct accumulation {
 };
 constexpr accumulation STIFFERRORS{50, 0.02}, ADAMSERRORS{0.5, 0.005};
 
-double allowance(const odestepper& s, int i) {
-    if (!(std::fabs(s.h) > s.hmin)) return s.tol[i]; // no reason to give up at the floor
+void allowances(odestepper& s) {
     const accumulation& a = s.stiff ? STIFFERRORS : ADAMSERRORS;
-    const double change = std::fabs(s.y[i] - s.Y[2][i]) / 3 * s.errfac;
-    const double least = std::max(a.share * s.tol[i], 8 * DBL_EPSILON * std::fabs(s.y[i]));
-    return std::min(s.tol[i], std::max(least, a.perchange * change));
+    const bool atfloor = !(std::fabs(s.h) > s.hmin); // no reason to give up there
+    s.loops->allowance(s, a.perchange, atfloor ? 1 : a.share);
 }
 
 /* The error that the formula itself makes in this step of the stiff mode; the truncation test sees of the
@@ -217,7 +191,11 @@ double formulaerror(const odestepper& s, int i) {
 }
 
 void accumulationtest(odestepper& s) {
-    for (int i = 0; i < s.n; i++) keepworst(formulaerror(s, i) / allowance(s, i), i, s.truncerr, s.trunceqn);
+    allowances(s);
+    for (int i = 0; i < s.n; i++) {
+        keepworst(formulaerror(s, i) / s.allowed[i], s.error[i]);
+        keepworst(s.error[i], s.truncerr);
+    }
 }
 
 // What rounding alone leaves of equation i of the stiff corrector.
@@ -227,65 +205,77 @@ double roundinglevel(const odestepper& s, int i) {
     return 4 * DBL_EPSILON * (std::fabs(s.y[i]) + std::fabs(s.cnew) * size);
 }
 
-/* In the Adams mode the residual of its one pass is most of the error of the step. In the stiff mode one that
- * is above the tolerance but all rounding would not get smaller by a shorter step: it is none. */
-void correctortest(odestepper& s) {
+// A residual that is above the tolerance but all rounding would not get smaller by a shorter step: it is
+// none.
+void forgiverounding(odestepper& s) {
     s.correrr = 0;
     for (int i = 0; i < s.n; i++) {
-        const double residual = std::fabs(s.y[i] - s.cnew * s.dy[i] - s.ybase[i]);
-        if (s.stiff && residual > s.tol[i] && residual <= roundinglevel(s, i)) continue;
-        keepworst(residual / (s.stiff ? s.tol[i] : allowance(s, i)), i, s.correrr, s.correqn);
+        if (s.error[i] > 1 && s.error[i] * s.tol[i] <= roundinglevel(s, i)) s.error[i] = 0;
+        keepworst(s.error[i], s.correrr);
     }
+}
+
+// In the Adams mode the residual of its one pass is most of the error of the step.
+void correctortest(odestepper& s) {
+    if (!s.stiff) allowances(s);
+    s.correrr = s.loops->residual(s, s.stiff ? s.tol : s.allowed);
+    if (s.stiff && s.correrr > 1) forgiverounding(s);
 }
 
 /* How fast the right-hand side answers, from the two points where it is known at this step. The Adams mode is
  * held back by stability only where |h| times this comes near 1; below, its steps are as long as accuracy
  * allows. */
-double lipschitz(const odestepper& s) {
-    double answer = 0, move = 0;
-    for (int i = 0; i < s.n; i++) {
-        answer = std::max(answer, std::fabs(s.dy[i] - s.dnew[i]) / s.tol[i]);
-        move = std::max(move, std::fabs(s.y[i] - s.ypred[i]) / s.tol[i]);
-    }
-    return move > 0 ? answer / move : 0;
+double lipschitz(odestepper& s) {
+    if (!(s.truncerr > 0)) return 0;
+    const double answer = s.loops->derivativemove(s);
+    return answer > 0 ? answer / (9 * s.truncerr) : 0; // the prediction was off by 9 truncerr
 }
 
-verdict correct(odestepper& s) {
+void correct(odestepper& s) {
     if (!s.stiff) {
-        for (int i = 0; i < s.n; i++) s.y[i] = s.ybase[i] + s.cnew * s.dy[i];
+        s.loops->adamscorrect(s);
     } else if (!newtonpass(s)) {
         s.truncerr = 2;
         if (!(std::fabs(s.h) > s.hmin)) return reduce(s);
         s.failcount++; // so that the step is cut also at the start
         return choosestep(s);
     }
-    truncationtest(s);
+    s.truncerr = s.loops->truncation(s);
     if (s.fixedstep || s.steps < 5) return ask(s, ODEDERIV, UNCHECKED);
     if (s.stiff) accumulationtest(s);
     if (!(s.truncerr <= 1)) return reduce(s);
-    return ask(s, ODEDERIV, CHECKED);
+    ask(s, ODEDERIV, CHECKED);
 }
 
-verdict accept(odestepper& s) {
-    if (!s.stiff) s.stiffness += std::fabs(s.h) * lipschitz(s);
+void accept(odestepper& s) {
+    if (!s.stiff && s.method == ODEAUTO) s.stiffness += std::fabs(s.h) * lipschitz(s);
     s.newjac = false;
+    s.apart = false;
     s.failcount = 0;
     s.stepssincejac++;
     s.tlast = s.tcur;
     s.steps++;
-    s.Y[3] = s.y;
-    s.dnew = s.dy;
-    return ask(s, ODESTEPDONE, ATOUTPUT);
+    ask(s, ODESTEPDONE, ATOUTPUT);
+}
+
+void setapart(odestepper& s) {
+    if (s.apart) return;
+    std::swap(s.Y[3], s.y);
+    std::swap(s.dnew, s.dy);
+    s.apart = true;
 }
 
 void restoreaccepted(odestepper& s) {
-    s.y = s.Y[3];
-    s.dy = s.dnew;
+    if (s.apart) {
+        copyvector(s, s.Y[3], s.y);
+        copyvector(s, s.dnew, s.dy);
+    }
     s.tcur = s.tbase = s.tlast;
 }
 
 // A cubic through the new point and the three before it.
 void interpolate(odestepper& s) {
+    setapart(s);
     const double d = s.tout - s.tlast, e = s.tout - s.tbase, f = e + s.h1, g = f + s.h2;
     const double c0 = (g / s.s3) * (f / s.s2) * (e / s.h), c1 = -(g / s.r2) * (f / s.h1) * (d / s.h),
                  c2 = (g / s.h2) * (e / s.h1) * (d / s.s2), c3 = -(f / s.h2) * (e / s.r2) * (d / s.s3);
@@ -333,32 +323,8 @@ void choosemode(odestepper& s) {
         switchmode(s);
 }
 
-verdict output(odestepper& s) {
-    if (s.tout == s.tend && s.tout == s.tlast) {
-        restoreaccepted(s);
-        return ask(s, ODELAST, AFTERLAST);
-    }
-    const double along = (s.tout - s.tbase) * s.h;
-    if (along > 0 && (s.tlast - s.tout) * s.h >= 0) {
-        interpolate(s);
-        return ask(s, ODEOUTPUT, ATOUTPUT);
-    }
-    return go(s, AFTERLAST);
-}
-
-verdict afteroutput(odestepper& s) {
-    restoreaccepted(s);
-    if (s.method == ODEAUTO && !s.fixedstep) choosemode(s);
-    const bool due = s.refreshjac && s.stepssincejac >= s.jacinterval;
-    if (!s.stiff || !(due || s.needjac)) return go(s, ATROTATE);
-    s.jacinterval = std::min(2 * s.jacinterval, 1L << 30);
-    s.stepssincejac = 0;
-    s.newjac = true;
-    s.needjac = false;
-    return ask(s, ODEJACOBIAN, ATROTATE);
-}
-
-verdict rotate(odestepper& s) {
+void rotate(odestepper& s) {
+    setapart(s);
     s.h3 = s.h2;
     s.q2 = s.r2;
     s.r3 = s.s3;
@@ -367,8 +333,31 @@ verdict rotate(odestepper& s) {
     s.r2 = s.s2;
     std::rotate(s.Y, s.Y + 3, s.Y + 4);
     std::rotate(s.D, s.D + 2, s.D + 3);
-    s.D[0].swap(s.dnew);
-    return choosestep(s);
+    std::swap(s.D[0], s.dnew);
+    choosestep(s);
+}
+
+void afteroutput(odestepper& s) {
+    restoreaccepted(s);
+    if (s.method == ODEAUTO && !s.fixedstep) choosemode(s);
+    const bool due = s.refreshjac && s.stepssincejac >= s.jacinterval;
+    if (!s.stiff || !(due || s.needjac)) return rotate(s);
+    s.jacinterval = std::min(2 * s.jacinterval, 1L << 30);
+    s.stepssincejac = 0;
+    s.newjac = true;
+    s.needjac = false;
+    ask(s, ODEJACOBIAN, ATROTATE);
+}
+
+void output(odestepper& s) {
+    if (s.tout == s.tend && s.tout == s.tlast) {
+        restoreaccepted(s);
+        return ask(s, ODELAST, AFTERLAST);
+    }
+    const double along = (s.tout - s.tbase) * s.h;
+    if (!(along > 0 && (s.tlast - s.tout) * s.h >= 0)) return afteroutput(s);
+    interpolate(s);
+    ask(s, ODEOUTPUT, ATOUTPUT);
 }
 
 double stepfactor(double error) {
@@ -391,7 +380,7 @@ void steplength(odestepper& s, double dist) {
     s.h = h;
 }
 
-verdict choosestep(odestepper& s) {
+void choosestep(odestepper& s) {
     const double dist = s.tend - s.tbase;
     if (s.fixedstep || (s.steps < 5 && s.failcount == 0))
         s.h = s.h1;
@@ -411,25 +400,33 @@ verdict choosestep(odestepper& s) {
     s.s3 = s.s2 + s.h2;
     s.s4 = s.s3 + s.h3;
     s.truncerr = s.correrr = 0;
-    return go(s, ATPREDICT);
+    predict(s);
 }
 
 void restorestart(odestepper& s) {
     s.stepssincejac = 0;
     s.coefcount = 0;
     s.tcur = s.tbase;
-    s.y = s.Y[0];
-    s.dy = s.D[0];
+    copyvector(s, s.Y[0], s.y);
+    copyvector(s, s.D[0], s.dy);
 }
 
-verdict asknewjacobian(odestepper& s, int resume) {
+void asknewjacobian(odestepper& s, int resume) {
     s.newjac = true;
     s.needjac = false;
     restorestart(s);
-    return ask(s, ODEJACOBIAN, resume);
+    ask(s, ODEJACOBIAN, resume);
 }
 
-verdict reduce(odestepper& s) {
+// The last equation of the largest error, or the first whose error is no number.
+int worstequation(const odestepper& s) {
+    int worst = 0;
+    for (int i = 0; i < s.n && !std::isnan(s.error[worst]); i++)
+        if (!(s.error[i] < s.error[worst])) worst = i;
+    return worst;
+}
+
+void reduce(odestepper& s) {
     for (;;) {
         s.jacinterval = std::max(s.jacinterval / 2, 1L);
         if (s.failcount > 3 && s.method == ODEAUTO && !s.stiff) {
@@ -443,6 +440,7 @@ verdict reduce(odestepper& s) {
         }
         if (s.failcount > 3) {
             const int code = s.truncerr >= s.correrr || std::isnan(s.truncerr) ? ODETRUNCFAIL : ODECORRFAIL;
+            s.faileqn = worstequation(s);
             restorestart(s);
             return ask(s, code, RECORRECT);
         }
@@ -450,22 +448,21 @@ verdict reduce(odestepper& s) {
     }
 }
 
-verdict recorrect(odestepper& s) {
-    s.y = s.ypred;
-    s.dy = s.dnew;
+void recorrect(odestepper& s) {
+    copyvector(s, s.ypred, s.y);
     s.tcur = s.tnext;
-    return correct(s);
+    correct(s);
 }
 
-verdict goon(odestepper& s) {
+void goon(odestepper& s) {
     switch (s.resume) {
     case ATSTART: return start(s);
     case STARTDERIV: return startjacobian(s);
-    case STARTJAC: return ask(s, ODESTEPDONE, STARTREPORT);
+    case STARTJAC: return startreport(s);
     case STARTREPORT: return startoutput(s);
     case STARTHISTORY: return inventhistory(s);
     case ATPREDICT: return predict(s);
-    case PREDICTDERIV: s.dnew = s.dy; return correct(s);
+    case PREDICTDERIV: std::swap(s.dnew, s.dy); return correct(s);
     case RECORRECT: return recorrect(s);
     case UNCHECKED: return accept(s);
     case CHECKED: correctortest(s); return s.correrr <= 1 ? accept(s) : reduce(s);
@@ -480,15 +477,18 @@ verdict goon(odestepper& s) {
 void odestepsize(odestepper& s, int n) {
     s = odestepper{};
     s.n = n;
-    const size_t count = size_t(n);
-    for (std::vector<double>* v : {&s.y, &s.dy, &s.Y[0], &s.Y[1], &s.Y[2], &s.Y[3], &s.D[0], &s.D[1], &s.D[2],
-                                   &s.dnew, &s.ypred, &s.ybase, &s.tol, &s.newton})
-        v->assign(count, 0);
-    s.jac.assign(count * count, 0);
+    s.loops = &odeloopsbest();
+    s.wide = (n + s.loops->width - 1) / s.loops->width * s.loops->width;
+    double** const vectors[] = {&s.y,    &s.dy,   &s.Y[0],  &s.Y[1],  &s.Y[2], &s.Y[3],    &s.D[0], &s.D[1],
+                                &s.D[2], &s.dnew, &s.ypred, &s.ybase, &s.tol,  &s.allowed, &s.error};
+    const size_t lines = (size_t(n) + 7) / 8, count = size_t(n);
+    s.memory.assign(lines * std::size(vectors), {});
+    for (size_t k = 0; k < std::size(vectors); k++) *vectors[k] = s.memory[k * lines].x;
+    s.newton.assign(count, 0);
     s.pivots.assign(count, 0);
 }
 
 void odestep(odestepper& s) {
     if (s.request == ODESTART) s.resume = ATSTART;
-    while (goon(s) == GOON) {}
+    goon(s);
 }

@@ -9,6 +9,8 @@
  * Background: C. W. Gear, Numerical Initial Value Problems in Ordinary Differential Equations (1971). */
 #pragma once
 
+#include "solvers/odeloops.h"
+
 #include <vector>
 
 enum oderequest {
@@ -30,7 +32,8 @@ struct odestepper {
     int n = 0;                 // equations
     double tcur = 0;           // time of y
     double tout = 0, tend = 0; // next output time; time not to be passed
-    std::vector<double> y, dy, jac;
+    double *y = nullptr, *dy = nullptr;
+    std::vector<double> jac; // n by n when it is wanted first
     double errfac = 0;   // relative tolerance; the driver may raise and lower it
     double absfloor = 0; // smallest magnitude counted in a tolerance
     int method = ODEAUTO;
@@ -45,11 +48,13 @@ struct odestepper {
     bool stiff = false;
     long steps = 0;                   // accepted
     double truncerr = 0, correrr = 0; // scaled errors of the last step
-    int trunceqn = 0, correqn = 0;    // their equations, from 0
+    int faileqn = 0;                  // where the step is at its floor: the equation of the worst, from 0
     double tlast = 0;                 // time of the newest accepted step
 
-    // history: Y[0] is the newest point before the step; Y[3] takes the new point until the rotation
-    std::vector<double> Y[4], D[3], dnew;
+    /* History: Y[0] is the newest point before the step. The new point stands in y, dy until they are wanted
+     * for an output, then in Y[3], dnew (apart). Before, dnew is the derivative at the prediction. */
+    double *Y[4] = {}, *D[3] = {}, *dnew = nullptr;
+    bool apart = false;
     double tbase = 0;              // accepted time before the step
     double tnext = 0;              // time of the step being tried
     double h1 = 0, h2 = 0, h3 = 0; // last steps, newest first
@@ -57,7 +62,8 @@ struct odestepper {
     double r2 = 0, r3 = 0, q2 = 0; // h1+h2, h1+h2+h3, h2+h3
 
     // the step being tried
-    std::vector<double> ypred, ybase, tol, newton, lu;
+    double *ypred = nullptr, *ybase = nullptr, *tol = nullptr, *allowed = nullptr, *error = nullptr;
+    std::vector<double> newton, lu;
     std::vector<int> pivots;
     double pred[4] = {}, corr[4] = {}; // coefficients of the predictor and of the known part
     double cnew = 0;                   // coefficient of the new derivative in the corrector
@@ -74,6 +80,18 @@ struct odestepper {
     double stiffness = 0; // sum over a stretch of |h| times the Lipschitz constant met in the Adams mode
 
     int resume = 0;
+
+    // the vectors above that are pointers: each begins on a line of the cache
+    struct alignas(64) line {
+        double x[8];
+    };
+    std::vector<line> memory;
+    const odeloops* loops = nullptr;
+    int wide = 0; // n rounded up to whole registers
+
+    odestepper() = default;
+    odestepper(odestepper&&) = default;
+    odestepper& operator=(odestepper&&) = default;
 };
 
 void odestepsize(odestepper& s, int n); // makes room for n equations and forgets all

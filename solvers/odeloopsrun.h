@@ -1,0 +1,106 @@
+/* solvers/odeloopsrun.h - the loops of solvers/odeloops.h; included once for each processor, inside a
+ * namespace of its own, where REGISTERDOUBLES tells its width. No include guard. Owns:    nothing. Callers:
+ * odeloops.cpp. Never:   rounds otherwise on one processor than on another. */
+
+inline double magnitude(double x) { return __builtin_fabs(x); }
+inline double larger(double x, double y) { return x < y ? y : x; }
+inline double smaller(double x, double y) { return y < x ? y : x; }
+// So that no loop has a rest behind whole registers. No two vectors of a stepper overlap ("ivdep").
+inline int componentsof(const odestepper& s) { return s.wide / REGISTERDOUBLES * REGISTERDOUBLES; }
+
+// Of numbers without a sign the bits are in the order of sizes, and what is no number comes last.
+inline double worst(int n, const double* error) {
+    int64_t most = 0;
+#pragma GCC ivdep
+    for (int i = 0; i < n; i++) {
+        const int64_t bits = __builtin_bit_cast(int64_t, error[i]);
+        most = bits > most ? bits : most;
+    }
+    return __builtin_bit_cast(double, most);
+}
+
+void adamspredict(odestepper& s) {
+    const double *y0 = s.Y[0], *d0 = s.D[0], *d1 = s.D[1], *d2 = s.D[2];
+    double *base = s.ybase, *guess = s.ypred, *y = s.y;
+    const double c0 = s.corr[0], c1 = s.corr[1], c2 = s.corr[2];
+    const double p0 = s.pred[0], p1 = s.pred[1], p2 = s.pred[2];
+    const int n = componentsof(s);
+#pragma GCC ivdep
+    for (int i = 0; i < n; i++) {
+        base[i] = y0[i] + c0 * d0[i] + c1 * d1[i] + c2 * d2[i];
+        y[i] = guess[i] = y0[i] + p0 * d0[i] + p1 * d1[i] + p2 * d2[i];
+    }
+}
+
+void stiffpredict(odestepper& s) {
+    const double *y0 = s.Y[0], *y1 = s.Y[1], *y2 = s.Y[2], *y3 = s.Y[3];
+    double *base = s.ybase, *guess = s.ypred, *y = s.y;
+    const double c0 = s.corr[0], c1 = s.corr[1], c2 = s.corr[2];
+    const double p0 = s.pred[0], p1 = s.pred[1], p2 = s.pred[2], p3 = s.pred[3];
+    const int n = componentsof(s);
+#pragma GCC ivdep
+    for (int i = 0; i < n; i++) {
+        base[i] = c0 * y0[i] + c1 * y1[i] + c2 * y2[i];
+        y[i] = guess[i] = p0 * y0[i] + p1 * y1[i] + p2 * y2[i] + p3 * y3[i];
+    }
+}
+
+void adamscorrect(odestepper& s) {
+    const double *base = s.ybase, *dy = s.dnew;
+    double* y = s.y;
+    const double c = s.cnew;
+    const int n = componentsof(s);
+#pragma GCC ivdep
+    for (int i = 0; i < n; i++) y[i] = base[i] + c * dy[i];
+}
+
+double truncation(odestepper& s) {
+    const double *y = s.y, *guess = s.ypred, *y0 = s.Y[0];
+    double *tol = s.tol, *error = s.error;
+    const double errfac = s.errfac, floor = s.absfloor;
+    const int n = componentsof(s);
+#pragma GCC ivdep
+    for (int i = 0; i < n; i++) {
+        const double size = magnitude(y[i]), least = larger(floor, magnitude(y0[i]));
+        tol[i] = errfac * (size > floor ? size : least);
+        error[i] = magnitude((y[i] - guess[i]) / (9 * tol[i]));
+    }
+    return worst(n, error);
+}
+
+void allowance(odestepper& s, double perchange, double share) {
+    const double *y = s.y, *before = s.Y[2], *tol = s.tol, errfac = s.errfac;
+    double* allowed = s.allowed;
+    const int n = componentsof(s);
+#pragma GCC ivdep
+    for (int i = 0; i < n; i++) {
+        const double change = magnitude(y[i] - before[i]) / 3 * errfac;
+        const double least = larger(share * tol[i], 8 * DBL_EPSILON * magnitude(y[i]));
+        allowed[i] = smaller(tol[i], larger(least, perchange * change));
+    }
+}
+
+double residual(odestepper& s, const double* allowed) {
+    const double *y = s.y, *dy = s.dy, *base = s.ybase, *scale = allowed;
+    double* error = s.error;
+    const double c = s.cnew;
+    const int n = componentsof(s);
+#pragma GCC ivdep
+    for (int i = 0; i < n; i++) error[i] = magnitude((y[i] - c * dy[i] - base[i]) / scale[i]);
+    return worst(n, error);
+}
+
+double derivativemove(odestepper& s) {
+    const double *a = s.dy, *b = s.dnew, *tol = s.tol;
+    const int n = componentsof(s);
+    int64_t most = 0;
+#pragma GCC ivdep
+    for (int i = 0; i < n; i++) {
+        const int64_t bits = __builtin_bit_cast(int64_t, magnitude((a[i] - b[i]) / tol[i]));
+        most = bits > most ? bits : most;
+    }
+    return __builtin_bit_cast(double, most);
+}
+
+const odeloops loops{REGISTERDOUBLES, adamspredict, stiffpredict, adamscorrect,
+                     truncation,      allowance,    residual,     derivativemove};
