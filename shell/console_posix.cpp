@@ -301,6 +301,7 @@ int conwidth(const char* text, size_t length) {
 void constart(bool plain) {
     const char* term = getenv("TERM");
     const char* nocolour = getenv("NO_COLOR");
+    [[maybe_unused]] static const int registered = atexit(conclose); // a page on a full disk ends the process
     con = consolestate{};
     con.inputtty = isatty(STDIN_FILENO);
     con.outputtty = isatty(STDOUT_FILENO);

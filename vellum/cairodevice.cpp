@@ -4,6 +4,7 @@
 #include "vellum/vlraster.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -37,6 +38,7 @@ constexpr int segmentsatonce = 400;
 struct cairopage {
     const cairolib& c;
     FILE* file;
+    int reason = 0;                     // errno of the write that failed
     cairo_surface_t* surface = nullptr; // what is drawn on, at the end what becomes the file
     cairo_surface_t* uncropped = nullptr;
     cairo_t* cr = nullptr;
@@ -65,21 +67,23 @@ struct cairopage {
     void widen(double px, double py, double by);
     cairo_surface_t* output(pageform form, double w, double h);
     void crop(pageform form);
-    void check(cairo_surface_t* s);
+    void check(cairo_status_t status);
 };
 
 cairopage* pageof() { return static_cast<cairopage*>(vl.output.get()); }
 
 cairo_status_t writebytes(void* closure, const unsigned char* bytes, unsigned int count) {
-    return fwrite(bytes, 1, count, static_cast<FILE*>(closure)) == count ? CAIRO_STATUS_SUCCESS
-                                                                         : CAIRO_STATUS_WRITE_ERROR;
+    cairopage* page = static_cast<cairopage*>(closure);
+    if (fwrite(bytes, 1, count, page->file) == count) return CAIRO_STATUS_SUCCESS;
+    page->reason = errno;
+    return CAIRO_STATUS_WRITE_ERROR;
 }
 
 // The surface that becomes the file; with the same drawing it has the same bytes.
 cairo_surface_t* cairopage::output(pageform form, double w, double h) {
-    if (form == SVGPAGE) return c.svg_surface_create_for_stream(writebytes, file, w, h);
+    if (form == SVGPAGE) return c.svg_surface_create_for_stream(writebytes, this, w, h);
     if (form == PNGPAGE) return c.image_surface_create(CAIRO_FORMAT_RGB24, int(w), int(h));
-    cairo_surface_t* pdf = c.pdf_surface_create_for_stream(writebytes, file, w, h);
+    cairo_surface_t* pdf = c.pdf_surface_create_for_stream(writebytes, this, w, h);
     c.pdf_surface_set_metadata(pdf, CAIRO_PDF_METADATA_CREATE_DATE, "1970-01-01T00:00:00Z");
     return pdf;
 }
@@ -130,8 +134,11 @@ void cairopage::widen(double px, double py, double by) {
     maxy = std::max(maxy, py + by);
 }
 
-void cairopage::check(cairo_surface_t* s) {
-    const cairo_status_t status = c.surface_status(s);
+void cairopage::check(cairo_status_t status) {
+    if (reason != 0) {
+        errno = reason;
+        vlfilefault("Cannot write plot file.", vl.filename);
+    }
     if (status != CAIRO_STATUS_SUCCESS)
         vlerror("Cannot write plot file.\n%s: %s", vl.filename.c_str(), c.status_to_string(status));
 }
@@ -164,11 +171,11 @@ void cairopage::crop(pageform form) {
 void cairopage::finish(pageform form, bool cut) {
     stroke();
     if (cut) crop(form);
-    if (form == PNGPAGE && c.surface_write_to_png_stream(surface, writebytes, file) != CAIRO_STATUS_SUCCESS) {
-        vlfilefault("Cannot write plot file.", vl.filename);
-    }
+    const cairo_status_t written =
+        form == PNGPAGE ? c.surface_write_to_png_stream(surface, writebytes, this) : CAIRO_STATUS_SUCCESS;
     c.surface_finish(surface);
-    check(surface);
+    check(written);
+    check(c.surface_status(surface));
     FILE* done = file;
     file = nullptr;
     if (fclose(done) != 0) vlfilefault("Cannot write plot file.", vl.filename);
@@ -181,7 +188,7 @@ void pageopen() {
     auto page = std::make_shared<cairopage>(*cairoload());
     if (!page->file) vlfilefault("Cannot open plot file.", vl.filename);
     page->begin(formof(vl.device), cropped(vl.device));
-    page->check(page->surface);
+    page->check(page->c.surface_status(page->surface));
     vl.output = page;
 }
 
@@ -386,7 +393,7 @@ void writepatch(int x, int y, int w, int h, int srcw, int, const uint8_t* bits, 
     page->stroke();
     const vlpatchview view{bits, w, h, srcw, depth};
     cairo_surface_t* image = c.image_surface_create(CAIRO_FORMAT_ARGB32, w, h);
-    page->check(image);
+    page->check(c.surface_status(image));
     c.surface_flush(image);
     uint8_t* data = c.image_surface_get_data(image);
     const int stride = c.image_surface_get_stride(image);

@@ -12,16 +12,22 @@ vlwriter::~vlwriter() {
     if (file) fclose(file);
 }
 
+void vlwriter::fail() {
+    broken = true;
+    failed();
+}
+
 void vlwriter::drain() {
-    if (fwrite(block.get(), 1, used, file) != used) failed();
+    const size_t count = used;
     used = 0;
+    if (!broken && fwrite(block.get(), 1, count, file) != count) fail();
 }
 
 void vlwriter::close() {
     drain();
     FILE* done = file;
     file = nullptr;
-    if (fclose(done) != 0) failed();
+    if (fclose(done) != 0 && !broken) fail();
 }
 
 void vlwriter::text(std::string_view s) {

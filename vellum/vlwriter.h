@@ -1,6 +1,6 @@
 /* vellum/vlwriter.h - text output in large blocks, with numbers written by hand and free of the locale.
- * Owns:    the file it opened. Callers: the file devices. Never:   formats with printf; a failed write ends
- * the process with status 1, as half a drawing is worth nothing. */
+ * Owns:    the file it opened. Callers: the file devices. Never:   formats with printf, or tells a fault
+ * itself. */
 #pragma once
 
 #include <cstdio>
@@ -10,7 +10,7 @@
 class vlwriter {
 public:
     // Opens the file for writing; isopen tells whether that went well. A failed write calls `failed`, which
-    // does not come back.
+    // does not come back, once: what is written after it is dropped.
     vlwriter(const char* name, void (*failed)());
     vlwriter(const vlwriter&) = delete;
     vlwriter& operator=(const vlwriter&) = delete;
@@ -35,6 +35,8 @@ private:
     void (*failed)();
     std::unique_ptr<char[]> block;
     size_t used = 0;
+    bool broken = false; // a write has failed
+    void fail();
 
     // The place of a number: `spare` bytes can be written there.
     char* place() {

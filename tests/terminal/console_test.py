@@ -296,6 +296,16 @@ def test_killed_from_outside_gives_the_terminal_back():
             assert s.modes()[3] & termios.ECHO
 
 
+def test_a_page_on_a_full_disk_gives_the_terminal_back():
+    with Session(filesize=8192) as s:
+        s.line("DRAW C1 = (1:5000) &' (SIN ON (1:5000))")
+        s.send('PLOT IN "figure"' + ENTER)
+        assert s.end() == 1
+        assert "ERROR writing into PostScript file." in s.screen.everything()
+        assert "figure.ps: File too large" in s.screen.everything()
+        assert s.modes()[3] & termios.ECHO
+
+
 def test_colours_only_when_asked_and_allowed():
     statement = "INCOLOR = RED"
     with Session() as s:

@@ -2,6 +2,7 @@
 import fcntl
 import os
 import pty
+import resource
 import select
 import shutil
 import signal
@@ -23,7 +24,7 @@ SECONDS = 20
 class Session:
     """with Session("--vanilla") as s: s.line("X = 3"); s.expect("* ")"""
 
-    def __init__(self, *words, columns=80, rows=25, env=None, files=None):
+    def __init__(self, *words, columns=80, rows=25, env=None, files=None, filesize=None):
         self.screen = Screen(columns, rows)
         self.raw = b""
         self.folder = tempfile.mkdtemp()
@@ -36,6 +37,8 @@ class Session:
         self.process, self.fd = pty.fork()
         if self.process == 0:
             os.chdir(self.folder)
+            if filesize:  # a disk that is full behind so many bytes
+                resource.setrlimit(resource.RLIMIT_FSIZE, (filesize, filesize))
             os.execve(TARN, [TARN, *words], environment)
         self.status = None
         self.resize(columns, rows)

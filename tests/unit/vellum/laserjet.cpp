@@ -100,4 +100,19 @@ TEST_F(LaserJet, aFileThatCannotBeOpenedIsAFault) {
               "error opening Laserjet output file\nno/such/folder/a.lj: No such file or directory");
 }
 
+// What a full disk has refused is told once: the end of the page says nothing more.
+TEST_F(LaserJet, aFullDiskIsToldOfOnce) {
+    if (!std::filesystem::exists("/dev/full")) GTEST_SKIP();
+    page("LJ2L", "/dev/full");
+    const auto draw = [] {
+        for (int i = 0; i < 20000; i++) {
+            DMOVE(0, 0);
+            DDRAW(i % 2, 1);
+        }
+    };
+    EXPECT_EQ(fault(draw), "error writing Laserjet output file\n/dev/full: No space left on device");
+    EXPECT_EQ(fault([] { DQUIT(0); }), "");
+    EXPECT_EQ(DDEVICENUMBER(nullptr), -1);
+}
+
 } // namespace
