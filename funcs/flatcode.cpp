@@ -406,11 +406,14 @@ void flatrun(flatprogram& program, const double* in, double* out) {
 
 bool flathold(flatprogram& program) {
     flatunit* unit = readyprogram(program);
-    if (!unit || !unit->blocks || !unit->straight) return false;
+    if (!unit || !unit->blocks) return false;
     const flatroutine& entry = unit->routines[0];
     if (program.heldstale) {
         program.held = entry;
-        std::erase_if(program.held.code, [](const flatop& o) { return o.op == FLATSTORE; });
+        if (unit->straight)
+            std::erase_if(program.held.code, [](const flatop& o) { return o.op == FLATSTORE; });
+        for (flatop& o : program.held.code) // elsewhere the places of jumps must stay
+            if (o.op == FLATSTORE) o = {FLATMOVE, o.a, o.a, 0};
         program.heldstale = false;
     }
     program.heldframe.resize(size_t(entry.nregs));
@@ -418,16 +421,18 @@ bool flathold(flatprogram& program) {
     return true;
 }
 
-bool flatheldrun(flatprogram& program, const double* in, double* out) {
-    const flatroutine& entry = program.held;
-    double* frame = program.heldframe.data();
-    for (int k = 0; k < entry.nargs; k++) frame[entry.image.size() + size_t(k)] = in[k];
-    if (quietly([&] {
-            return flatexecute(program.unit, entry, 0, frame, {0, 0}) ? FLATDONE : FLATGIVENUP;
-        }) != FLATDONE)
-        return false;
-    for (size_t k = 0; k < program.unit.outputs.size(); k++) out[k] = frame[program.unit.outputs[k]];
-    return true;
+double* flatheldin(flatprogram& program) { return program.heldframe.data() + program.held.image.size(); }
+
+const double* flatheldout(const flatprogram& program, size_t k) {
+    return program.heldframe.data() + program.unit.outputs[k];
+}
+
+bool flatheldrun(flatprogram& program) {
+    return quietly([&] {
+               return flatexecute(program.unit, program.held, 0, program.heldframe.data(), {0, 0})
+                          ? FLATDONE
+                          : FLATGIVENUP;
+           }) == FLATDONE;
 }
 
 bool flatholdlanes(flatprogram& program) {
@@ -440,16 +445,14 @@ bool flatholdlanes(flatprogram& program) {
     return true;
 }
 
-double* flatlaneinput(flatprogram& program, size_t k) {
-    return program.lanes[program.unit.routines[0].image.size() + k].x;
+double* flatlanesin(flatprogram& program) { return program.lanes[program.unit.routines[0].image.size()].x; }
+
+const double* flatlanesout(const flatprogram& program, size_t k) {
+    return program.lanes[size_t(program.unit.outputs[k])].x;
 }
 
 bool flatlanesrun(flatprogram& program, int used) {
     return quietly([&] { return flatexecutelanes(program.unit, program.lanes.data(), used); }) == FLATDONE;
-}
-
-const double* flatlaneoutput(const flatprogram& program, size_t k) {
-    return program.lanes[size_t(program.unit.outputs[k])].x;
 }
 
 void flatrunblock(flatprogram& program, size_t n, const double* const* in, const size_t* instride,

@@ -38,20 +38,22 @@ bool flatisfast(const flatprogram& program);
 void flatrun(flatprogram& program, const double* in, double* out);
 
 /* Runs in a row, with nothing else evaluated, defined or assigned between them. flathold makes ready; false
- * where the program cannot be run so. flatheldrun is flatrun without what one run has settled for all, and
- * the functions do not keep their values; false: given up with nothing told, and flatrun is to do it. */
+ * where the program cannot be run so. Then flatheldin is where the caller puts the inputs of each run, one
+ * behind the other (what it does not change stays), and flatheldout where a run leaves the value of function
+ * k. flatheldrun is flatrun without what one run has settled for all, and the functions do not keep their
+ * values; false: given up with nothing told, and flatrun is to do it. */
 bool flathold(flatprogram& program);
-bool flatheldrun(flatprogram& program, const double* in, double* out);
+double* flatheldin(flatprogram& program);
+const double* flatheldout(const flatprogram& program, size_t k);
+bool flatheldrun(flatprogram& program);
 
-/* The same on FLATLANES points side by side. flatholdlanes makes ready; then flatlaneinput is where the
- * caller sets input k of all lanes (it stays set from run to run), and behind a run that was not given up
- * flatlaneoutput is where function k has its values. Only `used` lanes are wanted: the inputs of the others
- * repeat those of the first. */
+/* The same on FLATLANES points side by side: each input, and each result, is one number for each lane. Only
+ * `used` lanes are wanted; the inputs of the others repeat those of the first. */
 inline constexpr int FLATLANES = 8;
 bool flatholdlanes(flatprogram& program);
-double* flatlaneinput(flatprogram& program, size_t k);
+double* flatlanesin(flatprogram& program);
+const double* flatlanesout(const flatprogram& program, size_t k);
 bool flatlanesrun(flatprogram& program, int used);
-const double* flatlaneoutput(const flatprogram& program, size_t k);
 
 /* n points. in[k] is input k at the first point; its values follow each other at a distance of instride[k]
  * doubles (0: the same for all). out[k], outstride likewise. As n calls of flatrun in order. */

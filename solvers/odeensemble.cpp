@@ -16,6 +16,7 @@ struct ensemblejob {
     odeensemble& e;
     odesolve& solve;
     const double* sets;
+    std::vector<const double*> derivative; // where a run leaves each
     int states() const { return solve.system.neq(); }
 };
 
@@ -23,45 +24,38 @@ void run(ensemblejob& job, flatprogram& program) {
     if (!flatlanesrun(program, job.e.used)) throw odegivenup{};
 }
 
-// The parameters as the inputs from `first` on; lanes that are not in use repeat the first set.
-void setparameters(const ensemblejob& job, flatprogram& program, size_t first) {
+// Makes a program of `before` other inputs ready; lanes that are not in use repeat the first set.
+void hold(const ensemblejob& job, flatprogram& program, int before) {
+    if (!flatholdlanes(program)) throw odegivenup{};
     const size_t n = job.e.parms.size();
-    for (size_t j = 0; j < n; j++) {
-        double* lane = flatlaneinput(program, first + j);
-        for (int l = 0; l < FLATLANES; l++) lane[l] = job.sets[size_t(l < job.e.used ? l : 0) * n + j];
-    }
+    double* lane = flatlanesin(program) + before * FLATLANES;
+    for (size_t j = 0; j < n; j++)
+        for (int l = 0; l < FLATLANES; l++) *lane++ = job.sets[size_t(l < job.e.used ? l : 0) * n + j];
 }
 
-void hold(const ensemblejob& job, flatprogram* program, size_t firstparameter) {
-    if (!program) return;
-    if (!flatholdlanes(*program)) throw odegivenup{};
-    setparameters(job, *program, firstparameter);
+void copylanes(const double* from, double* to) {
+    for (int l = 0; l < FLATLANES; l++) to[l] = from[l];
 }
 
 void setstates(const ensemblejob& job, flatprogram& program, double t, const double* y) {
-    std::fill_n(flatlaneinput(program, 0), FLATLANES, t);
-    for (int k = 0; k < job.states(); k++)
-        std::copy_n(y + k * FLATLANES, FLATLANES, flatlaneinput(program, size_t(k) + 1));
+    double* in = flatlanesin(program);
+    for (int l = 0; l < FLATLANES; l++) *in++ = t;
+    std::copy_n(y, job.states() * FLATLANES, in);
 }
 
 void startvalues(void* context, double* y) {
     ensemblejob& job = *static_cast<ensemblejob*>(context);
-    std::fill_n(flatlaneinput(*job.e.start, 0), FLATLANES, job.solve.system.t0);
+    std::fill_n(flatlanesin(*job.e.start), FLATLANES, job.solve.system.t0);
     run(job, *job.e.start);
     for (int k = 0; k < job.states(); k++)
-        std::copy_n(flatlaneoutput(*job.e.start, size_t(k)), FLATLANES, y + k * FLATLANES);
+        copylanes(flatlanesout(*job.e.start, size_t(k)), y + k * FLATLANES);
 }
 
 void derivatives(void* context, double t, const double* y, double* dy) {
     ensemblejob& job = *static_cast<ensemblejob*>(context);
     setstates(job, *job.e.righthand, t, y);
     run(job, *job.e.righthand);
-    for (int k = 0; k < job.states(); k++) {
-        const int place = job.solve.rhsplace[size_t(k)];
-        const double* from = place < 0 ? y + job.solve.nextstate[size_t(k)] * FLATLANES
-                                       : flatlaneoutput(*job.e.righthand, size_t(place));
-        std::copy_n(from, FLATLANES, dy + k * FLATLANES);
-    }
+    for (int k = 0; k < job.states(); k++) copylanes(job.derivative[size_t(k)], dy + k * FLATLANES);
 }
 
 void outputfunctions(void* context, double t, const double* y, const double*, double* values) {
@@ -69,7 +63,7 @@ void outputfunctions(void* context, double t, const double* y, const double*, do
     setstates(job, *job.e.extras, t, y);
     run(job, *job.e.extras);
     for (size_t k = 0; k < job.solve.system.outputs.size(); k++)
-        std::copy_n(flatlaneoutput(*job.e.extras, k), FLATLANES, values + k * FLATLANES);
+        copylanes(flatlanesout(*job.e.extras, k), values + k * FLATLANES);
 }
 
 flatptr program(const std::vector<int>& functions, const std::vector<int>& states,
@@ -91,6 +85,16 @@ void compile(ensemblejob& job) {
     job.e.righthand = program(functions, s.states, job.e.parms);
     job.e.start = program(s.states, {}, job.e.parms);
     if (!s.outputs.empty()) job.e.extras = program(s.outputs, s.states, job.e.parms);
+}
+
+// Where a derivative is another state, it stands among the inputs, behind the time.
+void placederivatives(ensemblejob& job) {
+    flatprogram& program = *job.e.righthand;
+    for (size_t k = 0; k < size_t(job.states()); k++) {
+        const int place = job.solve.rhsplace[k];
+        job.derivative.push_back(place < 0 ? flatlanesin(program) + (1 + job.solve.nextstate[k]) * FLATLANES
+                                           : flatlanesout(program, size_t(place)));
+    }
 }
 
 bool suits(const odesolve& solve) {
@@ -115,9 +119,10 @@ void integrate(ensemblejob& job, const double* times, long ntimes) {
     const oderunscope scope(job.solve);
     const size_t n = size_t(job.states()), outputs = job.solve.system.outputs.size();
     if (!e.righthand) compile(job);
-    hold(job, e.start.get(), 1);
-    hold(job, e.righthand.get(), n + 1);
-    hold(job, e.extras.get(), n + 1);
+    hold(job, *e.start, 1);
+    hold(job, *e.righthand, job.states() + 1);
+    if (e.extras) hold(job, *e.extras, job.states() + 1);
+    placederivatives(job);
     const size_t columns = 1 + (2 * n + outputs) * FLATLANES;
     if (!e.out || e.out->rows != ntimes || e.out->cols != columns)
         e.out.reset(harraynew(uint32_t(ntimes), uint32_t(columns)));
@@ -141,7 +146,7 @@ bool odeensemblerun(odeensemble& e, odesolve& solve, const double* sets, int cou
                     long ntimes) {
     if (e.givenup >= MOSTGIVENUP || !suits(solve) || count < 1 || count > FLATLANES) return false;
     e.used = count;
-    ensemblejob job{e, solve, sets};
+    ensemblejob job{e, solve, sets, {}};
     try {
         integrate(job, times, ntimes);
     } catch (const odegivenup&) {

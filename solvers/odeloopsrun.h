@@ -9,14 +9,9 @@ inline double smaller(double x, double y) { return y < x ? y : x; }
 inline int componentsof(const odestepper& s) { return s.wide / REGISTERDOUBLES * REGISTERDOUBLES; }
 
 // Of numbers without a sign the bits are in the order of sizes, and what is no number comes last.
-inline double worst(int n, const double* error) {
-    int64_t most = 0;
-#pragma GCC ivdep
-    for (int i = 0; i < n; i++) {
-        const int64_t bits = __builtin_bit_cast(int64_t, error[i]);
-        most = bits > most ? bits : most;
-    }
-    return __builtin_bit_cast(double, most);
+inline int64_t larger(int64_t most, double error) {
+    const int64_t bits = __builtin_bit_cast(int64_t, error);
+    return bits > most ? bits : most;
 }
 
 void adamspredict(odestepper& s) {
@@ -59,13 +54,15 @@ double truncation(odestepper& s) {
     double *tol = s.tol, *error = s.error;
     const double errfac = s.errfac, floor = s.absfloor;
     const int n = componentsof(s);
+    int64_t worst = 0;
 #pragma GCC ivdep
     for (int i = 0; i < n; i++) {
         const double size = magnitude(y[i]), least = larger(floor, magnitude(y0[i]));
         tol[i] = errfac * (size > floor ? size : least);
         error[i] = magnitude((y[i] - guess[i]) / (9 * tol[i]));
+        worst = larger(worst, error[i]);
     }
-    return worst(n, error);
+    return __builtin_bit_cast(double, worst);
 }
 
 void allowance(odestepper& s, double perchange, double share) {
@@ -85,21 +82,22 @@ double residual(odestepper& s, const double* allowed) {
     double* error = s.error;
     const double c = s.cnew;
     const int n = componentsof(s);
+    int64_t worst = 0;
 #pragma GCC ivdep
-    for (int i = 0; i < n; i++) error[i] = magnitude((y[i] - c * dy[i] - base[i]) / scale[i]);
-    return worst(n, error);
+    for (int i = 0; i < n; i++) {
+        error[i] = magnitude((y[i] - c * dy[i] - base[i]) / scale[i]);
+        worst = larger(worst, error[i]);
+    }
+    return __builtin_bit_cast(double, worst);
 }
 
 double derivativemove(odestepper& s) {
     const double *a = s.dy, *b = s.dnew, *tol = s.tol;
     const int n = componentsof(s);
-    int64_t most = 0;
+    int64_t worst = 0;
 #pragma GCC ivdep
-    for (int i = 0; i < n; i++) {
-        const int64_t bits = __builtin_bit_cast(int64_t, magnitude((a[i] - b[i]) / tol[i]));
-        most = bits > most ? bits : most;
-    }
-    return __builtin_bit_cast(double, most);
+    for (int i = 0; i < n; i++) worst = larger(worst, magnitude((a[i] - b[i]) / tol[i]));
+    return __builtin_bit_cast(double, worst);
 }
 
 const odeloops loops{REGISTERDOUBLES, adamspredict, stiffpredict, adamscorrect,

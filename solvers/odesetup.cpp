@@ -64,14 +64,28 @@ void takederivatives(const odesolve& solve, const double* y, double* dy) {
         dy[k] = solve.rhsplace[k] < 0 ? y[solve.nextstate[k]] : solve.work[size_t(solve.rhsplace[k])];
 }
 
+// Where a derivative is another state, it stands among the inputs.
+bool hold(odesolve& solve) {
+    if (!flathold(*solve.righthand)) return false;
+    solve.heldout.clear();
+    for (size_t k = 0; k < solve.rhsplace.size(); k++)
+        solve.heldout.push_back(solve.rhsplace[k] < 0
+                                    ? flatheldin(*solve.righthand) + 1 + solve.nextstate[k]
+                                    : flatheldout(*solve.righthand, size_t(solve.rhsplace[k])));
+    return true;
+}
+
 /* Evaluations of the right-hand side in a row: nothing looks at the symbols meanwhile, so they take the
  * values of the last one alone. */
 bool heldfunc(odesolve& solve, double t, const double* y, double* dy) {
-    if (solve.held == odesolve::UNTRIED)
-        solve.held = flathold(*solve.righthand) ? odesolve::HELD : odesolve::NOTHELD;
+    if (solve.held == odesolve::UNTRIED) solve.held = hold(solve) ? odesolve::HELD : odesolve::NOTHELD;
     if (solve.held == odesolve::NOTHELD) return false;
-    if (!flatheldrun(*solve.righthand, inputs(solve, t, y), solve.work.data())) return false;
-    takederivatives(solve, y, dy);
+    const size_t n = solve.heldout.size();
+    double* in = flatheldin(*solve.righthand);
+    *in++ = t;
+    for (size_t k = 0; k < n; k++) in[k] = y[k];
+    if (!flatheldrun(*solve.righthand)) return false;
+    for (size_t k = 0; k < n; k++) dy[k] = *solve.heldout[k];
     return solve.pending = true;
 }
 
@@ -79,10 +93,10 @@ struct settlescope {
     odesolve& solve;
     ~settlescope() {
         if (!solve.pending) return;
-        const double* y = solve.in.data() + 1;
-        std::vector<double> dy(solve.system.states.size());
-        takederivatives(solve, y, dy.data());
-        odesetsymbols(solve, solve.in[0], y, dy.data());
+        const double* in = flatheldin(*solve.righthand);
+        std::vector<double> dy;
+        for (const double* at : solve.heldout) dy.push_back(*at);
+        odesetsymbols(solve, in[0], in + 1, dy.data());
     }
 };
 

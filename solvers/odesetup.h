@@ -38,6 +38,7 @@ struct odesolve {
     std::vector<int> rhsplace, jacplace; // equation or entry that each output of a program belongs to
     std::vector<int> nextstate;          // of an equation without a function: its derivative is this state
     enum { UNTRIED, HELD, NOTHELD } held = UNTRIED; // see flathold
+    std::vector<const double*> heldout;             // where a held run leaves each derivative
     bool pending = false; // the symbols are still to take the last evaluation's values
     oderun run;
     const double* y = nullptr; // where the states stand now

@@ -34,8 +34,8 @@ struct odestepper {
     double tout = 0, tend = 0; // next output time; time not to be passed
     double *y = nullptr, *dy = nullptr;
     std::vector<double> jac; // n by n when it is wanted first
-    double errfac = 0;   // relative tolerance; the driver may raise and lower it
-    double absfloor = 0; // smallest magnitude counted in a tolerance
+    double errfac = 0;       // relative tolerance; the driver may raise and lower it
+    double absfloor = 0;     // smallest magnitude counted in a tolerance
     int method = ODEAUTO;
     bool refreshjac = true; // Jacobians are renewed by need
     bool fixedstep = false; // constant step, no error control

@@ -111,7 +111,8 @@ bool lanesagree(FlatTest& test, flatprogram& program, int used, const std::vecto
     if (!flatholdlanes(program)) return false;
     for (size_t k = 0; k < 4; k++)
         for (size_t l = 0; l < FLATLANES; l++)
-            flatlaneinput(program, k)[l] = k < 2 ? x[2 * (l < size_t(used) ? l : 0) + k] : p[k - 2];
+            flatlanesin(program)[k * FLATLANES + l] =
+                k < 2 ? x[2 * (l < size_t(used) ? l : 0) + k] : p[k - 2];
     if (!flatlanesrun(program, used)) return false;
     const traces walked = test.observe(false, [&](std::vector<double>& results) {
         for (size_t l = 0; l < size_t(used); l++) {
@@ -124,7 +125,7 @@ bool lanesagree(FlatTest& test, flatprogram& program, int used, const std::vecto
     EXPECT_EQ(walked.printed, "");
     EXPECT_EQ(walked.total, 0U);
     for (size_t i = 0; i < walked.results.size(); i++)
-        EXPECT_EQ(std::bit_cast<uint64_t>(flatlaneoutput(program, i % 3)[i / 3]),
+        EXPECT_EQ(std::bit_cast<uint64_t>(flatlanesout(program, i % 3)[i / 3]),
                   std::bit_cast<uint64_t>(walked.results[i]));
     return true;
 }
@@ -223,9 +224,10 @@ TEST_F(FlatTest, CodeFollowsItsWorld) {
 TEST_F(FlatTest, AHeldProgramFollowsItsRebuiltUnit) {
     define("F(X) = X+2");
     const flatptr program = flatcompile({{symtablookup("F")}, 1, {}});
-    const auto held = [&](double x) {
-        double y = 0;
-        return flathold(*program) && flatheldrun(*program, &x, &y) ? y : NAN;
+    const auto held = [&](double x) -> double {
+        if (!flathold(*program)) return NAN;
+        *flatheldin(*program) = x;
+        return flatheldrun(*program) ? *flatheldout(*program, 0) : NAN;
     };
     EXPECT_EQ(held(5), 7);
     define("F(X) = X*2"); // as long, with as many constants
@@ -233,6 +235,9 @@ TEST_F(FlatTest, AHeldProgramFollowsItsRebuiltUnit) {
     define("F(X) = X*3");
     EXPECT_EQ(held(5), 15);
     EXPECT_EQ(held(6), 18);
+    define("F(X) = (IF X > 5 THEN X ELSE -X)+1");
+    EXPECT_EQ(held(6), 7);
+    EXPECT_EQ(held(4), -3);
 }
 
 TEST_F(FlatTest, ProgramsNoticeChanges) {
