@@ -7,8 +7,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
+#include <iterator>
 #include <random>
 
 namespace {
@@ -301,6 +303,149 @@ TEST_F(mintest, taylorSeriesTest) {
     sw.reptsw = 1023;
     minimum(cases[0].f, {3, 0.1, 0}, {}, sw);
     EXPECT_EQ(occurrences(out, "TST") + occurrences(out, "Taylor"), 0);
+}
+
+// Each message under its bit alone.
+TEST_F(mintest, reportBits) {
+    const char* const texts[] = {"\nbegin iteration 1\nx: 3.000000e+00 1.000000e-01 0.000000e+00 f(x): ",
+                                 "\ng(x): ",
+                                 "computing Hessian = I.\n",
+                                 "\n---add constraint 1\n",
+                                 "\n---delete constraint 2",
+                                 "setting inverse Hessian scale index: ",
+                                 "BFGS-updating inverse Hessian.\n",
+                                 "search 1, step length "};
+    const struct {
+        int bit;
+        std::vector<int> said; // of texts
+    } cases[] = {{0, {}},  {1, {}},      {2, {}},   {4, {0, 1}}, {8, {2}}, {16, {3, 4}},
+                 {32, {}}, {64, {5, 6}}, {128, {}}, {256, {7}},  {512, {}}};
+    const auto f = [](const double* x) { return std::sqrt(1 + x[0] * x[0]) + 16 * sq(x[1] - 2) + sq(x[2]); };
+    for (const auto& k : cases) {
+        out.clear();
+        minswitches sw;
+        sw.reptsw = k.bit;
+        sw.hessmsw = k.bit == 8 ? 0 : 2;
+        // the second row is met on the way to the minimum of the first two variables and left again
+        const minresult r = minimum(f, {3, 0.1, 0}, rows(3, {0, 0, 1, 1, -0.2, 0}, {0, 1}, {0, -0.45}), sw);
+        EXPECT_EQ(r.ecode, MINCONVERGED) << k.bit;
+        for (int t = 0; t < int(std::size(texts)); t++)
+            EXPECT_EQ(out.find(texts[t]) != std::string::npos,
+                      std::find(k.said.begin(), k.said.end(), t) != k.said.end())
+                << "bit " << k.bit << ": " << texts[t] << out;
+    }
+}
+
+/* A gradient that points uphill within the circle of 0.5: no direction descends there. What the switch makes
+ * of it. */
+TEST_F(mintest, waysOutWhenNoDirectionDescends) {
+    const struct {
+        double backtracksw;
+        bool back, steepest;
+        minexit ecode;
+    } cases[] = {{1, true, true, MINSMALLSTEP},
+                 {-1, false, true, MINSMALLSTEP},
+                 {-2, false, false, MINSMALLSTEP},
+                 {0, true, false, MINITERATIONS}};
+    struct lying {
+        // the height keeps the later steps from counting as good
+        static double value(void*, const double* x) { return 1e4 + sq(x[0]) + 4 * sq(x[1]) + sq(sq(x[0])); }
+        static void gradient(void*, const double* x, double* g) {
+            const double sign = sq(x[0]) + sq(x[1]) < 0.25 ? -1 : 1;
+            g[0] = sign * (2 * x[0] + 4 * x[0] * x[0] * x[0]);
+            g[1] = sign * 8 * x[1];
+        }
+    };
+    for (const auto& k : cases) {
+        out.clear();
+        minswitches sw;
+        sw.reptsw = 1023;
+        sw.backtracksw = k.backtracksw;
+        const minresult r = minsolve({2, nullptr, lying::value, lying::gradient}, sw, {}, {5, 3});
+        EXPECT_EQ(r.ecode, k.ecode) << k.backtracksw << out.substr(0, 3000);
+        EXPECT_LT(r.f, 1e4 + 0.5) << k.backtracksw;
+        const size_t back = out.find("Backtracking to start of iteration ");
+        EXPECT_EQ(back != std::string::npos, k.back) << k.backtracksw;
+        if (k.back) {
+            EXPECT_NE(out.find("\nThe x vector is:\n", back), std::string::npos);
+            EXPECT_NE(out.find("inverse Hessian = I in backtrack.\n", back), std::string::npos);
+        }
+        EXPECT_EQ(out.find("Steepest descending: inverse Hessian = I\n") != std::string::npos, k.steepest)
+            << k.backtracksw;
+    }
+}
+
+TEST_F(mintest, kindsOfHessian) {
+    const auto saddle = [](const double* x) { return sq(sq(x[0])) / 4 - sq(x[0]) / 2 + sq(x[1]); };
+    const auto steep = [](const double* x) {
+        return sq(x[0] - 1) + 1e8 * sq(x[1] - 2) + sq(sq(x[0] - x[1] / 2));
+    };
+    const struct {
+        const char* what;
+        function f;
+        vector start;
+        int hessmsw;
+        double preconditionsw;
+        int newhess;
+        const char *said, *unsaid;
+        double least;
+    } cases[] = {
+        {"forced definite",
+         saddle,
+         {0.1, 1},
+         -2,
+         1,
+         -1,
+         "\nforce hessian to be positive definite\n",
+         "variable",
+         -0.25},
+        {"one-sided, forced",
+         saddle,
+         {0.1, 1},
+         -1,
+         1,
+         -1,
+         "\nforce hessian to be positive definite\n",
+         "variable",
+         -0.25},
+        {"negative pivots become positive", saddle, {0.1, 1}, 2, 1, -1, "BFGS", "force", -0.25},
+        {"the identity", saddle, {0.1, 1}, 0, 1, -1, "computing Hessian = I.\n", "force", -0.25},
+        {"a hook that is empty", saddle, {0.1, 1}, 3, 1, -1, "BFGS", "force", -0.25},
+        {"Newton", saddle, {0.5, 1}, 2, 1, 0, "setting inverse Hessian scale index: -2\n", "BFGS", -0.25},
+        {"a new one each third iteration", saddle, {0.5, 1}, 2, 1, 2, "BFGS", "force", -0.25},
+        {"conditioned", steep, {3, 5}, 2, 1, -1, "conditioning inverse Hessian.\n", "variable", 0},
+        {"not conditioned", steep, {3, 5}, 2, -1, -1, "BFGS", "conditioning", 0},
+        {"always conditioned",
+         saddle,
+         {0.5, 1},
+         2,
+         0,
+         -1,
+         "setting inverse Hessian scale index: 2\n",
+         "variable",
+         -0.25},
+        {"variable 2 is scaled",
+         steep,
+         {3, 5},
+         2,
+         2,
+         -1,
+         "setting inverse Hessian scale index: 2\n",
+         "conditioning",
+         0},
+    };
+    for (const auto& k : cases) {
+        out.clear();
+        minswitches sw;
+        sw.reptsw = 1023;
+        sw.hessmsw = k.hessmsw;
+        sw.preconditionsw = k.preconditionsw;
+        sw.newhess = k.newhess;
+        const minresult r = minimum(k.f, k.start, {}, sw);
+        EXPECT_NEAR(r.f, k.least, 1e-6) << k.what << " ecode " << r.ecode << out.substr(0, 2000);
+        EXPECT_NE(out.find(k.said), std::string::npos) << k.what << out.substr(0, 2000);
+        EXPECT_EQ(out.find(k.unsaid), std::string::npos) << k.what;
+    }
 }
 
 TEST_F(mintest, exits) {
