@@ -108,12 +108,12 @@ def faults(tarn, name):
 def main():
     parser = argparse.ArgumentParser(description="the examples, against figures from elsewhere")
     parser.add_argument("--tarn", default=str(ROOT / "build" / "tarn"))
-    parser.add_argument("names", nargs="*", help="only examples whose names hold one of these")
+    parser.add_argument("names", nargs="*", help="only examples whose paths hold one of these")
     args = parser.parse_args()
     tarn = os.path.abspath(args.tarn)
     written = {path.stem for path in (ROOT / "examples").glob("*.do")}
     wrong = [f"{name} has no figures" for name in sorted(written - set(FIGURES))]
-    names = [n for n in sorted(written & set(FIGURES)) if not args.names or any(word in n for word in args.names)]
+    names = [n for n in sorted(written & set(FIGURES)) if not args.names or any(word in f"examples/{n}" for word in args.names)]
     with concurrent.futures.ThreadPoolExecutor(2) as pool:
         wrong += [text for found in pool.map(lambda n: faults(tarn, n), names) for text in found]
     print(*wrong, sep="\n", end="\n" if wrong else "")
