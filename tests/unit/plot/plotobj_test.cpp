@@ -386,6 +386,18 @@ TEST_F(PlotObjects, MatchedScales) {
 
 // ---- marks ----
 
+// An axis with labels that chooses its marks.
+int choosingaxis(int win, const char* name, int kind) {
+    curve axis;
+    axis.kind = int16_t(kind);
+    axis.wclipsw = OWNMARKS;
+    axis.labels.reset(harraynew(1, 1));
+    const int idx = symtabenter(name);
+    curveenter(idx, std::move(axis));
+    joinring(idx, win);
+    return idx;
+}
+
 // The distance of marks is 1, 2 or 5 times a power of ten.
 bool isroundstep(double step) {
     const double digit = step / std::pow(10, std::floor(std::log10(step) + 1e-6));
@@ -395,13 +407,7 @@ bool isroundstep(double step) {
 TEST_F(PlotObjects, MarksAreRoundAndLieWithinTheLimits) {
     std::mt19937 random(3);
     const int win = makewindow("W");
-    curve axis;
-    axis.kind = TOKXAXIS;
-    axis.wclipsw = OWNMARKS;
-    axis.labels.reset(harraynew(1, 1));
-    const int idx = symtabenter("W.XAXIS");
-    curveenter(idx, std::move(axis));
-    joinring(idx, win);
+    const int idx = choosingaxis(win, "W.XAXIS", TOKXAXIS);
     for (int n = 0; n < 3000; n++) {
         const double size = std::pow(10, int(random() % 40) - 20);
         window& w = windowof(win);
@@ -433,13 +439,7 @@ TEST_F(PlotObjects, MarksAreRoundAndLieWithinTheLimits) {
 TEST_F(PlotObjects, LabelsTellTheirMarksExactly) {
     std::mt19937 random(4);
     const int win = makewindow("W");
-    curve axis;
-    axis.kind = TOKYAXIS;
-    axis.wclipsw = OWNMARKS;
-    axis.labels.reset(harraynew(1, 1));
-    const int idx = symtabenter("W.YAXIS");
-    curveenter(idx, std::move(axis));
-    joinring(idx, win);
+    const int idx = choosingaxis(win, "W.YAXIS", TOKYAXIS);
     for (int n = 0; n < 2000; n++) {
         window& w = windowof(win);
         w.wymin = (double(random() % 20001) - 10000) * std::pow(10, int(random() % 30) - 15);

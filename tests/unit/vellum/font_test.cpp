@@ -114,16 +114,8 @@ TEST(FontFile, shapesDoNotOverlapThemselves) {
 
 // ---- The library's reader
 
-class Fonts : public Recorded {
+class Fonts : public RecordedText {
 protected:
-    void SetUp() override {
-        Recorded::SetUp();
-        DSETFONTPATH(TARNSTARTDIR);
-    }
-    void TearDown() override {
-        DSETFONTPATH("");
-        Recorded::TearDown();
-    }
     static void writefile(const std::string& name, const std::string& bytes) {
         std::ofstream(name, std::ios::binary).write(bytes.data(), std::streamsize(bytes.size()));
     }

@@ -70,6 +70,19 @@ protected:
     }
 };
 
+// The same with the fonts that the build has made.
+class RecordedText : public Recorded {
+protected:
+    void SetUp() override {
+        Recorded::SetUp();
+        DSETFONTPATH(TARNSTARTDIR);
+    }
+    void TearDown() override {
+        DSETFONTPATH("");
+        Recorded::TearDown();
+    }
+};
+
 inline double polygonarea(const recordedpolygon& p) { // of one contour, signed
     double twice = 0;
     for (size_t i = 0; i < p.size(); i++) {

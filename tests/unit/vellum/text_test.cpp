@@ -6,16 +6,8 @@
 
 namespace {
 
-class Text : public Recorded {
+class Text : public RecordedText {
 protected:
-    void SetUp() override {
-        Recorded::SetUp();
-        DSETFONTPATH(TARNSTARTDIR);
-    }
-    void TearDown() override {
-        DSETFONTPATH("");
-        Recorded::TearDown();
-    }
     static vlpoint pen() {
         vlpoint p{};
         DGETPOS(&p.x, &p.y, nullptr);
