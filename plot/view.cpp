@@ -25,8 +25,15 @@ namespace {
 void graphicsmissing() {
     if (display.graphicsfail == GRAPHICSTOLD) return;
     display.graphicsfail = GRAPHICSTOLD;
-    if (report.batch) return tarnwarn("Graphics not available.");
-    if (!upper.indofile()) return tarnprint("Graphics not available.\n");
+    static const char* const way = "PLOT IN \"name\" writes the picture to a file";
+    if (report.batch) {
+        tarnwarn("Graphics not available.");
+        return tarnwarn("%s", way);
+    }
+    if (!upper.indofile()) {
+        tarnprint("Graphics not available.\n");
+        return tarnwarn("%s", way);
+    }
     static constexpr userchoice choices[] = {{'*', "Yes"}, {'Y', "Yes"}, {'N', "No"}};
     if (askuser("VIEW", "Graphics not available. Continue do-file?", choices, 3) == 2) throw recoveryjump{-2};
 }
