@@ -274,6 +274,7 @@ void warnunused(int token) {
         {"SHIFT", given(c.textshift), TITLES},
         {"ADJUST", given(c.adjust[0]), WINDOWS},
         {"PRIORITY", given(c.priority), FRAMES},
+        {"the unit", given(c.unitat), CURVES | TITLES | FRAMES | IMAGES},
     };
     for (const clauserow& row : clauses)
         if (row.given && !(row.users & userof(token)))

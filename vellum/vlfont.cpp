@@ -47,6 +47,14 @@ int strokefile(int f) {
                     "Unable to open VELLUM stroked font file (vlfonts.0)");
 }
 
+// A picture without some of its letters would pass for a whole one.
+[[noreturn]] void damagedfont(int file) {
+    const vlfonts& fonts = vlfontstate();
+    if (fonts.user && fonts.user->file == file)
+        vlerror("Unable to open user font file (font0)\nit is damaged");
+    vlerror("Unable to open VELLUM stroked font file (vlfonts.0)\n%s is damaged", vl.strokefontfile.c_str());
+}
+
 // Takes height, most points and flags from an entry's last three numbers; false when they make no sense.
 bool takeentry(vlstrokefont& font, uint32_t at) {
     const uint32_t height = number32(font.file, at) & 0xffff, points = number32(font.file, at + 4);
@@ -69,7 +77,9 @@ bool readentry(vlstrokefont& font, uint32_t k) {
     }
     if (k == 0 || k > n || !within(font.file, 20ull * k - 15, 16)) return false;
     font.table = number32(font.file, 20 * k - 15);
-    return font.table != 0 && takeentry(font, 20 * k - 11);
+    if (font.table == 0) return false;
+    if (!takeentry(font, 20 * k - 11)) damagedfont(font.file);
+    return true;
 }
 
 // ---- Glyphs
@@ -147,12 +157,13 @@ void readglyph(const vlstrokefont& font, int code, vlglyph& g) {
     const double scale = g.size / font.height;
     g.advance = 0.6 * g.size; // of a character that the font has not
     const uint32_t at = number32(font.file, font.table + 4 * uint32_t(code));
-    if (at == 0 || !within(font.file, at, 8)) return;
+    if (at == 0) return;
+    if (!within(font.file, at, 8)) damagedfont(font.file);
     uint8_t head[8];
     cacheread(font.file, at, 8, head);
     const int count = number16(head);
     if (count < 0 || count > font.maxpoints || !within(font.file, uint64_t(at) + 8, 4 * uint64_t(count)))
-        return;
+        damagedfont(font.file);
     g.present = true;
     g.advance = number16(head + 2) * scale;
     work.bytes.resize(4 * size_t(count));

@@ -117,12 +117,13 @@ TEST_F(PageCache, forcedWritesNameTheirCall) {
         {"resizebufferpool", [](int) { resizebufferpool(4); }},
         {"closefile", [](int file) { cacheclose(file); }},
     };
-    for (const auto& [name, force] : forced) {
+    for (const auto& row : forced) {
         const vlcachefile held(cacheopen("/dev/full", 1, 1));
         cacheinhibit(held.file, 1);
         cachepoke(held.file, 1, 'x');
-        EXPECT_EQ(fault([&] { force(held.file); }),
-                  "Cached-file write error: " + std::string(name) + " \n/dev/full: No space left on device");
+        EXPECT_EQ(fault([&] { row.second(held.file); }),
+                  "Cached-file write error: " + std::string(row.first) +
+                      " \n/dev/full: No space left on device");
     }
     const vlcachefile through(cacheopen("/dev/full", 1, 1));
     EXPECT_EQ(fault([&] { cachepoke(through.file, 1, 'x'); }),

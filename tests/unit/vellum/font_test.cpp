@@ -203,6 +203,17 @@ TEST_F(Fonts, aFileOfOneFont) {
     EXPECT_NEAR(x, 0.28, 1e-9);
 }
 
+// A file that was cut off is told of before a letter is left out.
+TEST_F(Fonts, aFileThatIsCutOffIsToldOf) {
+    const std::string whole = readwhole(TARNSTARTDIR "vlfonts.0");
+    const std::string damaged = "Unable to open VELLUM stroked font file (vlfonts.0)\nvlfonts.0 is damaged";
+    for (const size_t left : {size_t(300), whole.size() / 20}) {
+        writefile("vlfonts.0", whole.substr(0, left));
+        here();
+        EXPECT_EQ(fault(drawall), damaged) << left;
+    }
+}
+
 TEST_F(Fonts, damagedFilesNeverCrash) {
     const std::string stroked = readwhole(TARNSTARTDIR "vlfonts.0"),
                       bitmap = readwhole(TARNSTARTDIR "vlbfonts.0");
