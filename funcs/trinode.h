@@ -88,15 +88,15 @@ int formalref(int f, int k); // the k-th formal from 1, 0 beyond the last
 template <class Visit> void treewalk(int ref, Visit&& visit) {
     if (ref >= 0) return;
     std::vector<bool> seen(trinodes.at.size());
-    std::vector<int16_t> pending{int16_t(ref)};
-    while (!pending.empty()) {
-        const int at = pending.back();
-        pending.pop_back();
+    std::vector<int16_t> waiting{int16_t(ref)};
+    while (!waiting.empty()) {
+        const int at = waiting.back();
+        waiting.pop_back();
         if (seen[size_t(-at)]) continue;
         seen[size_t(-at)] = true;
         if (!visit(at)) return;
-        if (tri(at).right < 0) pending.push_back(tri(at).right);
-        if (tri(at).left < 0) pending.push_back(tri(at).left);
+        if (tri(at).right < 0) waiting.push_back(tri(at).right);
+        if (tri(at).left < 0) waiting.push_back(tri(at).left);
     }
 }
 bool treeuses(int ref, int target); // does the tree refer to symbol target?

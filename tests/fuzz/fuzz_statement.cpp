@@ -5,7 +5,7 @@
 #include "interp/base/hooks.h"
 #include "interp/base/parser.h"
 #include "interp/base/symtab.h"
-#include "unit/interp/harness.h"
+#include "support/harness.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,10 +1,6 @@
 // Numbers as text: tables worked by hand, and what must hold for every double.
-#include "interp/base/hooks.h"
 #include "interp/base/numtext.h"
-#include "interp/base/report.h"
-#include "interp/base/symtab.h"
-
-#include <gtest/gtest.h>
+#include "support/printed.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -25,25 +21,17 @@ numberformat style(int intpos, int fracpos, int leadmode = 0, int trailmode = 0,
             ""};
 }
 
-struct numtexttest : testing::Test {
-    std::string out;
+struct numtexttest : printingtest {
     void SetUp() override {
-        symtabstart();
-        report = reportstate{};
-        report.recoveryset = true;
-        report.capture = &out;
+        printingtest::SetUp();
         nformat = {};
     }
     void TearDown() override {
-        report = reportstate{};
+        printingtest::TearDown();
         nformat = {};
     }
     std::string parse(const char* format) {
-        out.clear();
-        try {
-            parsenformat(format);
-        } catch (const recoveryjump&) {}
-        return out;
+        return textof([&] { parsenformat(format); });
     }
 };
 

@@ -10,43 +10,7 @@
 
 namespace {
 
-struct callstest : funcstest {
-    void SetUp() override {
-        funcstest::SetUp();
-        hooksreset();
-        trinodestart();
-        evalstart();
-        funcsstart();
-    }
-    void TearDown() override {
-        hooksreset();
-        funcstest::TearDown();
-    }
-    // NAME(args...) as the parser lays it out at a closing bracket.
-    std::string result(int callee, const std::vector<int>& args) {
-        parserreset();
-        polpush(callee);
-        parser.argcount[++parser.argptr] = int16_t(args.size());
-        for (const int a : args) polpush(a);
-        std::string text;
-        const std::string printed = textof([&] {
-            builtincall();
-            EXPECT_EQ(parser.poltop, 0);
-            EXPECT_EQ(parser.argcount[parser.argptr], 1);
-            const int idx = polpop();
-            text = sym(idx).type == TEMPSTRING ? static_cast<char*>(sym(idx).val.ptr) : shown(idx);
-            tempfree(idx);
-            int left = 0;
-            for (int i = 1; i < SYMTABSIZE; i++) left += istemporary(i);
-            EXPECT_EQ(left, 0) << "temporaries left";
-        });
-        symtabsweep();
-        return printed + text;
-    }
-    std::string result(const char* name, const std::vector<int>& args) {
-        return result(symtabenter(name), args);
-    }
-};
+using callstest = funcstest;
 
 int text(const char* s) { return symtabtemp(0, 0, xstrdup(s), TEMPSTRING, 0); }
 

@@ -1,7 +1,7 @@
 // Compiled code against the walk of the tree: the same bits, the same faults, the same words, the same last
 // values.
 #include "unit/funcs/bodywriter.h"
-#include "unit/funcs/treeread.h"
+#include "unit/funcs/defined.h"
 
 #include <bit>
 #include <cmath>
@@ -65,7 +65,7 @@ struct FlatTest : FuncsTest {
         eval.flat = flatcode;
         traces t;
         t.printed = failing([&] { action(t.results); });
-        if (t.printed == "no error") t.printed = printed;
+        if (t.printed == "no error") t.printed = out;
         parserreset();
         eval.flat = true;
         t.total = fp.total;
@@ -153,9 +153,9 @@ TEST_F(FlatTest, ProgramsAgreeWithTheWalk) {
         const auto onepoint = [&](std::vector<double>& results) {
             for (size_t i = 0; i < 4; i++) {
                 const double in[] = {x[2 * i], x[2 * i + 1], p[0], p[1]};
-                double out[3];
-                flatrun(*program, in, out);
-                results.insert(results.end(), out, out + 3);
+                double y[3];
+                flatrun(*program, in, y);
+                results.insert(results.end(), y, y + 3);
             }
         };
         ASSERT_EQ(observe(true, onepoint), observe(false, onepoint)) << "round " << round;
@@ -163,8 +163,8 @@ TEST_F(FlatTest, ProgramsAgreeWithTheWalk) {
             results.resize(3 * n);
             const double* in[] = {&x[0], &x[1], &p[0], &p[1]};
             const size_t instride[] = {2, 2, 0, 0}, outstride[] = {1, 1, 1};
-            double* out[] = {&results[0], &results[n], &results[2 * n]};
-            flatrunblock(*program, n, in, instride, out, outstride);
+            double* to[] = {&results[0], &results[n], &results[2 * n]};
+            flatrunblock(*program, n, in, instride, to, outstride);
         };
         ASSERT_EQ(observe(true, block), observe(false, block)) << "round " << round;
         sidebyside += lanesagree(*this, *program, 1 + round % FLATLANES, x, p);
@@ -247,15 +247,15 @@ TEST_F(FlatTest, ProgramsNoticeChanges) {
     const flatptr program = flatcompile({{symtablookup("F"), symtablookup("G")}, 1, {a}});
     EXPECT_FALSE(flatisfast(*program)) << "K has no value yet";
     set("K", 5);
-    double out[2];
+    double y[2];
     const double in[] = {3, 2};
-    flatrun(*program, in, out);
-    EXPECT_EQ(out[1], 11);
+    flatrun(*program, in, y);
+    EXPECT_EQ(y[1], 11);
     define("F(X) = A+X");
-    flatrun(*program, in, out);
-    EXPECT_EQ(out[0], 5);
-    EXPECT_EQ(out[1], 10);
-    flatrun(*program, in, out);
+    flatrun(*program, in, y);
+    EXPECT_EQ(y[0], 5);
+    EXPECT_EQ(y[1], 10);
+    flatrun(*program, in, y);
     EXPECT_TRUE(flatisfast(*program));
     EXPECT_EQ(sym(symtablookup("G")).val.rval, 10) << "the last value";
 }

@@ -4,35 +4,7 @@
 
 namespace {
 
-struct matrixcallstest : funcstest {
-    void SetUp() override {
-        funcstest::SetUp();
-        elementaryrows();
-        linearrows();
-        matrixarrangerows();
-        columnstatsrows();
-    }
-    std::string result(const char* name, const std::vector<int>& args) {
-        const int f = symtablookup(name);
-        parserreset();
-        polpush(f);
-        for (const int a : args) polpush(a);
-        const callargs call{0, int(args.size()), sym(f).type};
-        const bool several = ismatrixwithcolumns(args[0]);
-        std::string text;
-        const std::string printed = textof([&] {
-            const numberrow* row = numberbuiltinrow(call.code);
-            if (row && !(several && valuebuiltinrow(call.code)))
-                text = shown(scalar(row->call(call)));
-            else
-                text = shown(valuebuiltinrow(call.code)->call(call));
-        });
-        return printed + text;
-    }
-    static bool ismatrixwithcolumns(int idx) {
-        return idx > 0 && sym(idx).type == MATRIX && matrixof(idx)->cols > 1;
-    }
-};
+using matrixcallstest = funcstest;
 
 int rows4() { return matrix(4, 2, {3, 1, 1, 2, 2, 3, 1, 4}); }
 int data() { return matrix(4, 1, {1, 2, 4, 7}); }

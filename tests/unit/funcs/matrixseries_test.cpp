@@ -54,26 +54,7 @@ TEST(dft, theInverseBringsItBack) {
     }
 }
 
-struct matrixseriestest : funcstest {
-    void SetUp() override {
-        funcstest::SetUp();
-        matrixseriesrows();
-        interpolaterows();
-        complexrows();
-        complexfunctionrows();
-    }
-    std::string result(const char* name, const std::vector<int>& args) {
-        const int f = symtablookup(name);
-        parserreset();
-        polpush(f);
-        for (const int a : args) polpush(a);
-        std::string text;
-        const std::string printed = textof([&] {
-            text = shown(valuebuiltinrow(sym(f).type)->call(callargs{0, int(args.size()), sym(f).type}));
-        });
-        return printed + text;
-    }
-};
+using matrixseriestest = funcstest;
 
 int column(const std::vector<double>& x) { return matrix(uint32_t(x.size()), 1, x); }
 

@@ -24,11 +24,6 @@ struct operatorstest : funcstest {
         });
         return printed + text;
     }
-    int freetemporaries() {
-        int n = 0;
-        for (int i = 1; i < SYMTABSIZE; i++) n += istemporary(i);
-        return n;
-    }
 };
 
 TEST_F(operatorstest, scalars) {
@@ -48,7 +43,7 @@ TEST_F(operatorstest, scalars) {
         snprintf(text, sizeof text, "%.15g", row.value);
         EXPECT_EQ(result(row.op, scalar(row.x), scalar(row.y)), text) << row.op;
     }
-    EXPECT_EQ(freetemporaries(), 0);
+    EXPECT_EQ(temporaries(), 0);
 }
 
 // Cells of matrices are treated as scalars are, whatever the shapes.
@@ -101,7 +96,7 @@ TEST_F(operatorstest, shapesOfResults) {
     EXPECT_EQ(result(TOKREPEAT, matrix(1, 2, {1, 2}), scalar(2.9)), "2x2: 1 2 1 2");
     EXPECT_EQ(result(TOKREPEATBY, matrix(2, 2, {1, 2, 3, 4}), scalar(2)), "2x4: 1 2 1 2 3 4 3 4");
     EXPECT_EQ(result(TOKREPEAT, matrix(0, 2, {0}), scalar(1e9)), "0x2:");
-    EXPECT_EQ(freetemporaries(), 0);
+    EXPECT_EQ(temporaries(), 0);
 }
 
 TEST_F(operatorstest, crossProducts) {

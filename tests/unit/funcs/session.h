@@ -2,13 +2,11 @@
 #pragma once
 
 #include "funcs/builtin.h"
-#include "interp/base/fpfault.h"
-#include "interp/base/parser.h"
-#include "interp/base/report.h"
-#include "interp/base/symtab.h"
+#include "funcs/calls.h"
+#include "funcs/trinode.h"
+#include "funcs/value.h"
+#include "support/printed.h"
 #include "values/harray.h"
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -53,38 +51,6 @@ inline void entervocabulary() {
     }
 }
 
-struct funcstest : testing::Test {
-    std::string out;
-    void SetUp() override {
-        symtabstart();
-        valuesstart();
-        parserreset();
-        symtabconstants();
-        fp = fpstate{};
-        fp.limit = 5;
-        spfaultclear();
-        report = reportstate{};
-        report.recoveryset = true;
-        report.capture = &out;
-        entervocabulary();
-        builtinreset();
-    }
-    void TearDown() override {
-        report = reportstate{};
-        symtabsweep();
-        symtabstart();
-    }
-
-    // What f prints; the error it ends in is printed too.
-    std::string textof(const std::function<void()>& f) {
-        out.clear();
-        try {
-            f();
-        } catch (const recoveryjump&) { parserreset(); }
-        return out;
-    }
-};
-
 inline int scalar(double x) { return symtabtempscalar(0, 0, x); }
 inline int named(const char* name, int type, double x = 0) {
     const int idx = symtabenter(name);
@@ -102,16 +68,69 @@ inline int matrix(uint32_t rows, uint32_t cols, const std::vector<double>& x) {
 }
 inline harray* matrixof(int idx) { return static_cast<harray*>(sym(idx).val.ptr); }
 
-// A value as text, to be compared whole: "2x2: 1 2 3 4", or a number.
+// A value as text, to be compared whole: "2x2: 1 2 3 4", a string, or a number.
 inline std::string shown(int idx) {
     const auto number = [](double x) {
         char text[32];
         snprintf(text, sizeof text, "%.15g", x);
         return std::string(text);
     };
+    if (sym(idx).type == TEMPSTRING) return static_cast<char*>(sym(idx).val.ptr);
     if (sym(idx).type != MATRIX) return number(sym(idx).val.rval);
     const harray* m = matrixof(idx);
     std::string text = std::to_string(m->rows) + "x" + std::to_string(m->cols) + ":";
     for (size_t k = 1; k <= harraycount(m); k++) text += " " + number(cells(m)[k]);
     return text;
 }
+
+struct funcstest : printingtest {
+    void SetUp() override {
+        printingtest::SetUp();
+        valuesstart();
+        symtabconstants();
+        fp.limit = 5;
+        spfaultclear();
+        entervocabulary();
+        trinodestart();
+        evalstart();
+        funcsstart();
+    }
+    void TearDown() override {
+        printingtest::TearDown();
+        symtabstart();
+    }
+    // NAME(args...), laid out as the parser does it at a closing bracket: the index of its result, to be
+    // freed by the sweep; 0 if it ended in an error.
+    int call(int callee, const std::vector<int>& args) {
+        parserreset();
+        polpush(callee);
+        parser.argcount[++parser.argptr] = int16_t(args.size());
+        for (const int a : args) polpush(a);
+        int idx = 0;
+        textof([&] {
+            builtincall();
+            EXPECT_EQ(parser.poltop, 0);
+            EXPECT_EQ(parser.argcount[parser.argptr], 1);
+            idx = polpop();
+        });
+        return idx;
+    }
+    int call(const char* name, const std::vector<int>& args) { return call(symtabenter(name), args); }
+    // What that prints, and the result as text.
+    template <class Callee> std::string result(Callee callee, const std::vector<int>& args) {
+        const auto own = std::count_if(args.begin(), args.end(), [](int a) { return istemporary(a); });
+        const long others = temporaries() - own;
+        std::string text;
+        if (const int idx = call(callee, args)) {
+            text = shown(idx);
+            tempfree(idx);
+            EXPECT_EQ(temporaries(), others) << "temporaries left";
+        }
+        return out + text;
+    }
+    static int temporaries() {
+        int n = 0;
+        for (int i = 1; i < SYMTABSIZE; i++) n += istemporary(i);
+        return n;
+    }
+};

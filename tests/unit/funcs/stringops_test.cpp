@@ -2,43 +2,22 @@
 #include "funcs/stringops.h"
 
 #include "interp/base/operand.h"
-#include "interp/base/parser.h"
-#include "interp/base/report.h"
+#include "support/folder.h"
+#include "support/printed.h"
 #include "values/harray.h"
 #include "values/stringarray.h"
 
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
 #include <functional>
-#include <random>
 #include <regex>
 
 namespace {
 
-struct stringopstest : testing::Test {
-    std::string out;
+struct stringopstest : printingtest {
     void SetUp() override {
-        symtabstart();
+        printingtest::SetUp();
         valuesstart();
-        parserreset();
         builtinreset();
         stringopsstart();
-        report = reportstate{};
-        report.recoveryset = true;
-        report.capture = &out;
-    }
-    void TearDown() override {
-        symtabsweep();
-        report = reportstate{};
-    }
-    std::string errorof(const std::function<void()>& f) {
-        out.clear();
-        try {
-            f();
-        } catch (const recoveryjump&) { return out; }
-        return "";
     }
 };
 
@@ -170,23 +149,21 @@ TEST_F(stringopstest, ascii) {
 }
 
 TEST_F(stringopstest, files) {
-    namespace fs = std::filesystem;
-    const fs::path dir =
-        fs::temp_directory_path() / ("tarn_stringops_" + std::to_string(std::random_device{}()));
-    fs::create_directory(dir);
-    report.filedir = dir.generic_string();
-    std::ofstream(dir / "one.txt") << "1";
-    std::ofstream(dir / "two.txt") << "2";
-    EXPECT_EQ(textcall(-902, {make({"one.txt"})}), dir.generic_string() + "/one.txt");
+    testfolder folder;
+    folder.open();
+    report.filedir = folder.path.string();
+    folder.write("one.txt", "1");
+    folder.write("two.txt", "2");
+    EXPECT_EQ(textcall(-902, {make({"one.txt"})}), folder.named("one.txt"));
     EXPECT_EQ(textcall(-911, {make({"one.txt"}), make({"three.txt"})}), "three.txt");
-    EXPECT_TRUE(fs::exists(dir / "three.txt"));
+    EXPECT_TRUE(std::filesystem::exists("three.txt"));
     EXPECT_NE(errorof([&] {
                   call(-911, {make({"three.txt"}), make({"two.txt"})});
               }).find("##Error: can not rename\n"),
               std::string::npos);
-    EXPECT_EQ(fs::file_size(dir / "two.txt"), 1u) << "an existing file is not replaced";
+    EXPECT_EQ(wholefile("two.txt"), "2") << "an existing file is not replaced";
     EXPECT_EQ(errorof([&] { call(-911, {make({"none"}), make({"four"})}); }), "##Error: can not rename\n");
-    fs::remove_all(dir);
+    folder.close();
 }
 
 } // namespace

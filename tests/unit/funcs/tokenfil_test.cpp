@@ -1,6 +1,4 @@
 // The vocabulary of builtins in data/TOKEN.FIL against the rows of this room.
-#include "funcs/rows.h"
-#include "funcs/stringops.h"
 #include "unit/funcs/session.h"
 
 #include <map>
@@ -44,19 +42,7 @@ TEST(vocabulary, everyLineFitsTheReader) {
         EXPECT_LE(line.size(), ++number == 1 ? 79u : 98u) << number;
 }
 
-struct vocabularytest : funcstest {
-    void SetUp() override {
-        funcstest::SetUp();
-        elementaryrows();
-        specialrows();
-        specialmatrixrows();
-        complexfunctionrows();
-        complexrows();
-        matrixbasicrows();
-        ranrows();
-        stringopsstart();
-    }
-};
+using vocabularytest = funcstest;
 
 // A row whose code no name has can't be reached; a routine that takes more than the signature lets through is
 // wrong.

@@ -1,6 +1,6 @@
 // The evaluator: values, the order of things, every refusal.
 #include "funcs/rootint.h"
-#include "unit/funcs/treeread.h"
+#include "unit/funcs/defined.h"
 
 #include <cmath>
 #include <utility>
@@ -96,7 +96,7 @@ TEST_F(ValueTest, Refusals) {
         {"SIN(M)", "##Error: illegal matrix argument for a builtin function\n"},
         {"SIN()", "##Error: function SIN takes 1 arguments; 1 are mandatory\n"},
         {"SIN(1,2)", "##Error: function SIN takes 1 arguments; 1 are mandatory\n"},
-        {"NROWS(X)", "##Error: function NROWS argument 1: expected matrix\n"},
+        {"NROWS(X)", "##Error: function NROWS argument 1: expected matrix or stringmatrix\n"},
         {"INV(M)", "##Error: matrix-valued function calls are illegal in user functions\n"},
         {"U(X)", "##Error: U is not a function\n"},
         {"X(1)", "##Error: X is not a function\n"},
@@ -293,9 +293,9 @@ TEST_F(ValueTest, Roots) {
     }
     define("N(A,B) = ROOT(Z,A,B,Z*Z+1)");
     for (int time = 0; time < 2; time++) {
-        printed.clear();
+        out.clear();
         EXPECT_EQ(call("N", {1, 2}), MAXPOS);
-        EXPECT_EQ(printed, "Warning: rootf: no root found\n");
+        EXPECT_EQ(out, "Warning: rootf: no root found\n");
     }
     define("O(A,B) = ROOT(Z,A,B,Z*Z-4)"); // both ends of one sign: sought inwards
     EXPECT_EQ(call("O", {-3, 5}), call("O", {-3, 5}));
@@ -356,15 +356,15 @@ TEST_F(ValueTest, InterpolationStaysInside) {
 }
 
 TEST_F(ValueTest, FaultsAreCountedInTheOrderOfTheTree) {
-    fp.limit = 2;
     define("F(X) = 1/X + 1E308*10 + LOG(-1)");
+    fp.limit = 2;
     for (int time = 0; time < 3; time++) {
         fpclear();
-        printed.clear();
+        out.clear();
         call("F", {0});
         EXPECT_EQ(fp.divzero, 1u);
         EXPECT_EQ(fp.total, 4u) << "the quotient, the product, their sum, the logarithm";
-        EXPECT_EQ(printed, "\nFloating Point Error: Divide by Zero\n\nFloating Point Error: Overflow\n");
+        EXPECT_EQ(out, "\nFloating Point Error: Divide by Zero\n\nFloating Point Error: Overflow\n");
     }
 }
 

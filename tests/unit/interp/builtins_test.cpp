@@ -2,7 +2,7 @@
 // tests/data/builtins_awaited.txt lists the names that have none yet; a name that has got one must leave the
 // list.
 #include "funcs/builtin.h"
-#include "unit/interp/livesession.h"
+#include "support/livesession.h"
 
 #include <gtest/gtest.h>
 

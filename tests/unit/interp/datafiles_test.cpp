@@ -1,7 +1,9 @@
 // READ, READON, KREAD, KREADS and the delimited tables, as statements.
 #include "interp/base/machine.h"
+#include "interp/base/operand.h"
 #include "interp/datafiles.h"
-#include "unit/interp/filesession.h"
+#include "support/livesession.h"
+#include "values/stringarray.h"
 
 #include <cmath>
 
@@ -65,7 +67,7 @@ TEST_F(DataFiles, readRefuses) {
     file("bad.dat", "1 2 1.5E 3\n");
     file("binary.dat", std::string("1 2 \0\1 3", 8));
     file("good.dat", "1 2");
-    std::filesystem::create_directory(folder / "dir.dat");
+    std::filesystem::create_directory(folder.path / "dir.dat");
     const std::string where = "X = 7\n";
     const struct {
         const char *statement, *message;
@@ -165,7 +167,7 @@ TEST_F(DataFiles, readonKeepsThreeFiles) {
 }
 
 TEST_F(DataFiles, readFromTheKeyboard) {
-    filesession.typed = {"1 2", "3", "\x1A"};
+    live.typed = {"1 2", "3", "\x1A"};
     EXPECT_EQ(run("X = READ(\"CON\")\n"), "Type <CONTROL>Z after last number\n");
     EXPECT_EQ(numbers("X"), (list{1, 2, 3}));
 }
@@ -176,7 +178,7 @@ TEST_F(DataFiles, kread) {
     const char* illegal = "KREAD: syntactically illegal number typed\n";
     const struct {
         const char* statement;
-        std::deque<std::string> typed;
+        std::vector<std::string> typed;
         std::string printed;
         const char* shape;
         list elements;
@@ -202,18 +204,18 @@ TEST_F(DataFiles, kread) {
         {"X = KREAD(0)", {}, "", "0 by 0", {}},
     };
     for (const auto& row : rows) {
-        filesession.typed = row.typed;
+        live.typed = row.typed;
         EXPECT_EQ(run(row.statement), row.printed) << row.statement;
         EXPECT_EQ(shape("X"), row.shape) << row.statement;
         EXPECT_EQ(numbers("X"), row.elements) << row.statement;
         run("DELETE X");
     }
-    EXPECT_NE(filesession.prompts.find("Dose? Dose? "), std::string::npos);
+    EXPECT_NE(live.prompts.find("Dose? Dose? "), std::string::npos);
     EXPECT_EQ(run("X = KREAD(1:3)"), "##Error: KREAD: an expression is of the wrong type\n");
 }
 
 TEST_F(DataFiles, kreads) {
-    filesession.typed = {"one line", "one \\", "two", std::string(100, 'x')};
+    live.typed = {"one line", "one \\", "two", std::string(100, 'x')};
     run("A = KREADS()\nB = KREADS(\"Name: \")\nC = KREADS()\nD = KREADS()\n");
     EXPECT_STREQ(stringval(symtablookup("A")), "one line");
     EXPECT_STREQ(stringval(symtablookup("B")), "one two");

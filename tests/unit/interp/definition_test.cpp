@@ -6,8 +6,8 @@
 #include "funcs/value.h"
 #include "interp/base/parser.h"
 #include "interp/base/symtab.h"
+#include "support/harness.h"
 #include "unit/funcs/bodywriter.h"
-#include "unit/interp/harness.h"
 
 #include <gtest/gtest.h>
 

@@ -2,20 +2,14 @@
 // names.
 #include "funcs/deriv.h"
 #include "interp/base/parser.h"
-#include "unit/interp/livesession.h"
+#include "support/datarows.h"
+#include "support/livesession.h"
 
 #include <cmath>
-#include <sstream>
 
 namespace {
 
-class Derivatives : public LiveSession {
-protected:
-    void SetUp() override {
-        LiveSession::SetUp();
-        start();
-    }
-};
+using Derivatives = StartedSession;
 
 double close(double value, double expected) {
     return std::fabs(value - expected) / std::max(std::fabs(expected), 1e-3);
@@ -35,11 +29,8 @@ TEST_F(Derivatives, EveryRuleParsesAndItsNamesExist) {
 /* Lines of the table: body | point first second | ... Each first derivative to 12 digits, each second to 10;
  * and the printed derivative, read back as a definition, has the same values. */
 TEST_F(Derivatives, ReferenceTable) {
-    std::ifstream in(TESTDATADIR "/derivatives.txt");
-    ASSERT_TRUE(in);
     int functions = 0;
-    for (std::string line; std::getline(in, line);) {
-        if (line.empty() || line[0] == '#') continue;
+    for (const std::string& line : datarows("derivatives.txt")) {
         functions++;
         std::istringstream cells(line);
         std::string body, cell;

@@ -1,8 +1,10 @@
 // SAVE and USE: round trips, names in use, damaged files, saves that fail.
 #include "interp/base/machine.h"
+#include "interp/base/operand.h"
 #include "interp/base/parser.h"
 #include "interp/diskuse.h"
-#include "unit/interp/filesession.h"
+#include "support/livesession.h"
+#include "values/stringarray.h"
 
 #include <algorithm>
 #include <bit>
@@ -34,7 +36,7 @@ TEST_F(Disk, layoutOfAFile) {
     EXPECT_EQ(run("X = 1.5\nS = \"ab\"\nSAVE X,S IN F"), "creating save file: F.SAV\n");
     EXPECT_EQ(contents("F.SAV"), record(9, "S", textblock("ab")) + record(4, "X", doublebytes(1.5)))
         << "operands are written from the last to the first";
-    EXPECT_FALSE(std::filesystem::exists(folder / "F.SAV.new"));
+    EXPECT_FALSE(std::filesystem::exists(folder.path / "F.SAV.new"));
 }
 
 // Every kind of object, in a new session, to the bit.
@@ -78,10 +80,10 @@ TEST_F(Disk, fileNames) {
     EXPECT_EQ(run("X = 1\nSAVE X"), "creating save file: X.SAV\n") << "the first operand names the file";
     EXPECT_EQ(run("NAME = \"mine.obj\"\nSAVE X IN NAME"), "creating save file: mine.obj\n");
     EXPECT_EQ(run("SAVE X IN \"./sub.sav\""), "creating save file: ./sub.sav\n");
-    std::filesystem::create_directory(folder / "dir");
+    std::filesystem::create_directory(folder.path / "dir");
     run("FILEDIR = \"\"");
     EXPECT_EQ(run("FILEDIR = \"dir\"\nSAVE X IN \"inside\""), "creating save file: dir/inside.SAV\n");
-    EXPECT_TRUE(std::filesystem::exists(folder / "dir/inside.SAV"));
+    EXPECT_TRUE(std::filesystem::exists(folder.path / "dir/inside.SAV"));
     EXPECT_EQ(run("DELETE X\nUSE \"inside\""), "Using: X\n");
 }
 
@@ -103,25 +105,25 @@ TEST_F(Disk, saveRefuses) {
         {"USE NOTHING", "##Error: diskuse: file cannot be opened.\n\n"},
         {"USE \"dir.SAV\"", "##Error: diskuse: file cannot be opened.\n\n"},
     };
-    std::filesystem::create_directory(folder / "dir.SAV");
-    filesession.answer = 1; // overwrite
+    std::filesystem::create_directory(folder.path / "dir.SAV");
+    live.answer = 1; // overwrite
     for (const auto& row : rows) EXPECT_EQ(run(row.statement), row.message) << row.statement;
-    EXPECT_FALSE(std::filesystem::exists(folder / "F.SAV"));
+    EXPECT_FALSE(std::filesystem::exists(folder.path / "F.SAV"));
 }
 
 TEST_F(Disk, saveAsksBeforeItReplaces) {
     run("X = 1\nSAVE X IN F\nX = 2\n");
     const std::string old = contents("F.SAV");
     EXPECT_EQ(run("SAVE X IN F"), "Warning: save not performed\n");
-    EXPECT_EQ(filesession.questions, std::vector<std::string>{"file F.SAV already exists."});
+    EXPECT_EQ(live.questions, std::vector<std::string>{"file F.SAV already exists."});
     EXPECT_EQ(contents("F.SAV"), old);
-    filesession.answer = 1;
+    live.answer = 1;
     run("SAVE X IN F");
     EXPECT_NE(contents("F.SAV"), old);
-    filesession.answer = 0;
-    filesession.questions.clear();
+    live.answer = 0;
+    live.questions.clear();
     EXPECT_EQ(run("X = 3\nSAVEOVER X IN F"), "creating save file: F.SAV\n");
-    EXPECT_TRUE(filesession.questions.empty());
+    EXPECT_TRUE(live.questions.empty());
     run("USEOVER F");
     EXPECT_EQ(numbers("X"), list{3});
 }
@@ -145,17 +147,16 @@ TEST_F(Disk, namesInUse) {
     file("F.SAV",
          record(4, "X", doublebytes(1)) + record(4, "X", doublebytes(2)) + record(4, "X", doublebytes(3)));
     EXPECT_EQ(run("USE F"), "Using: X,XA,XAA\n"); // the answer is to rename
-    EXPECT_EQ(filesession.questions,
-              std::vector<std::string>{"an object with an existing name is being used."})
+    EXPECT_EQ(live.questions, std::vector<std::string>{"an object with an existing name is being used."})
         << "once a file";
     EXPECT_EQ(numbers("XAA"), list{3});
-    filesession.answer = 1;
+    live.answer = 1;
     EXPECT_EQ(run("DELETE X\nX = 1:3\nUSE F"), "Using: X,X,X\n");
     EXPECT_EQ(numbers("X"), list{3});
     EXPECT_EQ(numbers("XA"), list{2});
-    filesession.questions.clear();
+    live.questions.clear();
     EXPECT_EQ(run("USEOVER F"), "Using: X,X,X\n");
-    EXPECT_TRUE(filesession.questions.empty());
+    EXPECT_TRUE(live.questions.empty());
 }
 
 TEST_F(Disk, functionsComeInUnderNewNames) {
@@ -164,7 +165,7 @@ TEST_F(Disk, functionsComeInUnderNewNames) {
     run("A = F(3)\nB = FA(3)");
     EXPECT_EQ(numbers("A"), list{100}) << "the function that was there is untouched";
     EXPECT_EQ(numbers("B"), list{3}) << "the new one calls itself";
-    filesession.answer = 1;
+    live.answer = 1;
     EXPECT_EQ(run("USE F\nA = F(3)"), "Using: F\n");
     EXPECT_EQ(numbers("A"), list{3});
 }
@@ -215,7 +216,7 @@ TEST_F(Disk, tooLongADefinition) {
     EXPECT_EQ(run("SAVE L"), "creating save file: L.SAV\n"
                              "Warning: SAVE: the definition of L is too long, it can not be read back\n");
     EXPECT_NE(contents("L.SAV").find("[TOO BIG!]"), std::string::npos);
-    filesession.answer = 1;
+    live.answer = 1;
     const std::string out = run("USE L");
     EXPECT_NE(out.find("Error"), std::string::npos) << "the statement fails when it is read";
     EXPECT_EQ(typeof("L"), USERFUNCTION) << "and costs nothing";
@@ -334,7 +335,7 @@ TEST_F(Disk, fullDisk) {
     signal(SIGXFSZ, oldhandler);
     EXPECT_EQ(out, "creating save file: F.SAV\n##Error: save file F.SAV cannot be written\n");
     EXPECT_EQ(contents("F.SAV"), old) << "the older file is whole";
-    EXPECT_FALSE(std::filesystem::exists(folder / "F.SAV.new"));
+    EXPECT_FALSE(std::filesystem::exists(folder.path / "F.SAV.new"));
     EXPECT_EQ(run("SAVEOVER M,X IN F"), "creating save file: F.SAV\n");
 }
 
@@ -362,7 +363,7 @@ TEST_F(Disk, linksAndPermissionsAreKept) {
 TEST_F(Disk, quiet) {
     file("Q.SAV", record(4, "X", doublebytes(1)) + record(9, "TARNPATH", textblock("elsewhere")));
     const std::string path = stringval(symtablookup("TARNPATH"));
-    filesession.output.clear();
+    live.output.clear();
     clause.insym = int16_t(symtabenter("Q"));
     EXPECT_TRUE(diskuse(102, "", true));
     EXPECT_EQ(numbers("X"), list{1});
@@ -371,7 +372,7 @@ TEST_F(Disk, quiet) {
     EXPECT_FALSE(diskuse(102, "", true));
     clause.insym = int16_t(symtabenter("NONE"));
     EXPECT_FALSE(diskuse(102, "", true));
-    EXPECT_EQ(filesession.output, "");
+    EXPECT_EQ(live.output, "");
 }
 
 } // namespace

@@ -6,14 +6,11 @@
 #include "interp/base/symtab.h"
 #include "interp/logroll.h"
 #include "interp/session.h"
-#include "unit/interp/harness.h"
+#include "support/folder.h"
+#include "support/harness.h"
 #include "values/harray.h"
 
 #include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 
 namespace fs = std::filesystem;
 
@@ -39,17 +36,13 @@ protected:
         harnessstart();
         keyboard = keyboardstate{};
         console.readline = typedline;
-        char pattern[] = "/tmp/tarntestXXXXXX";
-        folder = mkdtemp(pattern);
-        report.filedir = folder;
+        folder.open();
+        fs::current_path(folder.before); // FILEDIR alone leads there
+        report.filedir = folder.path.string();
     }
-    void TearDown() override { fs::remove_all(folder); }
-    void file(const char* name, const std::string& text) { std::ofstream(folder / name) << text; }
-    std::string contents(const char* name) {
-        std::string text;
-        readwhole((folder / name).c_str(), text);
-        return text;
-    }
+    void TearDown() override { folder.close(); }
+    void file(const char* name, const std::string& text) { folder.write(name, text); }
+    std::string contents(const char* name) { return wholefile(folder.named(name)); }
     // The texts that getline gives until the sources end, a | behind each.
     std::string all() {
         std::string list;
@@ -64,7 +57,7 @@ protected:
         } catch (const sessionend&) {}
         return list;
     }
-    fs::path folder;
+    testfolder folder;
 };
 
 TEST_F(DoFiles, ReadlineTrimsAndLimits) {
@@ -216,9 +209,9 @@ TEST_F(DoFiles, WhatDoTakes) {
 }
 
 TEST_F(DoFiles, WhatDoRefuses) {
-    fs::create_directory(folder / "folder.do");
+    fs::create_directory(folder.path / "folder.do");
     for (const int symbol : {namesymbol("CON"), namesymbol("con"), namesymbol("NONE"), namesymbol("FOLDER"),
-                             stringsymbol((folder / std::string(300, 'x')).c_str(), TEMPSTRING)}) {
+                             stringsymbol((folder.path / std::string(300, 'x')).c_str(), TEMPSTRING)}) {
         harness.output.clear();
         harnessfeed("X");
         EXPECT_THROW(dofile(symbol), recoveryjump);
@@ -284,7 +277,7 @@ TEST_F(DoFiles, PlaceOfAnError) {
 }
 
 TEST_F(DoFiles, LogsRollInOneDirectory) {
-    const std::string dir = folder.string();
+    const std::string dir = folder.path.string();
     for (const int session : {1, 2, 3, 4, 5}) {
         logroll(dir);
         EXPECT_FALSE(fs::exists(logname(dir)));
@@ -294,13 +287,13 @@ TEST_F(DoFiles, LogsRollInOneDirectory) {
     EXPECT_EQ(contents("tarn0.log"), "4");
     EXPECT_EQ(contents("tarn1.log"), "3");
     EXPECT_EQ(contents("tarn2.log"), "2");
-    EXPECT_FALSE(fs::exists(folder / "tarn3.log"));
+    EXPECT_FALSE(fs::exists(folder.path / "tarn3.log"));
 }
 
 TEST_F(DoFiles, LogMovesToTheFileDirectory) {
-    const fs::path before = fs::current_path(), sub = folder / "sub";
+    const fs::path before = fs::current_path(), sub = folder.path / "sub";
     fs::create_directory(sub);
-    fs::current_path(folder);
+    fs::current_path(folder.path);
     file("tarn.log", "new");
     file("sub/tarn.log", "old");
     EXPECT_TRUE(logmove("."));
@@ -318,7 +311,7 @@ TEST_F(DoFiles, FilesAreFoundWhateverTheCaseOfTheName) {
     file("Data.Txt", "");
     file("both.do", "");
     file("Both.do", "");
-    const std::string dir = folder.string() + "/";
+    const std::string dir = folder.path.string() + "/";
     EXPECT_EQ(findfile(dir + "DATA.TXT"), dir + "Data.Txt");
     EXPECT_EQ(findfile(dir + "Data.Txt"), dir + "Data.Txt");
     EXPECT_EQ(findfile(dir + "BOTH.do"), dir + "both.do");

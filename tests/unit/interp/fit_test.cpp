@@ -1,9 +1,9 @@
 // FIT on data sets with certified answers, from both of their starting points.
-#include "unit/interp/livesession.h"
+#include "support/datarows.h"
+#include "support/livesession.h"
 
 #include <cmath>
 #include <regex>
-#include <sstream>
 
 namespace {
 
@@ -29,10 +29,8 @@ std::vector<std::string> cellsof(const std::string& line) {
 }
 
 std::vector<certifiedset> certifiedsets() {
-    std::ifstream in(TESTDATADIR "/nist/index.txt");
     std::vector<certifiedset> sets;
-    for (std::string line; std::getline(in, line);) {
-        if (line.empty() || line[0] == '#') continue;
+    for (const std::string& line : datarows("nist/index.txt")) {
         const std::vector<std::string> cells = cellsof(line);
         certifiedset set{cells[0], cells[1], cells[2], cells[3], cells[4], {}, 0, 0};
         std::istringstream(cells.back()) >> set.sum >> set.leastdigits;
@@ -63,12 +61,8 @@ double digits(double value, double certified) {
     return off == 0 ? 16 : -std::log10(off);
 }
 
-class Fit : public LiveSession {
+class Fit : public StartedSession {
 protected:
-    void SetUp() override {
-        LiveSession::SetUp();
-        start();
-    }
     void expectdigits(const certifiedset& set, const std::string& how) {
         for (size_t k = 0; k < set.parameters.size(); k++) {
             const certifiedparameter& p = set.parameters[k];

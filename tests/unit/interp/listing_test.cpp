@@ -3,38 +3,27 @@
 
 #include "interp/base/listrows.h"
 #include "interp/base/numtext.h"
-#include "interp/base/parser.h"
-#include "interp/base/report.h"
-#include "unit/interp/harness.h"
+#include "support/folder.h"
+#include "support/harness.h"
+#include "support/printed.h"
 #include "values/harray.h"
 #include "values/stringarray.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <random>
 #include <string>
-
-namespace fs = std::filesystem;
 
 namespace {
 
 bool everysecondisaxis(int idx) { return idx % 2 == 0; }
 void shownothing(int) {}
 
-struct listing : testing::Test {
-    std::string out;
+struct listing : printingtest {
     void SetUp() override {
         harnessstart();
-        listingstart();
         nformat = {};
-        report.recoveryset = true;
-        report.capture = &out;
+        catchprinted();
     }
     void TearDown() override {
-        report = reportstate{};
+        printingtest::TearDown();
         clausereset();
     }
     int enter(const char* name, int type, void* ptr) {
@@ -52,11 +41,7 @@ struct listing : testing::Test {
         return enter(name, MATRIX, harraynew(rows, cols));
     }
     std::string type(int idx) {
-        out.clear();
-        try {
-            typeop(idx);
-        } catch (const recoveryjump&) {}
-        return out;
+        return textof([&] { typeop(idx); });
     }
     std::string type(const char* name) { return type(symtablookup(name)); }
 };
@@ -156,19 +141,16 @@ TEST_F(listing, aTypeThatNobodyShowsIsAnError) {
 }
 
 struct listingfiles : listing {
-    fs::path before = fs::current_path();
-    fs::path dir = fs::temp_directory_path() / ("tarnlisting" + std::to_string(std::random_device()()));
+    testfolder folder;
     void SetUp() override {
         listing::SetUp();
-        fs::create_directories(dir / "sub");
-        fs::current_path(dir);
+        folder.open();
+        std::filesystem::create_directory("sub");
     }
     void TearDown() override {
         listing::TearDown();
-        fs::current_path(before);
-        fs::remove_all(dir);
+        folder.close();
     }
-    void write(const char* name, const std::string& text) { std::ofstream(name, std::ios::binary) << text; }
     std::string file(const char* name, int flag, bool quoted) {
         clause.fileflag = int16_t(flag);
         return type(quoted ? symtabtext(0, 0, name) : symtabenter(name));
@@ -176,13 +158,13 @@ struct listingfiles : listing {
 };
 
 TEST_F(listingfiles, linesOfAFile) {
-    write("data.txt", "1 2\r\n\n  end");
+    folder.write("data.txt", "1 2\r\n\n  end");
     EXPECT_EQ(file("DATA.TXT", 1, false), "     file: data.txt\n1 2\n\n  end\n");
     EXPECT_EQ(file("data.txt", 1, true), "     file: data.txt\n1 2\n\n  end\n");
-    write("Mixed.Txt", std::string(80, 'a') + "\n" + std::string(161, 'b') + "\n");
+    folder.write("Mixed.Txt", std::string(80, 'a') + "\n" + std::string(161, 'b') + "\n");
     EXPECT_EQ(file("Mixed.Txt", 1, true), "     file: Mixed.Txt\n" + std::string(80, 'a') + "\n" +
                                               std::string(80, 'b') + "\n" + std::string(80, 'b') + "\nb\n");
-    write("empty", "");
+    folder.write("empty", "");
     EXPECT_EQ(file("EMPTY", 1, false), "     file: empty\n");
     report.filedir = "sub";
     EXPECT_EQ(file("DATA.TXT", 1, false), " file: sub/data.txt not found\n");
@@ -190,7 +172,7 @@ TEST_F(listingfiles, linesOfAFile) {
 }
 
 TEST_F(listingfiles, whatIsNoTextFileIsNotRead) {
-    write("tarn.log", "* X = 1\n");
+    folder.write("tarn.log", "* X = 1\n");
     EXPECT_EQ(file("TARN.LOG", 1, false), " unable to type open file: tarn.log\n");
     EXPECT_EQ(file("sub", 1, true), " file: sub not found\n");
     EXPECT_EQ(file("/dev/zero", 1, true), " file: /dev/zero not found\n");
@@ -201,7 +183,7 @@ TEST_F(listingfiles, whatIsNoTextFileIsNotRead) {
 }
 
 TEST_F(listingfiles, directories) {
-    for (const char* name : {"b.dat", "a.dat", "a.do", ".hidden", "sub/x"}) write(name, "");
+    for (const char* name : {"b.dat", "a.dat", "a.do", ".hidden", "sub/x"}) folder.write(name, "");
     EXPECT_EQ(file("*.dat", 2, true), "     files of the form: *.dat\n     a.dat\n     b.dat\n");
     EXPECT_EQ(file("?.d*", 2, true), "     files of the form: ?.d*\n     a.dat\n     a.do\n     b.dat\n");
     EXPECT_EQ(file("SUB", 2, false), "     files of the form: sub/*\n     x\n");

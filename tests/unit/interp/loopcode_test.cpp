@@ -1,6 +1,6 @@
 // Random loops against the same statements written out one after the other: to the bit, with all that is
 // printed.
-#include "unit/interp/livesession.h"
+#include "support/livesession.h"
 #include "values/harray.h"
 
 #include <cstring>
@@ -90,10 +90,9 @@ std::string values() {
     return all;
 }
 
-class LoopCode : public LiveSession {};
+using LoopCode = StartedSession;
 
 TEST_F(LoopCode, RandomLoopsDoWhatTheirStatementsDo) {
-    start();
     run("FUNCTION F(X) = X*X + K");
     for (uint64_t seed = 1; seed <= 3000; seed++) {
         generator g{seed};

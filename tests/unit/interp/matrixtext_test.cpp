@@ -2,10 +2,7 @@
 #include "interp/matrixtext.h"
 
 #include "interp/base/machine.h"
-#include "interp/base/report.h"
-#include "interp/base/symtab.h"
-
-#include <gtest/gtest.h>
+#include "support/printed.h"
 
 #include <algorithm>
 #include <cmath>
@@ -25,30 +22,20 @@ harrayptr matrix(uint32_t rows, uint32_t cols, std::initializer_list<double> val
     return m;
 }
 
-struct matrixtext : testing::Test {
-    std::string out;
+struct matrixtext : printingtest {
     void SetUp() override {
-        symtabstart();
-        report = reportstate{};
-        report.recoveryset = true;
-        report.capture = &out;
+        printingtest::SetUp();
         mformat = {};
     }
     void TearDown() override {
-        report = reportstate{};
+        printingtest::TearDown();
         mformat = {};
     }
     std::string print(const harrayptr& m, const matrixlook& look) {
-        out.clear();
-        matrixprint("M", m.get(), look);
-        return out;
+        return textof([&] { matrixprint("M", m.get(), look); });
     }
     std::string parse(const char* text) {
-        out.clear();
-        try {
-            parsemformat(text);
-        } catch (const recoveryjump&) {}
-        return out;
+        return textof([&] { parsemformat(text); });
     }
 };
 

@@ -1,5 +1,5 @@
 // The published problems of minimisation in tests/data/minproblems.txt, as a user would type them.
-#include "unit/interp/livesession.h"
+#include "support/livesession.h"
 
 #include <cmath>
 #include <sstream>

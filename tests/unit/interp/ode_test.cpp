@@ -2,20 +2,14 @@
 // message, and sessions that stay whole.
 #include "interp/base/parser.h"
 #include "solvers/odesetup.h"
-#include "unit/interp/livesession.h"
+#include "support/datarows.h"
+#include "support/livesession.h"
 
 #include <cmath>
-#include <sstream>
 
 namespace {
 
-class Ode : public LiveSession {
-protected:
-    void SetUp() override {
-        LiveSession::SetUp();
-        start();
-    }
-};
+using Ode = StartedSession;
 
 struct problemstate {
     std::string name, start;
@@ -30,10 +24,8 @@ struct odeproblem {
 };
 
 std::vector<odeproblem> odeproblems() {
-    std::ifstream in(TESTDATADIR "/odeproblems.txt");
     std::vector<odeproblem> problems;
-    for (std::string line; std::getline(in, line);) {
-        if (line.empty() || line[0] == '#') continue;
+    for (const std::string& line : datarows("odeproblems.txt")) {
         std::istringstream cells(line);
         std::string cell;
         odeproblem p;

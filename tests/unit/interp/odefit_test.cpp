@@ -1,19 +1,13 @@
 // Fits of differential equations: several sets of parameters integrated together against each by itself,
 // whole fits against least squares of SciPy, and what must be integrated apart.
 #include "solvers/fitbind.h"
-#include "unit/interp/livesession.h"
+#include "support/livesession.h"
 
 #include <cmath>
 
 namespace {
 
-class OdeFit : public LiveSession {
-protected:
-    void SetUp() override {
-        LiveSession::SetUp();
-        start();
-    }
-};
+using OdeFit = StartedSession;
 
 struct odefit {
     const char* name;

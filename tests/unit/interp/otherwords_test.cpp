@@ -1,8 +1,8 @@
 // The words of other systems: none is one of ours, what they are answered by is.
 #include "interp/otherwords.h"
 
-#include "harness.h"
 #include "interp/base/symtab.h"
+#include "support/harness.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // Statements on windows, curves and titles, in whole sessions: what each clause does, what each fault leaves.
 #include "plot/plotobj.h"
-#include "unit/interp/livesession.h"
+#include "support/livesession.h"
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,7 @@
 #include "interp/base/symtab.h"
 #include "interp/base/tokens.h"
 #include "interp/tokenfil.h"
-#include "unit/interp/harness.h"
+#include "support/harness.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The session: start, statement loop, recovery, batch, end.
-#include "unit/interp/livesession.h"
+#include "support/livesession.h"
 
 #include "interp/base/fpfault.h"
 #include "interp/base/parser.h"
@@ -9,7 +9,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-class Session : public LiveSession {};
+using Session = LiveSession;
 
 TEST_F(Session, StartsAgainAndAgainInOneProcess) {
     for (int k = 0; k < 3; k++) {
@@ -34,7 +34,7 @@ TEST_F(Session, SystemVariablesStandAtTheStart) {
 
 TEST_F(Session, FailedStartsHaveTheirStatus) {
     sessionoptions o = options();
-    o.programpath = folder.string() + "/";
+    o.programpath = folder.path.string() + "/";
     EXPECT_EQ(sessionstart(o), 1);
     EXPECT_TRUE(live.output.starts_with("Cannot open file: ")) << live.output;
     file("TOKEN.FIL", "");

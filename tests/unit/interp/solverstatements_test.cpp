@@ -1,17 +1,13 @@
 // CONSTRAINTS, FIT, MINIMIZE, NMSIMPLEX and LINPROG as statements: forms, refusals, what they leave behind.
 #include "interp/base/parser.h"
-#include "unit/interp/livesession.h"
+#include "support/livesession.h"
 
 #include <cmath>
 
 namespace {
 
-class SolverStatements : public LiveSession {
+class SolverStatements : public StartedSession {
 protected:
-    void SetUp() override {
-        LiveSession::SetUp();
-        start();
-    }
     struct row {
         const char *what, *statements, *output;
     };

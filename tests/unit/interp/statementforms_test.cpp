@@ -9,7 +9,7 @@
 #include "interp/scanner.h"
 #include "interp/session.h"
 #include "interp/tokenfil.h"
-#include "unit/interp/harness.h"
+#include "support/harness.h"
 
 #include <gtest/gtest.h>
 

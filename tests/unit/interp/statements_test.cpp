@@ -10,7 +10,7 @@
 #include "interp/scanner.h"
 #include "interp/session.h"
 #include "interp/tokenfil.h"
-#include "unit/interp/harness.h"
+#include "support/harness.h"
 #include "values/harray.h"
 #include "values/stringarray.h"
 

@@ -5,14 +5,11 @@
 #pragma once
 
 #include "special/fault.h"
+#include "support/datarows.h"
 
 #include <cmath>
-#include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
-#include <sstream>
-#include <string>
-#include <vector>
 
 // A function under its name in the file, called with the row's arguments.
 struct reffunction {
@@ -52,13 +49,11 @@ inline void checkrefrow(const reffunction& f, const std::vector<double>& cells, 
 
 // Runs every row of tests/data/special/FILE against the functions given; each function must have twenty rows.
 inline void runreftable(const char* file, const std::vector<reffunction>& functions) {
-    std::ifstream in(std::string(TESTDATADIR "/special/") + file);
-    ASSERT_TRUE(in) << "no file " << file;
     std::vector<int> rows(functions.size());
-    for (std::string line; std::getline(in, line);) {
-        std::istringstream words(line.substr(0, line.find('#')));
+    for (const std::string& line : datarows(std::string("special/") + file)) {
+        std::istringstream words(line);
         std::string name, word;
-        if (!(words >> name)) continue;
+        words >> name;
         std::vector<double> cells; // strtod, for it also reads subnormal numbers
         while (words >> word) cells.push_back(std::strtod(word.c_str(), nullptr));
         size_t k = 0;

@@ -1,36 +1,17 @@
 // Matrices: layout, wrapping subscripts, growth, integer powers, the allocator's refusals.
 #include "values/harray.h"
 
-#include "interp/base/fpfault.h"
 #include "interp/base/operand.h"
-#include "interp/base/parser.h"
-#include "interp/base/report.h"
-#include "interp/base/symtab.h"
-
-#include <gtest/gtest.h>
+#include "support/printed.h"
 
 #include <cmath>
-#include <functional>
 
 namespace {
 
-struct harraytest : testing::Test {
-    std::string out;
+struct harraytest : printingtest {
     void SetUp() override {
-        symtabstart();
+        printingtest::SetUp();
         valuesstart();
-        parserreset();
-        report = reportstate{};
-        report.recoveryset = true;
-        report.capture = &out;
-    }
-    void TearDown() override { report = reportstate{}; }
-    std::string errorof(const std::function<void()>& f) {
-        out.clear();
-        try {
-            f();
-        } catch (const recoveryjump&) { return out; }
-        return "";
     }
 };
 

@@ -2,11 +2,7 @@
 #include "values/saveblock.h"
 
 #include "interp/base/machine.h"
-
-#include "interp/base/report.h"
-#include "interp/base/symtab.h"
-
-#include <gtest/gtest.h>
+#include "support/printed.h"
 
 #include <bit>
 #include <cstring>
@@ -14,12 +10,10 @@
 
 namespace {
 
-struct saveblocktest : testing::Test {
+struct saveblocktest : printingtest {
     void SetUp() override {
-        symtabstart();
+        printingtest::SetUp();
         valuesstart();
-        report = reportstate{};
-        report.recoveryset = true;
     }
 };
 

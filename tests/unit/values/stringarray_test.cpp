@@ -2,36 +2,17 @@
 #include "values/stringarray.h"
 
 #include "interp/base/operand.h"
-#include "interp/base/report.h"
-#include "interp/base/symtab.h"
+#include "support/printed.h"
 #include "values/harray.h"
 
-#include <gtest/gtest.h>
-
 #include <cstring>
-#include <functional>
 
 namespace {
 
-struct stringarraytest : testing::Test {
-    std::string out;
+struct stringarraytest : printingtest {
     void SetUp() override {
-        symtabstart();
+        printingtest::SetUp();
         valuesstart();
-        report = reportstate{};
-        report.recoveryset = true;
-        report.capture = &out;
-    }
-    void TearDown() override {
-        symtabsweep();
-        report = reportstate{};
-    }
-    std::string errorof(const std::function<void()>& f) {
-        out.clear();
-        try {
-            f();
-        } catch (const recoveryjump&) { return out; }
-        return "";
     }
 };
 

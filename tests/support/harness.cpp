@@ -1,4 +1,4 @@
-#include "unit/interp/harness.h"
+#include "support/harness.h"
 
 #include "funcs/builtin.h"
 #include "funcs/define.h"

@@ -1,6 +1,6 @@
-/* tests/unit/interp/harness.h - statements from lines of text, without a session around them.
+/* tests/support/harness.h - statements from lines of text, without a session around them.
  * Owns:    what was printed, the symbol table with the vocabulary.
- * Callers: the tests of the scanner, the parser and the statements.
+ * Callers: the tests of the scanner, the parser and the statements, and of definitions in funcs/.
  * Never:   shares anything between two tests. */
 #pragma once
 
