@@ -118,29 +118,33 @@ bool interrupted(polytope& s, long round) {
     return true;
 }
 
-bool settled(const polytope& s) {
+// Are the vertices farther apart than 1e-4 of the largest coordinate, or of `least` where that is more?
+bool wide(polytope& s, double least) {
+    double width = 0, scale = least;
+    for (int i = 0; i <= s.n; i++)
+        for (int j = 0; j < s.n; j++) {
+            scale = std::max(scale, std::fabs(s.vertex(i)[j]));
+            width = std::max(width, std::fabs(s.vertex(i)[j] - s.vertex(s.ilo)[j]));
+        }
+    return width > 1e-4 * scale;
+}
+
+bool settled(polytope& s) {
     if (s.count >= s.sw.maxiter) {
         tarnwarn("MAXITER exceeded in SIMPLEX");
         return true;
     }
     const double lo = s.values[s.ilo], hi = s.values[s.ihi];
     if (hi == lo) return true;
-    const double measure =
-        std::fabs(lo) > s.sw.tolerance ? 2 * std::fabs(hi - lo) / (std::fabs(hi) + std::fabs(lo)) : 0;
-    return measure < s.sw.tolerance;
+    // a best value of zero is the end of a sum of squares, but many functions vanish on their way down too
+    if (std::fabs(lo) <= s.sw.tolerance) return !wide(s, 1);
+    return 2 * std::fabs(hi - lo) / (std::fabs(hi) + std::fabs(lo)) < s.sw.tolerance;
 }
 
 /* Equal values can also lie around a minimum: vertices far apart are settled only if their centre is not
  * lower. If it is, it takes the place of the worst vertex. A centre that tells nothing new is not counted. */
 bool lowercentre(polytope& s) {
-    constexpr double near = 1e-4; // of the largest coordinate
-    double width = 0, scale = 0;
-    for (int i = 0; i <= s.n; i++)
-        for (int j = 0; j < s.n; j++) {
-            scale = std::max(scale, std::fabs(s.vertex(i)[j]));
-            width = std::max(width, std::fabs(s.vertex(i)[j] - s.vertex(s.ilo)[j]));
-        }
-    if (s.count >= s.sw.maxiter || !(width > near * scale)) return false;
+    if (s.count >= s.sw.maxiter || !wide(s, 0)) return false;
     for (int j = 0; j < s.n; j++) s.trialpoint[j] = s.sums[j] / (s.n + 1);
     const double lo = s.values[s.ilo], value = s.f(s.context, s.trialpoint.data());
     if (!(value < lo - s.sw.tolerance * std::fabs(lo))) return false;
@@ -148,6 +152,28 @@ bool lowercentre(polytope& s) {
     s.values[s.ihi] = value;
     std::copy(s.trialpoint.begin(), s.trialpoint.end(), s.vertex(s.ihi));
     sumvertices(s);
+    return true;
+}
+
+// Do the edges from the first vertex span the space? By elimination with the largest entry left as pivot.
+bool spans(polytope& s) {
+    std::vector<double> edges(s.points.begin() + s.n, s.points.end());
+    for (int i = 0; i < s.n * s.n; i++) edges[size_t(i)] -= s.vertex(0)[i % s.n];
+    double first = 0;
+    for (int k = 0; k < s.n; k++) {
+        const auto entry = [&](int i, int j) -> double& { return edges[size_t(i) * s.n + j]; };
+        int row = k, column = k;
+        for (int i = k; i < s.n; i++)
+            for (int j = k; j < s.n; j++)
+                if (std::fabs(entry(i, j)) > std::fabs(entry(row, column))) row = i, column = j;
+        const double pivot = entry(row, column);
+        if (k == 0) first = std::fabs(pivot);
+        if (!(std::fabs(pivot) > 1e-12 * first)) return false;
+        for (int j = 0; j < s.n; j++) std::swap(entry(k, j), entry(row, j));
+        for (int i = 0; i < s.n; i++) std::swap(entry(i, k), entry(i, column));
+        for (int i = k + 1; i < s.n; i++)
+            for (int j = s.n - 1; j >= k; j--) entry(i, j) -= entry(i, k) / pivot * entry(k, j);
+    }
     return true;
 }
 
@@ -170,6 +196,7 @@ long nmsimplex(double (*f)(void* context, const double* x), void* context, int n
     }
     s.count = n + 1;
     sumvertices(s);
+    if (!spans(s)) tarnwarn("NMSIMPLEX: the vertices do not span the space, the search stays where they lie");
     for (long round = 1;; round++) {
         rank(s);
         if (interrupted(s, round)) break;
@@ -180,5 +207,6 @@ long nmsimplex(double (*f)(void* context, const double* x), void* context, int n
     }
     bestfirst(s);
     best = s.values[0];
+    if (best >= 1e300) tarnwarn("NMSIMPLEX: the function has no value at the vertices; try others");
     return s.count;
 }
