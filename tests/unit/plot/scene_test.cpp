@@ -203,7 +203,6 @@ TEST_P(pointtypes, HasItsShape) {
 }
 const double S3 = std::sqrt(3.0) / 2, C18 = std::cos(M_PI / 10), C36 = std::cos(M_PI / 5),
              C22 = std::cos(M_PI / 8);
-const double HEAD = 0.25 * S3; // half the side of an arrow's head is 1/8
 INSTANTIATE_TEST_SUITE_P(
     types, pointtypes,
     testing::Values(pointcase{1, 0, 0, -1, 1, 1}, pointcase{2, -1, 1, -1, 1, 2},
