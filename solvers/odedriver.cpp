@@ -60,16 +60,15 @@ void numericjacobian(odejob& job) {
 }
 
 void jacobian(odejob& job) {
-    silence(job);
     odestepper& s = job.run.s;
     job.run.njac++;
-    s.jac.resize(size_t(s.n) * size_t(s.n));
+    s.jac.resize(size_t(s.n) * size_t(s.n / s.lanes));
     if (job.sw.report == 1 || job.sw.report == 2)
         tarnprint("t:%lg jacobian evaluation:%ld\n", s.tcur, job.run.njac);
     if (job.sw.jacsw == 1 && job.model.jacobian)
-        job.model.jacobian(job.model.context, s.tcur, s.y, s.dy, s.jac.data());
-    else
-        numericjacobian(job);
+        return job.model.jacobian(job.model.context, s.tcur, s.y, s.dy, s.jac.data());
+    silence(job);
+    numericjacobian(job);
 }
 
 void finish(odejob& job) {
@@ -291,6 +290,8 @@ void begin(odejob& job, const double* times, long ntimes, harray* out) {
     const odemodel& model = job.model;
     odestepsize(run.s, model.n);
     odestepper& s = run.s;
+    s.lanes = model.lanes;
+    s.used = model.used;
     run.times = times;
     run.ntimes = ntimes;
     run.out = out;

@@ -11,17 +11,18 @@
 struct odegivenup {};
 
 struct odemodel {
-    int n = 0;      // equations
+    int n = 0;      // components
     int nextra = 0; // output functions
     double t0 = 0;  // start point
     void* context = nullptr;
     void (*start)(void* context, double* y) = nullptr;
     void (*deriv)(void* context, double t, const double* y, double* dy) = nullptr;
-    // Row by row; null: forward differences.
+    // Row by row, lane by lane; null: forward differences, which a silent model does not take.
     void (*jacobian)(void* context, double t, const double* y, const double* dy, double* jac) = nullptr;
     void (*extras)(void* context, double t, const double* y, const double* dy, double* values) = nullptr;
-    // Neither messages nor the stiff mode; callbacks may throw odegivenup too.
-    bool silent = false;
+    // Systems side by side, n being the equations of all; see odestepper.
+    int lanes = 1, used = 1;
+    bool silent = false; // callbacks may throw odegivenup too
 };
 
 // The switches of the user, read once a solve.

@@ -6,7 +6,8 @@
 #include <algorithm>
 
 /* Component k * FLATLANES + l of the stepper is state k in lane l. So the lanes of a state lie side by side,
- * and the stepper, whose tests ask for the worst component, holds every lane to its own tolerance. */
+ * and the stepper, whose tests ask for the worst component, holds every lane to its own tolerance. Common
+ * steps leave both sides of a difference nearly the same error. */
 
 namespace {
 
@@ -24,13 +25,15 @@ void run(ensemblejob& job, flatprogram& program) {
     if (!flatlanesrun(program, job.e.used)) throw odegivenup{};
 }
 
-// Makes a program of `before` other inputs ready; lanes that are not in use repeat the first set.
-void hold(const ensemblejob& job, flatprogram& program, int before) {
-    if (!flatholdlanes(program)) throw odegivenup{};
+// Makes a program of `before` other inputs ready, if it can be; lanes that are not in use repeat the first
+// set.
+bool hold(const ensemblejob& job, flatprogram* program, int before) {
+    if (!program || !flatholdlanes(*program)) return false;
     const size_t n = job.e.parms.size();
-    double* lane = flatlanesin(program) + before * FLATLANES;
+    double* lane = flatlanesin(*program) + before * FLATLANES;
     for (size_t j = 0; j < n; j++)
         for (int l = 0; l < FLATLANES; l++) *lane++ = job.sets[size_t(l < job.e.used ? l : 0) * n + j];
+    return true;
 }
 
 void copylanes(const double* from, double* to) {
@@ -58,6 +61,19 @@ void derivatives(void* context, double t, const double* y, double* dy) {
     for (int k = 0; k < job.states(); k++) copylanes(job.derivative[size_t(k)], dy + k * FLATLANES);
 }
 
+void jacobians(void* context, double t, const double* y, const double*, double* jac) {
+    ensemblejob& job = *static_cast<ensemblejob*>(context);
+    const odesolve& solve = job.solve;
+    setstates(job, *job.e.jacobian, t, y);
+    run(job, *job.e.jacobian);
+    const size_t entries = solve.jacobian.size();
+    for (size_t l = 0; l < size_t(job.e.used); l++, jac += entries) {
+        odejacobianconstants(solve, jac);
+        for (size_t k = 0; k < solve.jacplace.size(); k++)
+            jac[solve.jacplace[k]] = flatlanesout(*job.e.jacobian, k)[l];
+    }
+}
+
 void outputfunctions(void* context, double t, const double* y, const double*, double* values) {
     ensemblejob& job = *static_cast<ensemblejob*>(context);
     setstates(job, *job.e.extras, t, y);
@@ -83,6 +99,8 @@ void compile(ensemblejob& job) {
     for (size_t k = 0; k < s.states.size(); k++)
         if (job.solve.rhsplace[k] >= 0) functions.push_back(s.derivs[k]);
     job.e.righthand = program(functions, s.states, job.e.parms);
+    if (job.solve.jacobianprogram)
+        job.e.jacobian = program(odejacobianfunctions(job.solve), s.states, job.e.parms);
     job.e.start = program(s.states, {}, job.e.parms);
     if (!s.outputs.empty()) job.e.extras = program(s.outputs, s.states, job.e.parms);
 }
@@ -95,11 +113,6 @@ void placederivatives(ensemblejob& job) {
         job.derivative.push_back(place < 0 ? flatlanesin(program) + (1 + job.solve.nextstate[k]) * FLATLANES
                                            : flatlanesout(program, size_t(place)));
     }
-}
-
-bool suits(const odesolve& solve) {
-    const odeswitches& sw = solve.switches;
-    return sw.report == 0 && (sw.method == ODEAUTO || sw.method == ODEADAMS);
 }
 
 // The states' symbols take the end of the last lane, as if each set had been integrated by itself.
@@ -119,9 +132,10 @@ void integrate(ensemblejob& job, const double* times, long ntimes) {
     const oderunscope scope(job.solve);
     const size_t n = size_t(job.states()), outputs = job.solve.system.outputs.size();
     if (!e.righthand) compile(job);
-    hold(job, *e.start, 1);
-    hold(job, *e.righthand, job.states() + 1);
-    if (e.extras) hold(job, *e.extras, job.states() + 1);
+    const int before = job.states() + 1;
+    if (!hold(job, e.start.get(), 1) || !hold(job, e.righthand.get(), before) ||
+        (e.extras && !hold(job, e.extras.get(), before)))
+        throw odegivenup{};
     placederivatives(job);
     const size_t columns = 1 + (2 * n + outputs) * FLATLANES;
     if (!e.out || e.out->rows != ntimes || e.out->cols != columns)
@@ -133,7 +147,10 @@ void integrate(ensemblejob& job, const double* times, long ntimes) {
     model.context = &job;
     model.start = startvalues;
     model.deriv = derivatives;
+    model.jacobian = hold(job, e.jacobian.get(), before) ? jacobians : nullptr;
     model.extras = outputfunctions;
+    model.lanes = FLATLANES;
+    model.used = e.used;
     model.silent = true;
     odeintegrate(model, job.solve.switches, times, ntimes, e.out.get(), e.run);
     if (!e.run.complete) throw odegivenup{};
@@ -144,7 +161,8 @@ void integrate(ensemblejob& job, const double* times, long ntimes) {
 
 bool odeensemblerun(odeensemble& e, odesolve& solve, const double* sets, int count, const double* times,
                     long ntimes) {
-    if (e.givenup >= MOSTGIVENUP || !suits(solve) || count < 1 || count > FLATLANES) return false;
+    if (e.givenup >= MOSTGIVENUP || solve.switches.report != 0 || count < 1 || count > FLATLANES)
+        return false;
     e.used = count;
     ensemblejob job{e, solve, sets, {}};
     try {

@@ -9,10 +9,10 @@
 #include <vector>
 
 struct odeensemble {
-    std::vector<int> parms;           // symbols of the parameters: scalars
-    flatptr start, righthand, extras; // of the time, the states and the parameters
-    int givenup = 0;                  // runs in a row
-    int used = 0;                     // lanes of the last run
+    std::vector<int> parms;                     // symbols of the parameters: scalars
+    flatptr start, righthand, jacobian, extras; // of the time, the states and the parameters
+    int givenup = 0;                            // runs in a row
+    int used = 0;                               // lanes of the last run
     harrayptr out;
     oderun run;
 };

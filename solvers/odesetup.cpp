@@ -48,6 +48,18 @@ void odesetsymbols(odesolve& solve, double t, const double* y, const double* dy)
     for (size_t k = 0; k < s.states.size(); k++) sym(s.states[k]).val.rval = y[k];
 }
 
+void odejacobianconstants(const odesolve& solve, double* jac) {
+    for (size_t k = 0; k < solve.jacobian.size(); k++)
+        if (solve.jacobian[k] <= 0) jac[k] = solve.jacobian[k] == ENTRYONE;
+}
+
+std::vector<int> odejacobianfunctions(const odesolve& solve) {
+    std::vector<int> functions;
+    for (int entry : solve.jacobian)
+        if (entry > 0) functions.push_back(entry);
+    return functions;
+}
+
 namespace {
 
 bool isfunction(int idx) { return sym(idx).type == USERFUNCTION; }
@@ -114,8 +126,7 @@ void odejacobian(void* context, double t, const double* y, const double* dy, dou
     odesolve& solve = *static_cast<odesolve*>(context);
     odesetsymbols(solve, t, y, dy);
     flatrun(*solve.jacobianprogram, inputs(solve, t, y), solve.work.data());
-    for (size_t k = 0; k < solve.jacobian.size(); k++)
-        if (solve.jacobian[k] <= 0) jac[k] = solve.jacobian[k] == ENTRYONE;
+    odejacobianconstants(solve, jac);
     for (size_t k = 0; k < solve.jacplace.size(); k++) jac[solve.jacplace[k]] = solve.work[k];
 }
 
@@ -222,14 +233,10 @@ void compilerighthand(odesolve& solve) {
 }
 
 void compilejacobian(odesolve& solve) {
-    std::vector<int> functions;
     solve.jacplace.clear();
-    for (size_t k = 0; k < solve.jacobian.size(); k++) {
-        if (solve.jacobian[k] <= 0) continue;
-        solve.jacplace.push_back(int(k));
-        functions.push_back(solve.jacobian[k]);
-    }
-    solve.jacobianprogram = program(solve.system, functions);
+    for (size_t k = 0; k < solve.jacobian.size(); k++)
+        if (solve.jacobian[k] > 0) solve.jacplace.push_back(int(k));
+    solve.jacobianprogram = program(solve.system, odejacobianfunctions(solve));
 }
 
 void compileextras(odesolve& solve) {

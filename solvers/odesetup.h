@@ -76,6 +76,10 @@ struct oderunscope {
     ~oderunscope();
     oderunscope(const oderunscope&) = delete;
 };
+// The entries of the symbolic Jacobian that are numbers; the functions of the others, as jacplace places
+// them.
+void odejacobianconstants(const odesolve& solve, double* jac);
+std::vector<int> odejacobianfunctions(const odesolve& solve);
 // The solution is at t, y, dy: the symbols of the system take these values.
 void odesetsymbols(odesolve& solve, double t, const double* y, const double* dy);
 

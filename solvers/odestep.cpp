@@ -127,38 +127,54 @@ void predict(odestepper& s) {
     ask(s, ODEDERIV, PREDICTDERIV);
 }
 
+int equations(const odestepper& s) { return s.n / s.lanes; }
+
 double rowsumnorm(const odestepper& s) {
+    const size_t n = size_t(equations(s));
     double norm = 0;
-    for (int i = 0; i < s.n; i++) {
+    for (size_t row = 0; row < n * size_t(s.used); row++) {
         double sum = 0;
-        for (int j = 0; j < s.n; j++) sum += std::fabs(s.jac[size_t(i) * s.n + j]);
+        for (size_t j = 0; j < n; j++) sum += std::fabs(s.jac[row * n + j]);
         norm = std::max(norm, sum);
     }
     return norm;
 }
 
+// Of J - 1/beta, kept for later steps, until the next Jacobian; false when it is singular.
+bool factor(odestepper& s) {
+    const size_t n = size_t(equations(s));
+    s.lu = s.jac;
+    for (size_t l = 0; l < size_t(s.used); l++) {
+        double* lu = &s.lu[l * n * n];
+        for (size_t i = 0; i < n; i++) lu[i * n + i] -= 1 / s.cnew;
+        ludecomp(lu, int(n), &s.pivots[l * n]);
+        if (s.pivots[l * n + n - 1] == 0) return false;
+    }
+    return s.factored = true;
+}
+
 // One Newton pass; false when the matrix is singular.
 bool newtonpass(odestepper& s) {
-    const int n = s.n;
+    const int n = equations(s);
     const double beta = s.cnew;
-    for (int i = 0; i < n; i++) s.newton[i] = (s.y[i] - s.ybase[i]) / beta - s.dnew[i];
     if (s.newjac) {
         s.factored = false;
         s.jnorm = rowsumnorm(s);
     }
-    if (std::fabs(beta) * s.jnorm < 0.02) {
-        neumann(s.jac.data(), n, beta, s.newton.data());
-    } else {
-        if (!s.factored) {
-            s.lu = s.jac;
-            for (int i = 0; i < n; i++) s.lu[size_t(i) * n + i] -= 1 / beta;
-            ludecomp(s.lu.data(), n, s.pivots.data());
-            if (s.pivots[n - 1] == 0) return false;
-            s.factored = true; // kept for later steps, until the next Jacobian
-        }
-        lusolve(s.lu.data(), n, s.pivots.data(), s.newton.data());
+    const bool series = std::fabs(beta) * s.jnorm < 0.02;
+    if (!series && !s.factored && !factor(s)) return false;
+    for (int l = 0; l < s.used; l++) {
+        const size_t block = size_t(l) * size_t(n) * size_t(n);
+        double* v = s.newton.data();
+        for (int k = 0, i = l; k < n; k++, i += s.lanes) v[k] = (s.y[i] - s.ybase[i]) / beta - s.dnew[i];
+        if (series)
+            neumann(&s.jac[block], n, beta, v);
+        else
+            lusolve(&s.lu[block], n, &s.pivots[size_t(l) * size_t(n)], v);
+        for (int k = 0, i = l; k < n; k++, i += s.lanes) s.y[i] += v[k];
     }
-    for (int i = 0; i < n; i++) s.y[i] += s.newton[i];
+    for (int i = 0; i < s.n; i += s.lanes)
+        for (int l = s.used; l < s.lanes; l++) s.y[i + l] = s.y[i];
     return true;
 }
 
@@ -198,10 +214,12 @@ void accumulationtest(odestepper& s) {
     }
 }
 
-// What rounding alone leaves of equation i of the stiff corrector.
+// What rounding alone leaves of component i of the stiff corrector.
 double roundinglevel(const odestepper& s, int i) {
+    const int n = equations(s), l = i % s.lanes < s.used ? i % s.lanes : 0;
+    const double* row = &s.jac[(size_t(l) * size_t(n) + size_t(i / s.lanes)) * size_t(n)];
     double size = 0;
-    for (int j = 0; j < s.n; j++) size += std::fabs(s.jac[size_t(i) * s.n + j] * s.y[j]);
+    for (int j = 0; j < n; j++) size += std::fabs(row[j] * s.y[j * s.lanes + l]);
     return 4 * DBL_EPSILON * (std::fabs(s.y[i]) + std::fabs(s.cnew) * size);
 }
 

@@ -29,11 +29,13 @@ enum odemethod { ODEAUTO = 0, ODEADAMS = 1, ODESHRAGER = 2, ODETU = 3 };
 struct odestepper {
     // exchanged with the driver
     int request = ODESTART;
-    int n = 0;                 // equations
-    double tcur = 0;           // time of y
+    int n = 0; // components: the equations of all lanes
+    int lanes = 1,
+        used = 1;    // component k * lanes + l is equation k of system l; from `used` on the first again
+    double tcur = 0; // time of y
     double tout = 0, tend = 0; // next output time; time not to be passed
     double *y = nullptr, *dy = nullptr;
-    std::vector<double> jac; // n by n when it is wanted first
+    std::vector<double> jac; // by lanes in use; there when it is wanted first
     double errfac = 0;       // relative tolerance; the driver may raise and lower it
     double absfloor = 0;     // smallest magnitude counted in a tolerance
     int method = ODEAUTO;
@@ -63,7 +65,7 @@ struct odestepper {
 
     // the step being tried
     double *ypred = nullptr, *ybase = nullptr, *tol = nullptr, *allowed = nullptr, *error = nullptr;
-    std::vector<double> newton, lu;
+    std::vector<double> newton, lu; // of one lane; by lanes as jac
     std::vector<int> pivots;
     double pred[4] = {}, corr[4] = {}; // coefficients of the predictor and of the known part
     double cnew = 0;                   // coefficient of the new derivative in the corrector

@@ -7,13 +7,16 @@
 
 namespace {
 
-using OdeFit = StartedSession;
+struct OdeFit : StartedSession {
+    std::vector<double> differencesat(const struct odefit& row, const char* errfac);
+};
 
 struct odefit {
     const char* name;
     const char* model; // statements; the data of all pairs stand in D
     std::vector<const char*> functions, parameters;
     bool together; // whether one integration serves all points
+    const char* switches = "";
 };
 
 void bindfit(fitbinding& b, const odefit& model) {
@@ -70,7 +73,10 @@ const odefit models[] = {
      {"M"},
      {"R", "K"},
      false},
-    {"stiff", robertson, {"A"}, {"K1", "K2", "K3"}, false},
+    {"stiff", robertson, {"A", "B"}, {"K1", "K2", "K3"}, true},
+    {"stiff from the start", robertson, {"A", ".B.T"}, {"K1", "K2", "K3"}, true, "METHOD = 2"},
+    {"another stiff formula", robertson, {"A", "C"}, {"K1", "K3"}, true, "METHOD = 3"},
+    {"stiff with differences", robertson, {"A"}, {"K1", "K3"}, false, "JACSW = 0"},
     {"one side overflows", "FUNCTION M'T(T) = K*M^2; INITIAL M(0) = 1; K = 0.1995\n", {"M"}, {"K"}, false},
     {"a matrix of parameters",
      "FUNCTION M'T(T) = -P(1)*M; INITIAL M(0) = P(2); P = 0.5&2\n",
@@ -88,7 +94,8 @@ const odefit models[] = {
 // What one integration gives for all points is what each has by itself, to the tolerance of both.
 TEST_F(OdeFit, SidesTogetherAgreeWithSidesApart) {
     for (const odefit& row : models) {
-        run("DELETEALL\nERRFAC = 1E-9; D = (0:5!11) &' (0:5!11)\n" + std::string(row.model));
+        run(std::string("DELETEALL\nMETHOD = 0; JACSW = 1; ERRFAC = 1E-9; D = (0:5!11) &' (0:5!11)\n") +
+            row.model + row.switches);
         fitbinding b;
         bindfit(b, row);
         const fitmodel model = fitmodelof(b);
@@ -107,11 +114,45 @@ TEST_F(OdeFit, SidesTogetherAgreeWithSidesApart) {
     }
 }
 
+// Central differences by each parameter, column by column, with a tolerance.
+std::vector<double> OdeFit::differencesat(const odefit& row, const char* errfac) {
+    run(std::string("DELETEALL\nMETHOD = 0; JACSW = 1; D = (0:5!11) &' (0:5!11); ERRFAC = ") + errfac + "\n" +
+        row.model + row.switches);
+    fitbinding b;
+    bindfit(b, row);
+    const fitmodel model = fitmodelof(b);
+    const std::vector<double> p = fitparameters(b), points = sidesof(p);
+    std::vector<double> sides(2 * p.size() * b.m), columns;
+    EXPECT_TRUE(model.several(model.context, points.data(), int(2 * p.size()), sides.data())) << row.name;
+    for (size_t j = 0; j < p.size(); j++)
+        for (size_t i = 0; i < b.m; i++)
+            columns.push_back((sides[2 * j * b.m + i] - sides[(2 * j + 1) * b.m + i]) / (0.02 * p[j]));
+    return columns;
+}
+
+// Both sides have the same steps: their errors are nearly the same and leave the difference. Solutions that
+// may be off by 50 ERRFAC would otherwise make differences over two hundredths off by a quarter.
+TEST_F(OdeFit, DifferencesAreBetterThanTheTolerance) {
+    for (const odefit& row : models) {
+        if (!row.together) continue;
+        const std::vector<double> coarse = differencesat(row, "1E-4"), fine = differencesat(row, "1E-10");
+        const size_t m = fine.size() / row.parameters.size();
+        for (size_t j = 0; j < row.parameters.size(); j++) {
+            double largest = 0, off = 0;
+            for (size_t i = j * m; i < (j + 1) * m; i++) {
+                largest = std::max(largest, std::fabs(fine[i]));
+                off = std::max(off, std::fabs(coarse[i] - fine[i]));
+            }
+            EXPECT_LE(off, 5e-3 * largest) << row.name << " " << row.parameters[j];
+        }
+    }
+}
+
 // After a refusal a fit goes on with integrations of one set each: the same answer as when that never was
 // tried, and the same words.
 TEST_F(OdeFit, RefusedModelsAreFittedAllTheSame) {
     run(std::string(robertson) +
-        "S = POINTS(A,(1&10&100&1000)); ERRFAC = 1E-8; K1 = 0.05; K3 = 8E3; LSQRPT = 0\n");
+        "JACSW = 0; S = POINTS(A,(1&10&100&1000)); ERRFAC = 1E-8; K1 = 0.05; K3 = 8E3; LSQRPT = 0\n");
     EXPECT_EQ(run("FIT (K1,K3), A TO S"), "");
     EXPECT_NEAR(scalar("K1"), 0.04, 1e-6);
     EXPECT_NEAR(scalar("K3"), 1e4, 1);
