@@ -1,7 +1,9 @@
 #include "funcs/define.h"
 
 #include "funcs/calls.h"
+#include "funcs/funcprint.h"
 #include "funcs/trinode.h"
+#include "interp/base/hooks.h"
 #include "interp/base/parser.h"
 #include "interp/base/report.h"
 #include "interp/base/symtab.h"
@@ -199,6 +201,7 @@ void definestart() {
     static const processrow rows[] = {{2, opendefinition}};
     processadd(rows, 1);
     definition = definestate{};
+    upper.nametext = derivtext;
 }
 
 void definitionbegin(int mode) {

@@ -8,13 +8,21 @@
 double scalaroperand(int entry) {
     if (entry < 0) return parser.scalar[-entry];
     const symbol& s = sym(entry);
-    if (!isscalartype(s.type)) tarnerror("%s is not a scalar type as expected", s.name);
-    if (s.val.rval == UNDEFINEDMARK) tarnerror("scalar %s has not yet been defined", s.name);
+    if (!isscalartype(s.type))
+        tarnerror(furtherline{describe(entry)}, "%s is not a scalar type as expected",
+                  nametext(entry).c_str());
+    if (s.val.rval == UNDEFINEDMARK)
+        tarnerror(
+            s.type == USERFUNCTION
+                ? further("%s is a function: without arguments it means its last value, and it has none yet",
+                          nametext(entry).c_str())
+                : furtherline{},
+            "scalar %s has not yet been defined", nametext(entry).c_str());
     return s.val.rval;
 }
 
 void tellundefined(int entry) {
-    if (entry > 0 && sym(entry).type == UNKNOWN) tarnwarn("%s has no value", sym(entry).name);
+    if (entry > 0 && sym(entry).type == UNKNOWN) tarnwarn("%s", describe(entry).c_str());
 }
 
 matrixoperand::matrixoperand(int entry) {
@@ -25,7 +33,8 @@ matrixoperand::matrixoperand(int entry) {
         m = static_cast<harray*>(sym(entry).val.ptr);
         return;
     }
-    if (entry > 0 && !isscalar(entry)) tarnerror("expected scalar or matrix type");
+    if (entry > 0 && !isscalar(entry))
+        tarnerror(furtherline{describe(entry)}, "expected scalar or matrix type");
     one[1] = scalaroperand(entry);
     m = reinterpret_cast<harray*>(one);
     m->rows = m->cols = 1;

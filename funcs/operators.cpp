@@ -18,13 +18,15 @@ operatorhooks operatorfns = {
 namespace {
 
 uint32_t copycount(double b) {
-    if (b < 0) tarnerror("in A^^B or A^^'B, B must be a non-negative integer");
-    if (b > 0x3FFFFFFF) tarnerror("Too many elements requested in 'xalloc()'");
+    if (b < 0) tarnerror(further("B is %.15g", b), "in A^^B or A^^'B, B must be a non-negative integer");
+    if (b > 0x3FFFFFFF)
+        tarnerror(further("%.15g copies are asked for", b), "Too many elements requested in 'xalloc()'");
     return uint32_t(b);
 }
 
 void checkproduct(size_t a, size_t b) {
-    if (a != 0 && b > size_t(0x3FFFFFFF) / a) tarnerror("Too many elements requested in 'xalloc()'");
+    if (a != 0 && b > size_t(0x3FFFFFFF) / a)
+        tarnerror(further("%zu times %zu", a, b), "Too many elements requested in 'xalloc()'");
 }
 
 harrayptr repeatscalar(int op, double x, uint32_t n) {
@@ -50,7 +52,9 @@ harrayptr repeatmatrix(int op, const harray* m, uint32_t n) {
 }
 
 void repeatop(int op, int a, int b) {
-    if (!isscalar(b)) tarnerror("in A^^B or A^^'B, A must be a scalar or a matrix and B must be a scalar");
+    if (!isscalar(b))
+        tarnerror(furtherline{describe(b)},
+                  "in A^^B or A^^'B, A must be a scalar or a matrix and B must be a scalar");
     const uint32_t n = copycount(scalaroperand(b));
     harrayptr m = ismatrix(a) ? repeatmatrix(op, static_cast<harray*>(sym(a).val.ptr), n)
                               : repeatscalar(op, scalaroperand(a), n);
@@ -77,6 +81,20 @@ harrayptr celloperation(int op, int a, int b) {
     return result;
 }
 
+std::string factor(int idx) {
+    return istemporary(idx) ? kindtext(idx) : nametext(idx) + " (" + kindtext(idx) + ")";
+}
+
+[[noreturn]] void refuseproduct(int a, int b) {
+    const harray* x = static_cast<harray*>(sym(a).val.ptr);
+    const harray* y = static_cast<harray*>(sym(b).val.ptr);
+    const bool same = x->rows == y->rows && x->cols == y->cols;
+    tarnerror(further("%s times %s: the first must have as many columns as the second has rows%s",
+                      factor(a).c_str(), factor(b).c_str(),
+                      same ? "; A*'B multiplies element by element" : ""),
+              "matrices to be multiplied must be conformable");
+}
+
 void matrixop(int op, int a, int b) {
     harrayptr result;
     if (op == TOKPOWER && isscalar(b)) {
@@ -84,7 +102,7 @@ void matrixop(int op, int a, int b) {
     } else if (op == TOKTIMES && ismatrix(a) && ismatrix(b)) {
         const harray* x = static_cast<harray*>(sym(a).val.ptr);
         const harray* y = static_cast<harray*>(sym(b).val.ptr);
-        if (x->cols != y->rows) tarnerror("matrices to be multiplied must be conformable");
+        if (x->cols != y->rows) refuseproduct(a, b);
         result = matmul(x, y);
     } else {
         result = celloperation(op, a, b);
@@ -93,13 +111,10 @@ void matrixop(int op, int a, int b) {
 }
 
 [[noreturn]] void refuseoperands(int a, int b) {
-    try {
-        tarnerror("only SCALAR or MATRIX types in binary operators");
-    } catch (const recoveryjump&) {
-        tellundefined(a);
-        tellundefined(b);
-        throw;
-    }
+    const auto fits = [](int k) { return isscalar(k) || ismatrix(k); };
+    std::string more = fits(a) ? "" : describe(a);
+    if (!fits(b) && a != b) more += (more.empty() ? "" : ", ") + describe(b);
+    tarnerror(furtherline{more}, "only SCALAR or MATRIX types in binary operators");
 }
 
 harrayptr padded(const harray* m, uint32_t d) {
@@ -146,7 +161,9 @@ double scalarop(double x, double y, int op) {
 }
 
 harrayptr matrixpower(const harray* m, double n) {
-    if (n != std::floor(n)) tarnerror("non-integer matrix powers not available yet");
+    if (n != std::floor(n))
+        tarnerror(further("the power is %.15g; EXP(B*LOG(A)) and the like work element by element", n),
+                  "non-integer matrix powers not available yet");
     if (n == -1) return operatorfns.pseudoinverse(m);
     const uint32_t d = std::max(m->rows, m->cols);
     checkproduct(d, d);

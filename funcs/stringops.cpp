@@ -21,7 +21,9 @@ constexpr size_t LONGEST = 0x3FFFFFFE; // characters that fit in one block of th
 // The text of a string or of a scalar.
 std::string textof(int idx) {
     if (isstringtype(idx)) return stringval(idx);
-    if (!isscalar(idx)) tarnerror("illegal string expression");
+    if (!isscalar(idx))
+        tarnerror(further("%s, and a string or a scalar is due", describe(idx).c_str()),
+                  "illegal string expression");
     char buf[128];
     numtext(buf, scalarval(idx), -1, 8, 0, 0, 2, 0);
     return buf;
@@ -133,7 +135,10 @@ constexpr valuerow rows[] = {
 void stringbinop(int op, int a, int b) {
     switch (op) {
     case 3:
-        if (!isstringtype(a) || !isscalar(b)) tarnerror("illegal string expression");
+        if (!isstringtype(a) || !isscalar(b))
+            tarnerror(further("a power repeats a string, as in \"AB\"^3; here %s and %s", describe(a).c_str(),
+                              describe(b).c_str()),
+                      "illegal string expression");
         return polpush(symtabtext(a, b, repeated(stringval(a), scalarval(b))));
     case 6: {
         const std::string text = textof(a) + textof(b);

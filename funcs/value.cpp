@@ -573,7 +573,9 @@ double evalsymbol(int idx) {
         if (s.val.rval == UNDEFINEDMARK) tarnerror("scalar %s has not yet been defined", s.name);
         return s.val.rval;
     }
-    if (s.type != MATRIX) tarnerror("%s is not a matrix, function, initial, constant or scalar", s.name);
+    if (s.type != MATRIX)
+        tarnerror(furtherline{describe(idx)}, "%s is not a matrix, function, initial, constant or scalar",
+                  s.name);
     eval.matrixflag = idx;
     return UNDEFINEDMARK;
 }
@@ -633,7 +635,8 @@ void evalstart(size_t stackbytes) {
 double scalararg(int entry) {
     if (entry < 0) return parser.scalar[-entry];
     if (!isscalar(entry))
-        tarnerror("%s is not a matrix, function, initial, constant or scalar", sym(entry).name);
+        tarnerror(furtherline{describe(entry)}, "%s is not a matrix, function, initial, constant or scalar",
+                  nametext(entry).c_str());
     const symbol& s = sym(entry);
     if (s.val.rval == UNDEFINEDMARK) tarnerror("scalar %s has not yet been defined", s.name);
     return s.val.rval;

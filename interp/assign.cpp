@@ -56,7 +56,9 @@ void newfiledir(const char* text) {
     while (*text == ' ') text++;
     std::error_code failed;
     if (*text && !std::filesystem::exists(bindname(text, nullptr, nullptr), failed))
-        tarnerror("FILEDIR directory %s does not exist", text);
+        tarnerror(further("files are still looked for in %s",
+                          report.filedir.empty() ? "the working directory" : report.filedir.c_str()),
+                  "FILEDIR directory %s does not exist", text);
     report.filedir = text;
 }
 
@@ -67,6 +69,21 @@ void stringeffect(const char* text, int effect) {
     case DISPLAYEFFECT: upper.displayselect(text); break;
     case FILEDIREFFECT: newfiledir(text); break;
     }
+}
+
+// What the right side is and what the left one holds, which do not go together.
+furtherline kinds(int rhs, int lhs) {
+    return further("%s, and %s", describe(rhs).c_str(), describe(lhs).c_str());
+}
+
+// The same for a left side that keeps its kind until it is deleted, or for ever.
+furtherline kindstays(int rhs, int lhs) {
+    const std::string what = describe(rhs) + ", and " + describe(lhs);
+    const int type = sym(lhs).type;
+    if (type < 0 || type == CONSTANT) return further("%s: take another name", describe(lhs).c_str());
+    if (symtabprotected(lhs)) return {what + ", which it stays"};
+    return further("%s: DELETE %s first, if it shall become another kind of object", what.c_str(),
+                   nametext(lhs).c_str());
 }
 
 // The matrix of the right side, which passes to the caller: moved out of a temporary, copied from a name.
@@ -83,7 +100,7 @@ StringArray* takestrings(int rhs) {
     StringArray* a = static_cast<StringArray*>(s.val.ptr);
     if (!istemporary(rhs)) {
         StringArray* copy = StringArrayCopy(a);
-        if (!copy) tarnerror("StringArrayCopy failed at grabmatrix:");
+        if (!copy) tarnerror(nomemory(), "StringArrayCopy failed at grabmatrix:");
         return copy;
     }
     s.type = SCALAR;
@@ -117,7 +134,7 @@ void assignnew(int rhs, int lhs) {
     case MATRIX: setobject(l, MATRIX, takematrix(rhs)); break;
     case STRINGMATRIX: setobject(l, STRINGMATRIX, takestrings(rhs)); break;
     case WINDOWTYPE: copywindow(rhs, lhs); break;
-    default: tarnerror("bad RHS type in assignment");
+    default: tarnerror(furtherline{describe(rhs)}, "bad RHS type in assignment");
     }
 }
 
@@ -125,7 +142,7 @@ bool isnumber(int type) { return type == CONSTANT || type == SCALAR || type == U
 
 // A function keeps its definition; the value is what recursive definitions read as the previous one.
 void assignfunction(int rhs, int lhs) {
-    if (!isnumber(sym(rhs).type)) tarnerror("illegal assignment to function previous value");
+    if (!isnumber(sym(rhs).type)) tarnerror(kinds(rhs, lhs), "illegal assignment to function previous value");
     sym(lhs).val.rval = sym(rhs).val.rval;
 }
 
@@ -138,10 +155,13 @@ void assignscalar(int rhs, int lhs) {
     } else if (type == MATRIX) {
         tarnwarn("? assigning a matrix to a scalar LHS may be wrong");
         l.val.rval = scalarval(rhs);
+        tarnwarn("%s takes the first element of %s; DELETE %s first to make it a matrix",
+                 nametext(lhs).c_str(), istemporary(rhs) ? kindtext(rhs).c_str() : nametext(rhs).c_str(),
+                 nametext(lhs).c_str());
     } else if (isstringtype(rhs)) {
-        tarnerror("can't assign string to a scalar");
+        tarnerror(kindstays(rhs, lhs), "can't assign string to a scalar");
     } else {
-        tarnerror("bad type of RHS of scalar assignment");
+        tarnerror(kindstays(rhs, lhs), "bad type of RHS of scalar assignment");
     }
 }
 
@@ -151,7 +171,7 @@ void assignmatrix(int rhs, int lhs) {
     if (isnumber(sym(rhs).type)) {
         std::fill_n(cells(old) + 1, harraycount(old), sym(rhs).val.rval);
     } else if (sym(rhs).type != MATRIX) {
-        tarnerror("RHS of matrix assignment invalid");
+        tarnerror(kindstays(rhs, lhs), "RHS of matrix assignment invalid");
     } else if (rhs != lhs) {
         l.val.ptr = takematrix(rhs);
         harrayfree(old);
@@ -159,7 +179,7 @@ void assignmatrix(int rhs, int lhs) {
 }
 
 void assignstring(int rhs, int lhs) {
-    if (!isstringtype(rhs)) tarnerror("RHS of string assignment is not a string");
+    if (!isstringtype(rhs)) tarnerror(kindstays(rhs, lhs), "RHS of string assignment is not a string");
     if (rhs != lhs) {
         char* text = taketext(rhs);
         xfree(sym(lhs).val.ptr);
@@ -171,7 +191,8 @@ void assignstring(int rhs, int lhs) {
 void fillstrings(StringArray* a, const char* text) {
     for (long i = 1; i <= long(a->rows); i++)
         for (long j = 1; j <= long(a->cols); j++)
-            if (!StringArrayStrPut(a, i, j, text)) tarnerror("StringArrayPtrStr failed in assignop()");
+            if (!StringArrayStrPut(a, i, j, text))
+                tarnerror(nomemory(), "StringArrayPtrStr failed in assignop()");
 }
 
 void assignstringmatrix(int rhs, int lhs) {
@@ -180,7 +201,7 @@ void assignstringmatrix(int rhs, int lhs) {
     if (isstringtype(rhs)) {
         fillstrings(old, stringval(rhs));
     } else if (sym(rhs).type != STRINGMATRIX) {
-        tarnerror("RHS of matrix assignment invalid");
+        tarnerror(kindstays(rhs, lhs), "RHS of matrix assignment invalid");
     } else if (rhs != lhs) {
         l.val.ptr = takestrings(rhs);
         StringArrayFree(old);
@@ -208,9 +229,12 @@ void variablechanged(int idx) {
 }
 
 void assignop(int rhs, int lhs) {
-    if (sym(rhs).type == UNKNOWN) tarnerror("RHS of assignment invalid");
+    if (sym(rhs).type == UNKNOWN) tarnerror(furtherline{describe(rhs)}, "RHS of assignment invalid");
     const int type = sym(lhs).type;
-    if (istemporary(lhs) && type != SUBMTX) tarnsyntax(43, "illegal assignment LHS");
+    if (istemporary(lhs) && type != SUBMTX)
+        tarnsyntax(further("a name or a part of a matrix stands before the =, and here it is %s",
+                           type == CONSTANT ? nametext(lhs).c_str() : kindtext(lhs).c_str()),
+                   43, "illegal assignment LHS");
     switch (type) {
     case UNKNOWN: assignnew(rhs, lhs); break;
     case SCALAR: assignscalar(rhs, lhs); break;
@@ -219,7 +243,7 @@ void assignop(int rhs, int lhs) {
     case SUBMTX: return assignpart(rhs, lhs);
     case STRINGTYPE: assignstring(rhs, lhs); break;
     case STRINGMATRIX: assignstringmatrix(rhs, lhs); break;
-    default: tarnerror("LHS type for assignment invalid");
+    default: tarnerror(kindstays(rhs, lhs), "LHS type for assignment invalid");
     }
     tempfree(rhs);
 }

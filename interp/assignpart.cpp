@@ -37,8 +37,13 @@ extent extentof(int idx, int matrix, const char* refusal) {
         least = std::min(least, cells(e.subscripts)[k]);
         most = std::max(most, cells(e.subscripts)[k]);
     }
-    if (most > 2147483647.0) tarnerror("ASSIGN: index too big");
-    if (!(least >= 1)) tarnerror("%s", refusal);
+    const std::string name = nametext(matrix);
+    if (most > 2147483647.0)
+        tarnerror(further("index %.15g of %s: 2147483647 is the limit", most, name.c_str()),
+                  "ASSIGN: index too big");
+    if (!(least >= 1))
+        tarnerror(further("index %.15g of %s: rows and columns are counted from 1", least, name.c_str()),
+                  "%s", refusal);
     e.largest = uint32_t(most);
     return e;
 }
@@ -59,12 +64,21 @@ neededshape needed(const target& t, uint32_t rows, uint32_t cols) {
     return {n.rows, n.cols, n.rows > rows || n.cols > cols};
 }
 
-void checksize(const target& t, uint32_t rows, uint32_t cols, uint32_t rhsrows, uint32_t rhscols) {
-    if (rhsrows > t.rows.count(rows) || rhscols > t.cols.count(cols))
-        tarnwarn("note RHS matrix exceeds LHS matrix in size");
+void tellexcess(const target& t, uint32_t rows, uint32_t cols, uint32_t rhsrows, uint32_t rhscols) {
+    tarnwarn("note RHS matrix exceeds LHS matrix in size");
+    tarnwarn("%u by %u elements of %s are assigned from a %u by %u matrix", t.rows.count(rows),
+             t.cols.count(cols), nametext(t.matrix).c_str(), rhsrows, rhscols);
 }
 
-[[noreturn]] void notmatrix() { tarnerror("LHS type must be matrix or unknown in submatrix assign"); }
+void checksize(const target& t, uint32_t rows, uint32_t cols, uint32_t rhsrows, uint32_t rhscols) {
+    if (rhsrows > t.rows.count(rows) || rhscols > t.cols.count(cols))
+        tellexcess(t, rows, cols, rhsrows, rhscols);
+}
+
+[[noreturn]] void notmatrix(int matrix, int rhs) {
+    tarnerror(further("%s, and %s", describe(matrix).c_str(), describe(rhs).c_str()),
+              "LHS type must be matrix or unknown in submatrix assign");
+}
 
 void putnumbers(harray* m, const target& t, const harray* rhs) {
     const uint32_t k = t.rows.count(m->rows), l = t.cols.count(m->cols);
@@ -86,7 +100,7 @@ harrayptr grown(const harray* m, const neededshape& n) {
 
 void assignnumbers(const target& t, int rhs) {
     symbol& s = sym(t.matrix);
-    if (s.type != MATRIX && s.type != UNKNOWN) notmatrix();
+    if (s.type != MATRIX && s.type != UNKNOWN) notmatrix(t.matrix, rhs);
     int temp;
     const harray* value = matrixval(rhs, temp);
     harrayptr copy; // what is read must not change under the hand
@@ -116,23 +130,23 @@ void putstrings(StringArray* a, const target& t, const StringArray* rhs) {
             const char* text =
                 empty ? "" : stringcells(rhs)[size_t((i - 1) % rhs->rows) * rhs->cols + (j - 1) % rhs->cols];
             if (!StringArrayStrPut(a, long(t.rows.at(i)), long(t.cols.at(j)), text))
-                tarnerror("StringArrayStrPut failed in assignop().");
+                tarnerror(nomemory(), "StringArrayStrPut failed in assignop().");
         }
 }
 
 void assignstrings(const target& t, int rhs) {
     symbol& s = sym(t.matrix);
-    if (s.type != STRINGMATRIX && s.type != UNKNOWN) notmatrix();
+    if (s.type != STRINGMATRIX && s.type != UNKNOWN) notmatrix(t.matrix, rhs);
     int temp;
     const StringArray* value = GetStringMatrix(rhs, temp);
     stringarrayptr copy;
     if (s.type == STRINGMATRIX && value == s.val.ptr)
         value = (copy.reset(StringArrayCopy(value)), copy.get());
-    if (!value) tarnerror("StringArrayStrGet failed in assignop().");
+    if (!value) tarnerror(nomemory(), "StringArrayStrGet failed in assignop().");
     if (s.type == UNKNOWN) {
         StringArray* fresh = StringArrayAlloc(t.rows.subscripts ? t.rows.largest : value->rows,
                                               t.cols.subscripts ? t.cols.largest : value->cols);
-        if (!fresh) tarnerror("StringArrayAlloc failed in assignop()");
+        if (!fresh) tarnerror(nomemory(), "StringArrayAlloc failed in assignop()");
         s.type = STRINGMATRIX;
         s.val.ptr = fresh;
     }
@@ -141,7 +155,7 @@ void assignstrings(const target& t, int rhs) {
     checksize(t, n.rows, n.cols, value->rows, value->cols);
     if (n.grows) {
         a = StringArrayExpand(a, n.rows, n.cols);
-        if (!a) tarnerror("StringArrayExpand failed in assignop()");
+        if (!a) tarnerror(nomemory(), "StringArrayExpand failed in assignop()");
         s.val.ptr = a;
     }
     putstrings(a, t, value);
@@ -152,7 +166,9 @@ void assignstrings(const target& t, int rhs) {
 
 void assignpart(int rhs, int lhs) {
     const submtxparts part = submtxof(lhs);
-    if (istemporary(part.matrix)) tarnsyntax(43, "illegal assignment LHS");
+    if (istemporary(part.matrix))
+        tarnsyntax(further("parts of a named matrix can be assigned to, and here stands an expression"), 43,
+                   "illegal assignment LHS");
     {
         const target t{part.matrix, extentof(part.rows, part.matrix, "invalid submatrix row index"),
                        extentof(part.cols, part.matrix, "invalid submatrix column index")};

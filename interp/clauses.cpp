@@ -4,7 +4,9 @@
 #include "interp/base/report.h"
 #include "interp/base/symtab.h"
 #include "interp/base/tokens.h"
+#include "interp/mistakes.h"
 #include "interp/process.h"
+#include "interp/tokenfil.h"
 
 #include <algorithm>
 #include <iterator>
@@ -29,7 +31,7 @@ void setdouble(const processop& op, double& variable) {
 // Two scalars in a bracket; what names the clause in the error.
 void needpair(const processop& op, const char* what) {
     if (!op.p2nd || !isscalar(op.p2nd) || !isscalar(op.ptop))
-        tarnerror("%s must have two parenthesized arguments", what);
+        tarnerror(statementform(op.token), "%s must have two parenthesized arguments", what);
 }
 
 void setpair(const processop& op, const char* what, double& x, double& y) {
@@ -40,7 +42,8 @@ void setpair(const processop& op, const char* what, double& x, double& y) {
 }
 
 void place(const processop& op) {
-    if (argnumber() != 2) tarnerror("PLACE must have two parenthesized arguments");
+    if (argnumber() != 2)
+        tarnerror(further("as in PLACE (LEFT, TOP)"), "PLACE must have two parenthesized arguments");
     needpair(op, "PLACE");
     clause.placex = shortval(op.p2nd);
     clause.placey = shortval(op.ptop);
@@ -56,7 +59,8 @@ void in(const processop& op) {
                                          TOKFRAMEBOX, TOKIMAGEBOX,   TOKPLOT,   TOKPRINT, TOKSAVEOVER,
                                          TOKSAVEALL,  TOKSAVEALLOVER};
     if (std::find(std::begin(statements), std::end(statements), opcommand()) == std::end(statements))
-        tarnerror("the IN clause does not apply to this operator");
+        tarnerror(further("%s takes no IN", opcommand() ? tokenword(opcommand()) : "an expression"),
+                  "the IN clause does not apply to this operator");
     clause.insym = int16_t(operand(op));
     dropoperands(1);
 }

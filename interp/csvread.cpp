@@ -18,6 +18,11 @@ namespace {
 
 std::string text(std::string_view view) { return std::string(view); }
 
+// A table and the file that it stands in.
+struct csvtable : delimitedtable {
+    std::string path;
+};
+
 // The character that a delimiter argument means; 0 when it is not given (argument 0, or beyond the last).
 char delimiterof(const callargs& a, int argument) {
     if (argument == 0 || argument > a.n) return 0;
@@ -25,38 +30,50 @@ char delimiterof(const callargs& a, int argument) {
     if (word == "tab" || word == "TAB") return '\t';
     if (word.size() != 1 || isalnum(static_cast<unsigned char>(word[0])) ||
         word.find_first_of("\"\r\n.+-") == 0)
-        tarnerror("%s: \"%s\" is no delimiter", a.name(), word.c_str());
+        tarnerror(further("a delimiter is one sign, such as \";\", or \"tab\""), "%s: \"%s\" is no delimiter",
+                  a.name(), word.c_str());
     return word[0];
 }
 
-void readtable(const callargs& a, delimitedtable& t, char delimiter) {
+void readtable(const callargs& a, csvtable& t, char delimiter) {
     const std::string path = datapath(a[1], "csv");
     std::error_code fault;
     if (std::filesystem::is_character_file(path, fault) || !readwhole(path.c_str(), t.bytes))
-        tarnerror("%s: couldn't open input file %.199s\n", a.name(), path.c_str());
+        tarnerror(notreadable(path), "%s: couldn't open input file %.199s\n", a.name(), path.c_str());
     delimitedsplit(t, delimiter);
-    if (!t.fault.empty()) tarnerror("%s: %s", a.name(), t.fault.c_str());
+    if (!t.fault.empty()) tarnerror("%s: %s, %s", a.name(), path.c_str(), t.fault.c_str());
+    t.path = path;
 }
 
 // A column as it is called in messages.
-std::string columnname(const delimitedtable& t, size_t j) {
+std::string columnname(const csvtable& t, size_t j) {
     return t.header ? text(delimitedfield(t, 0, j)) : std::to_string(j + 1);
 }
 
-size_t columncalled(const callargs& a, const delimitedtable& t, std::string_view name) {
-    for (size_t j = 0; j < t.cols && t.header; j++)
-        if (delimitedfield(t, 0, j) == name) return j;
-    tarnerror("%s: there is no column %s", a.name(), text(name).c_str());
+// The columns that there are, by their names or by their number.
+furtherline columnsof(const csvtable& t) {
+    if (!t.header) return further("it has %zu columns without names", t.cols);
+    std::string names;
+    for (size_t j = 0; j < t.cols && names.size() < 60; j++)
+        names += (j ? ", " : "") + columnname(t, j) + (names.size() > 50 ? "..." : "");
+    return further("its columns are %s", names.c_str());
 }
 
-size_t columnnumbered(const callargs& a, const delimitedtable& t, double number) {
+size_t columncalled(const callargs& a, const csvtable& t, std::string_view name) {
+    for (size_t j = 0; j < t.cols && t.header; j++)
+        if (delimitedfield(t, 0, j) == name) return j;
+    tarnerror(columnsof(t), "%s: %s has no column %s", a.name(), t.path.c_str(), text(name).c_str());
+}
+
+size_t columnnumbered(const callargs& a, const csvtable& t, double number) {
     const double j = std::trunc(number);
-    if (!(j >= 1 && j <= double(t.cols))) tarnerror("%s: there is no column %.0f", a.name(), j);
+    if (!(j >= 1 && j <= double(t.cols)))
+        tarnerror(columnsof(t), "%s: %s has no column %.0f", a.name(), t.path.c_str(), j);
     return size_t(j) - 1;
 }
 
 // The columns that an argument chooses, by number or by name; all of them when it is not given.
-std::vector<size_t> chosencolumns(const callargs& a, int argument, const delimitedtable& t) {
+std::vector<size_t> chosencolumns(const callargs& a, int argument, const csvtable& t) {
     std::vector<size_t> columns(argument ? 0 : t.cols);
     std::iota(columns.begin(), columns.end(), size_t(0));
     if (!argument) return columns;
@@ -82,47 +99,49 @@ std::vector<size_t> chosencolumns(const callargs& a, int argument, const delimit
 int readcsv(const callargs& a) {
     int delimiter = 0, columnarg = 0;
     for (int k = 2; k <= a.n; k++) (isstringtype(a[k]) ? delimiter : columnarg) = k;
-    delimitedtable t;
+    csvtable t;
     readtable(a, t, delimiterof(a, delimiter));
     const std::vector<size_t> columns = chosencolumns(a, columnarg, t);
     const size_t first = t.header, rows = t.lines.size() - first;
     if (rows > UINT32_MAX || rows * columns.size() > 2147483647)
-        tarnerror("%s: rows*cols exceeds 2^^31-1 (implementation limit)", a.name());
+        tarnerror(
+            further("%s has %zu rows, and %zu columns are asked for", t.path.c_str(), rows, columns.size()),
+            "%s: rows*cols exceeds 2^^31-1 (implementation limit)", a.name());
     harrayptr m(harrayraw(uint32_t(rows), uint32_t(columns.size())));
     double* x = cells(m.get());
     for (size_t i = first; i < t.lines.size(); i++)
         for (const size_t j : columns) {
             const std::string_view field = delimitedfield(t, i, j);
             if (delimitednumber(field, *++x) == FIELDTEXT)
-                tarnerror("%s: line %ld, column %s: \"%s\" is not a number", a.name(), t.lines[i],
-                          columnname(t, j).c_str(), text(field.substr(0, 40)).c_str());
+                tarnerror("%s: %s, line %ld, column %s: \"%s\" is not a number", a.name(), t.path.c_str(),
+                          t.lines[i], columnname(t, j).c_str(), text(field.substr(0, 40)).c_str());
         }
     return symtabmatrix(0, 0, std::move(m));
 }
 
 // Records first up to the last, as strings.
-int strings(const callargs& a, const delimitedtable& t, size_t first, size_t last) {
+int strings(const callargs& a, const csvtable& t, size_t first, size_t last) {
     const size_t rows = last - first;
     stringarrayptr s(rows <= UINT32_MAX ? StringArrayAlloc(uint32_t(rows), uint32_t(t.cols)) : nullptr);
-    if (!s) tarnerror("StringArrayAlloc failed in %s", a.name());
+    if (!s) tarnerror(nomemory(), "StringArrayAlloc failed in %s", a.name());
     for (size_t i = 0; i < rows; i++)
         for (size_t j = 0; j < t.cols; j++)
             if (!StringArrayStrPut(s.get(), long(i) + 1, long(j) + 1, delimitedfield(t, first + i, j)))
-                tarnerror("StringArrayStrPut failed in %s", a.name());
+                tarnerror(nomemory(), "StringArrayStrPut failed in %s", a.name());
     return symtabstringmatrix(0, 0, std::move(s));
 }
 
 // CSVNAMES(file [, delimiter]): the names of the columns, a row of strings.
 int csvnames(const callargs& a) {
-    delimitedtable t;
+    csvtable t;
     readtable(a, t, delimiterof(a, 2));
-    if (!t.header) tarnerror("%s: the first line is no line of names", a.name());
+    if (!t.header) tarnerror("%s: the first line of %s is no line of names", a.name(), t.path.c_str());
     return strings(a, t, 0, 1);
 }
 
 // CSVTEXT(file [, delimiter]): all fields as strings, the line of names among them.
 int csvtext(const callargs& a) {
-    delimitedtable t;
+    csvtable t;
     readtable(a, t, delimiterof(a, 2));
     return strings(a, t, 0, t.lines.size());
 }

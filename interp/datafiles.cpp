@@ -143,6 +143,29 @@ void warnofmarks(const numbersource& s, const char* name) {
         tarnwarn("%s: NA, NaN or Inf was skipped; READCSV keeps the places of missing numbers", name);
 }
 
+// The line of the file that its byte at place stands in.
+long lineof(const std::string& path, int64_t place) {
+    const std::unique_ptr<FILE, fileclose> file(fopen(path.c_str(), "rb"));
+    long lines = 1;
+    for (int c; file && place > 0 && (c = getc(file.get())) != EOF; place--) lines += c == '\n';
+    return lines;
+}
+
+// What stopped the reading, and where.
+furtherline unreadable(const numbersource& s, const std::string& path) {
+    if (s.failed) return further("%s cannot be read to its end", path.c_str());
+    const char* const from = s.text.mark;
+    const std::string place =
+        s.file ? path + ", line " + std::to_string(lineof(path, s.offset + (from - s.buffer.data()))) + ": "
+               : "";
+    const auto c = static_cast<unsigned char>(*from);
+    if (c < ' ' || c == 127) return further("%sa byte of code %d, which no text holds", place.c_str(), c);
+    const char* end = from;
+    while (end < s.text.end && end - from < 20 && static_cast<unsigned char>(*end) > ' ') end++;
+    return further("%s\"%s\" is no number: the exponent has no digits", place.c_str(),
+                   std::string(from, end).c_str());
+}
+
 struct readargs {
     std::string path;
     double rows, cols;
@@ -155,13 +178,17 @@ readargs readarguments(const callargs& a) {
 int read(const callargs& a) {
     const readargs r = readarguments(a);
     numbersource source;
-    if (!opensource(source, r.path)) tarnerror("READ: couldn't open input file %.199s\n", r.path.c_str());
+    if (!opensource(source, r.path))
+        tarnerror(notreadable(r.path), "READ: couldn't open input file %.199s\n", r.path.c_str());
     if (!source.file) tarnprint("Type <CONTROL>Z after last number\n");
-    if (r.rows < 1) tarnerror("READ: bad row argument");
-    if (r.cols < 1) tarnerror("READ: bad col argument");
-    if (r.rows * r.cols > 2147483647) tarnerror("READ: rows*cols exceeds 2^^31-1 (implementation limit)");
+    const furtherline shape = further("%.15g rows and %.15g columns are asked for", r.rows, r.cols);
+    if (r.rows < 1) tarnerror(shape, "READ: bad row argument");
+    if (r.cols < 1) tarnerror(shape, "READ: bad col argument");
+    if (r.rows * r.cols > 2147483647)
+        tarnerror(shape, "READ: rows*cols exceeds 2^^31-1 (implementation limit)");
     growingmatrix g(size_t(r.rows), size_t(r.cols));
-    if (readrows(source, g) == NUMBERBAD) tarnerror("READ: unreadable character in file");
+    if (readrows(source, g) == NUMBERBAD)
+        tarnerror(unreadable(source, r.path), "READ: unreadable character in file");
     warnofmarks(source, "READ");
     return symtabmatrix(0, 0, exactly(g));
 }
@@ -179,7 +206,11 @@ void forget(const std::string& path) {
 void remember(const std::string& path, int64_t offset) {
     readonslot* slot = slotof(path);
     if (!slot) slot = slotof("");
-    if (!slot) return tarnwarn("TOO MANY OPEN READON FILES");
+    if (!slot) {
+        tarnwarn("TOO MANY OPEN READON FILES");
+        return tarnwarn("%s is read from its start again next time; READON(FILE, -1) closes a file",
+                        path.c_str());
+    }
     slot->path = path;
     slot->offset = offset;
 }
@@ -202,19 +233,22 @@ int readonward(const callargs& a) {
         return symtabmatrix(0, 0, harrayptr(harraynew(0, 0)));
     }
     numbersource source;
-    if (!opensource(source, r.path)) tarnerror("READON: couldn't open input file %.199s\n", r.path.c_str());
+    if (!opensource(source, r.path))
+        tarnerror(notreadable(r.path), "READON: couldn't open input file %.199s\n", r.path.c_str());
     if (r.rows < 1 || r.cols < 1 || r.rows * r.cols > 2147483647)
-        tarnerror("bad row or column argument in READON");
+        tarnerror(further("%.15g rows and %.15g columns are asked for", r.rows, r.cols),
+                  "bad row or column argument in READON");
     const readonslot* slot = source.file ? slotof(r.path) : nullptr;
     if (slot && !seek(source, slot->offset))
-        tarnerror("READON: couldn't open input file %.199s\n", r.path.c_str());
+        tarnerror(further("the file has become shorter; READON(FILE, -1) begins anew"),
+                  "READON: couldn't open input file %.199s\n", r.path.c_str());
     growingmatrix g(size_t(r.rows), size_t(r.cols));
     const numberresult result = readrows(source, g);
     if (result != NUMBERREAD)
         forget(r.path);
     else if (source.file)
         remember(r.path, source.offset + (source.text.p - source.buffer.data()));
-    if (result == NUMBERBAD) tarnerror("READON: unreadable character in file");
+    if (result == NUMBERBAD) tarnerror(unreadable(source, r.path), "READON: unreadable character in file");
     warnofmarks(source, "READON");
     return symtabmatrix(0, 0, exactly(g));
 }

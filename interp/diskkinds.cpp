@@ -77,7 +77,7 @@ constexpr savekind kinds[] = {
 void save(const processop& op) { disksave(op.token); }
 
 void use(const processop& op) {
-    if (parser.poltop < 0) tarnerror("USE: file name was not specified");
+    if (parser.poltop < 0) tarnerror(further("as in USE \"FILE\""), "USE: file name was not specified");
     clause.insym = int16_t(polpop());
     if (!diskuse(op.token, report.filedir.c_str(), false)) tarnwarn("diskuse: save file cannot be opened");
     tempfree(clause.insym);

@@ -74,14 +74,15 @@ void saveeverything(savewriter& out, bool system) {
 
 void checkoperands() {
     for (int k = 0; k <= parser.poltop; k++)
-        if (!savekindof(sym(parser.polstack[k]).type)) tarnerror("saving an illegal object, no file created");
+        if (!savekindof(sym(parser.polstack[k]).type))
+            tarnerror(furtherline{describe(parser.polstack[k])}, "saving an illegal object, no file created");
 }
 
 std::string savepath() {
     int name = clause.insym;
     if (!name && parser.poltop >= 0) name = parser.polstack[0];
     const std::string path = name ? diskpath(name, report.filedir.c_str()) : "";
-    if (path.empty()) tarnerror("SAVE: file name not specified");
+    if (path.empty()) tarnerror(further("as in SAVE A, B IN \"FILE\""), "SAVE: file name not specified");
     return path;
 }
 
@@ -118,16 +119,20 @@ void disksave(int op) {
     const bool ask = op == TOKSAVE || op == TOKSAVEALL;
     if (ask && keepold(path)) {
         tarnwarn("save not performed");
+        tarnwarn("%s stands as it was; SAVEOVER replaces it without asking", path.c_str());
     } else {
         tarnprint("creating save file: %s\n", path.c_str());
         newfile file;
-        if (!newfileopen(file, path)) tarnerror("save file %s cannot be opened", path.c_str());
+        if (!newfileopen(file, path))
+            tarnerror(notwritable(path), "save file %s cannot be opened", path.c_str());
         savewriter out{file.file};
         if (parser.poltop >= 0)
             saveoperands(out);
         else
             saveeverything(out, system);
-        if (out.failed || !newfilekeep(file)) tarnerror("save file %s cannot be written", path.c_str());
+        if (out.failed || !newfilekeep(file))
+            tarnerror(further("is the disk full? A file of that name stands as it was"),
+                      "save file %s cannot be written", path.c_str());
     }
     dropoperands();
     tempfree(clause.insym);

@@ -29,6 +29,8 @@ struct usestate {
     int told = 0;                  // names in the list so far
     size_t column = 7;             // where the list of names stands: behind "Using: "
     std::vector<int> changed = {}; // scalars and strings read
+    std::string path = {};         // of the file
+    size_t size = 0;               // its bytes
 };
 
 // An object read, until an entry has it.
@@ -47,8 +49,10 @@ bool damaged(const usestate& u, const char* name, const char* what) {
     logout("USE: %s is damaged: %s\n", name, what);
     if (u.quiet) return false;
     tarnprint("\n");
-    if (u.in.verbatim) tarnerror("%s", what);
-    tarnerror("USE: %s is damaged: %s", name, what);
+    const furtherline more = further("in %s, before byte %zu%s", u.path.c_str(), u.size - bytesleft(u.in) + 1,
+                                     u.told ? "; the objects named above have been read" : "");
+    if (u.in.verbatim) tarnerror(more, "%s", what);
+    tarnerror(more, "USE: %s is damaged: %s", name, what);
 }
 
 void tellname(usestate& u, const std::string& name) {
@@ -215,13 +219,16 @@ void usequietly(const char* file) {
 
 bool diskuse(int mode, const char* directory, bool quiet) {
     const std::string path = clause.insym ? diskpath(clause.insym, directory) : "";
-    if (path.empty()) tarnerror("USE: file name was not specified");
+    if (path.empty()) tarnerror(further("as in USE \"FILE\""), "USE: file name was not specified");
     std::string bytes;
     if (!readsavefile(path, bytes)) {
         if (quiet) return false;
-        tarnerror("diskuse: file cannot be opened.\n");
+        tarnerror(further("%s: %s", path.c_str(), notreadable(path).text.c_str()),
+                  "diskuse: file cannot be opened.\n");
     }
     usestate u{savereaderon(bytes), mode == TOKUSEOVER, false, quiet};
+    u.path = path;
+    u.size = bytes.size();
     if (!quiet) tarnprint("Using: ");
     while (bytesleft(u.in) > 0)
         if (!useobject(u)) return false;

@@ -6,6 +6,7 @@
 #include "interp/base/report.h"
 #include "interp/base/symtab.h"
 #include "interp/base/tokens.h"
+#include "interp/mistakes.h"
 #include "interp/session.h"
 #include "interp/source.h"
 #include "values/harray.h"
@@ -71,7 +72,8 @@ bool somethingleft() {
 
 inputsource& pushsource(sourcekind kind) {
     if (dofiles.stack.size() >= NESTLIMIT)
-        tarnerror("do-files and loops are nested too deeply: %zu is the limit", NESTLIMIT);
+        tarnerror(further("does one run itself again?"),
+                  "do-files and loops are nested too deeply: %zu is the limit", NESTLIMIT);
     inputsource& s = dofiles.stack.emplace_back();
     s.kind = kind;
     s.savedline = std::move(line.text);
@@ -158,27 +160,50 @@ bool typedbyhand() {
     return true;
 }
 
+int sourceline() {
+    const inputsource* s = running();
+    return s && s->kind == sourcekind::file ? s->in.number : 0;
+}
+
 std::string sourceplace() {
+    constexpr int LONGEST = 4; // places of a chain that are told
+    std::string chain;
+    int places = 0;
     int looplines = 0; // the line of the innermost loop that stands in the do-file
     for (size_t k = dofiles.stack.size(); k-- > 0;) {
         const inputsource& s = dofiles.stack[k];
-        if (s.kind == sourcekind::loop && looplines == 0 && s.loop->body.next > 0 &&
-            s.loop->body.next <= s.loop->lines.size())
-            looplines = s.loop->lines[s.loop->body.next - 1];
-        if (s.kind == sourcekind::text) looplines = 0;
-        if (s.kind == sourcekind::file)
-            return s.name + ", line " + std::to_string(looplines ? looplines : s.in.number);
+        if (s.kind == sourcekind::loop) {
+            if (looplines == 0 && s.loop->body.next > 0 && s.loop->body.next <= s.loop->lines.size())
+                looplines = s.loop->lines[s.loop->body.next - 1];
+            continue;
+        }
+        const int number = looplines ? looplines : s.in.number;
+        looplines = 0;
+        if (s.kind == sourcekind::file && number == 0) break; // queued at the start, still to be run
+        if (s.name.empty()) continue;
+        if (++places > LONGEST) return chain + ", and so on";
+        chain += places > 1 ? ", called from " : "";
+        chain +=
+            s.kind == sourcekind::file ? s.name + ", line " + std::to_string(number) : "the text " + s.name;
     }
-    return {};
+    return chain;
 }
 
 // ---- refilling ----
 
 namespace {
 
+// What the end of the input leaves open.
+furtherline unfinishedpart() {
+    if (!line.open) return further("the last statement is not complete");
+    if (line.opened == 0) return further("%s is not closed", line.open);
+    return further("%s that begins in line %d is not closed", line.open, line.opened);
+}
+
 // A statement that is still open must not swallow what its caller has to run next.
 void refusehalfstatement(const char* what) {
-    if (line.keepline || line.prompt[0] == '>') tarnerror("the %s ended inside a statement", what);
+    if (line.keepline || line.prompt[0] == '>')
+        tarnerror(unfinishedpart(), "the %s ended inside a statement", what);
 }
 
 void echo(const std::string& text, const char* prompt) {
@@ -238,6 +263,10 @@ bool readon() {
     return true;
 }
 
+[[noreturn]] void badvariable(int idx) {
+    tarnerror(furtherline{describe(idx)}, "for-loop variable must be a scalar");
+}
+
 double loopvalue(const forloop& f) {
     return cells(static_cast<const harray*>(sym(f.values).val.ptr))[f.index];
 }
@@ -245,8 +274,7 @@ double loopvalue(const forloop& f) {
 void setloopvariable(forloop& f) {
     if (sym(f.var).type != SCALAR || f.name != sym(f.var).name) {
         f.var = symtabenter(f.name.c_str()); // the body deleted it
-        if (sym(f.var).type != UNKNOWN && sym(f.var).type != SCALAR)
-            tarnerror("for-loop variable must be a scalar");
+        if (sym(f.var).type != UNKNOWN && sym(f.var).type != SCALAR) badvariable(f.var);
         sym(f.var).type = SCALAR;
     }
     sym(f.var).val.rval = loopvalue(f);
@@ -270,7 +298,9 @@ bool nextpass() {
     forloop& f = *s.loop;
     const bool matrix = sym(f.values).type == MATRIX;
     if (s.ended || (!matrix && f.index >= f.limit)) return false;
-    if (!matrix) tarnerror("the matrix of a FOR loop was deleted by its body");
+    if (!matrix)
+        tarnerror(further("%s; a loop over a copy of it goes on", describe(f.values).c_str()),
+                  "the matrix of a FOR loop was deleted by its body");
     if (f.index >= harraycount(static_cast<const harray*>(sym(f.values).val.ptr))) return false;
     f.index++;
     setloopvariable(f);
@@ -285,7 +315,7 @@ void getline() {
             if (readon()) return;
             if (line.keepline || line.prompt[0] == '>') {
                 line.prompt = "* ";
-                tarnerror("the input ended inside a statement");
+                tarnerror(unfinishedpart(), "the input ended inside a statement");
             }
             throw sessionend{0};
         }
@@ -351,11 +381,17 @@ void tailcall() {
 void dofile(int symbol) {
     const std::string name = sym(symbol).name;
     if (name == "KLINE" || name == "kline") return dokeyboardline();
-    if (sym(symbol).type == STRINGTYPE) return pushtext(stringval(symbol));
+    if (sym(symbol).type == STRINGTYPE) {
+        pushtext(stringval(symbol));
+        dofiles.stack.back().name = name;
+        return;
+    }
     const std::string path = dofilename(symbol);
     std::string content;
     if (name == "CON" || name == "con" || !readwhole(path.c_str(), content))
-        tarnerror("couldn't open DO file %.199s", path.c_str());
+        tarnerror(name == "CON" || name == "con" ? further("typed lines are run by DO KLINE")
+                                                 : notreadable(path),
+                  "couldn't open DO file %.199s", path.c_str());
     tempfree(symbol);
     tailcall();
     pushfile(path.c_str(), std::move(content));
@@ -388,6 +424,7 @@ void readbody(forloop& f) {
 
 // While the body is being read, the text of the whole statement is kept together.
 struct bodyreading {
+    const openpart body{"the body of a FOR"};
     bodyreading() { line.keepline = true; }
     ~bodyreading() {
         line.keepline = false;
@@ -399,7 +436,7 @@ std::unique_ptr<forloop> forbody() {
     const bodyreading reading;
     int number, index;
     newtoken(number, index);
-    if (number != TOKOPEN) tarnerror("FOR-body does not begin with '{'");
+    if (number != TOKOPEN) tarnerror(statementform(TOKFOR), "FOR-body does not begin with '{'");
     auto loop = std::make_unique<forloop>();
     scanner.record = &loop->body;
     const size_t start = line.cursor;
@@ -424,12 +461,12 @@ int forvalues() {
 } // namespace
 
 void forop() {
-    if (parser.poltop != 1) tarnsyntax(22, "incorrect FOR statement");
+    if (parser.poltop != 1) tarnsyntax(statementform(TOKFOR), 22, "incorrect FOR statement");
     std::unique_ptr<forloop> loop = forbody();
     loop->values = forvalues();
     loop->var = polpop();
     const int type = sym(loop->var).type;
-    if (type != UNKNOWN && type != SCALAR) tarnerror("for-loop variable must be a scalar");
+    if (type != UNKNOWN && type != SCALAR) badvariable(loop->var);
     loop->limit = harraycount(static_cast<const harray*>(sym(loop->values).val.ptr));
     if (loop->limit == 0) return tempfree(loop->values);
     loop->name = sym(loop->var).name;

@@ -47,7 +47,7 @@ struct forloop {
 
 struct inputsource {
     sourcekind kind = sourcekind::keyboard;
-    std::string name;              // of a do-file
+    std::string name;              // of a do-file, or of the string whose text runs
     textlines in;                  // a do-file
     std::unique_ptr<forloop> loop; // a FOR loop
     bool ended = false;            // its text is used up, or RETURN was performed
@@ -84,5 +84,5 @@ const char* dofiledirectory(); // DOFILEDIR, or the default directory of files
 
 // True if what runs now was typed at the keyboard, whatever loops it runs in.
 bool typedbyhand();
-// "NAME.do, line N" of the innermost do-file; empty when there is none.
+// "NAME.do, line N" of the innermost do-file, and from where it was called; empty when there is none.
 std::string sourceplace();

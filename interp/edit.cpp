@@ -30,8 +30,10 @@ std::string edittext(int symbol) {
     case STRINGTYPE: return "     " + name + " = " + quoted(stringval(symbol));
     case TITLETYPE: return titletoedit(symbol);
     case CONSETTYPE: return constraints2text(symbol, true);
-    case UNKNOWN: tarnerror("illegal EDIT argument");
-    default: tarnerror("Only a FUNCTION, INITIAL, STRING, TITLE, FILE or CONSTRAINT may be edited");
+    case UNKNOWN: tarnerror(furtherline{describe(symbol)}, "illegal EDIT argument");
+    default:
+        tarnerror(furtherline{describe(symbol)},
+                  "Only a FUNCTION, INITIAL, STRING, TITLE, FILE or CONSTRAINT may be edited");
     }
 }
 

@@ -30,8 +30,9 @@ std::string subject(int token, int index) {
         tempfree(index);
         return text;
     }
-    std::string word = tokenword(token); // "token 6" for one that has none
-    if (word.find(' ') != std::string::npos) tarnerror("use a quoted string for the help subject");
+    const std::string word = tokenword(token);
+    if (!isalpha(static_cast<unsigned char>(word[0])))
+        tarnerror(further("as in HELP \"%s\"", word.c_str()), "use a quoted string for the help subject");
     return word;
 }
 
@@ -44,7 +45,8 @@ void helphandler(const processop&) {
         if (token == TOKSTRING || token == TOKNUMBER) tempfree(index);
     }
     if (const std::string meant = otherword(topic); !meant.empty()) return tarnprint("%s\n", meant.c_str());
-    if (!console.help(topic.c_str())) tarnerror("cannot open help file");
+    if (!console.help(topic.c_str()))
+        tarnerror(further("TARN.HLP should stand in %s", report.tarnpath.c_str()), "cannot open help file");
 }
 
 constexpr processrow rows[] = {{61, helphandler}};

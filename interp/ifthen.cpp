@@ -5,6 +5,7 @@
 #include "interp/base/report.h"
 #include "interp/base/symtab.h"
 #include "interp/base/tokens.h"
+#include "interp/mistakes.h"
 #include "interp/process.h"
 #include "interp/scanner.h"
 
@@ -14,6 +15,7 @@ namespace {
 
 // While a branch is looked through, the lines read stay in the buffer.
 struct keeplines {
+    const openpart branch{"the branch of an IF"};
     keeplines() { line.keepline = true; }
     ~keeplines() { line.keepline = false; }
     keeplines(const keeplines&) = delete;
@@ -80,11 +82,11 @@ void takebranch(bool holds) {
 }
 
 void iftext(const processop& op) {
-    if (!op.ptop) tarnsyntax(27, "missing arg for binary operator");
+    if (!op.ptop) tarnsyntax(statementform(op.token), 27, "missing arg for binary operator");
     const int type = sym(op.ptop).type;
     if (type == MATRIX) return;
     if (type != CONSTANT && type != SCALAR && type != USERFUNCTION)
-        tarnerror("IF-THEN-ELSE: bad conditional expression");
+        tarnerror(furtherline{describe(op.ptop)}, "IF-THEN-ELSE: bad conditional expression");
     const bool holds = scalarval(op.ptop) != 0;
     freeoperands(1);
     takebranch(holds);

@@ -12,7 +12,9 @@
 namespace {
 
 uint32_t summed(uint32_t a, uint32_t b) {
-    if (a > UINT32_MAX - b) tarnerror("Too many elements requested in 'xalloc()'");
+    if (a > UINT32_MAX - b)
+        tarnerror(further("%u and %u rows or columns are joined", a, b),
+                  "Too many elements requested in 'xalloc()'");
     return a + b;
 }
 
@@ -38,7 +40,7 @@ void place(StringArray* to, size_t row, size_t col, const StringArray* m, uint32
         for (uint32_t j = 0; j < w; j++) {
             const char* text = stringcells(m)[size_t(i % m->rows) * m->cols + j % m->cols];
             if (!StringArrayStrPut(to, long(row + i + 1), long(col + j + 1), text))
-                tarnerror("StringArrayStrPut failed in a join.");
+                tarnerror(nomemory(), "StringArrayStrPut failed in a join.");
         }
 }
 
@@ -79,7 +81,7 @@ int joinstrings(int a, int b, jointshape (*shape)(const StringArray*, const Stri
     const StringArray *ma = GetStringMatrix(a, tempa), *mb = GetStringMatrix(b, tempb);
     const jointshape s = shape(ma, mb);
     stringarrayptr m(StringArrayAlloc(s.rows, s.cols));
-    if (!m) tarnerror("StringArrayAlloc failed in a join.");
+    if (!m) tarnerror(nomemory(), "StringArrayAlloc failed in a join.");
     placeboth(m.get(), ma, mb, s);
     tempfree(tempa);
     tempfree(tempb);
@@ -106,11 +108,11 @@ harrayptr transposed(const harray* a) {
 int transposedstrings(int idx) {
     const StringArray* a = static_cast<const StringArray*>(sym(idx).val.ptr);
     stringarrayptr t(StringArrayAlloc(a->cols, a->rows));
-    if (!t) tarnerror("StringArrayAlloc failed in a transpose.");
+    if (!t) tarnerror(nomemory(), "StringArrayAlloc failed in a transpose.");
     for (long i = 1; i <= long(a->rows); i++)
         for (long j = 1; j <= long(a->cols); j++)
             if (!StringArrayStrPut(t.get(), j, i, StringArrayStrPtr(a, i, j)))
-                tarnerror("StringArrayStrPut failed in a transpose.");
+                tarnerror(nomemory(), "StringArrayStrPut failed in a transpose.");
     return symtabstringmatrix(idx, 0, std::move(t));
 }
 

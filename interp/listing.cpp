@@ -131,10 +131,10 @@ void showfunction(int idx) {
 void showunknown(int idx) {
     const symbol& s = sym(idx);
     if (s.name[0] == '.') derivfind(idx, false);
-    if (s.type == UNKNOWN)
-        tarnprint("   value = unknown\n");
-    else
-        typeop(idx);
+    if (s.type != UNKNOWN) return typeop(idx);
+    tarnprint("   value = unknown\n");
+    const std::string more = describe(idx);
+    if (more.ends_with("?")) tarnwarn("%s", more.c_str()); // another name is near
 }
 
 void showstring(int idx) {
@@ -191,10 +191,10 @@ bool isquoted(int idx) { return idx != 0 && isstringtype(idx); }
 void formatop(const processop&) {
     constexpr int FIELDS = 6;
     if (!parser.closed || argnumber() != FIELDS || parser.poltop + 1 < FIELDS)
-        tarnerror("FORMAT needs 6 scalars");
+        tarnerror(further("as in FORMAT (-3,8,0,0,2,0)"), "FORMAT needs 6 scalars");
     const int16_t* operand = &parser.polstack[parser.poltop - FIELDS + 1];
     if (!std::all_of(operand, operand + FIELDS, [](int idx) { return isscalar(idx); }))
-        tarnerror("FORMAT needs 6 scalars");
+        tarnerror(further("as in FORMAT (-3,8,0,0,2,0)"), "FORMAT needs 6 scalars");
     for (int k = FIELDS - 1; k >= 0; k--) {
         const int idx = polpop();
         clause.format[k] = shortval(idx);

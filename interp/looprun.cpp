@@ -44,8 +44,10 @@ inline bool within(double x, uint32_t limit) { return x >= 1 && x < double(limit
 inline double element(const loopinstr& i) {
     const harray* m = static_cast<const harray*>(i.matrix->val.ptr);
     const double row = *i.a, col = *i.b;
-    if (!within(row, m->rows) || !within(col, m->cols)) [[unlikely]]
-        badsubscript();
+    if (!within(row, m->rows)) [[unlikely]]
+        badsubscript(int(i.matrix - symtab.at), "row", row);
+    if (!within(col, m->cols)) [[unlikely]]
+        badsubscript(int(i.matrix - symtab.at), "column", col);
     return at(m, uint32_t(row), uint32_t(col));
 }
 

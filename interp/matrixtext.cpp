@@ -193,20 +193,31 @@ size_t alignment(std::string_view text, int justify) {
 } // namespace
 
 void parsemformat(const char* text) {
+    const char* const whole = text;
     int16_t field[8];
     for (int16_t& value : field) {
         char* end;
         const long n = strtol(text, &end, 10);
-        if (end == text || n < INT16_MIN || n > INT16_MAX) tarnerror("Illegal mformat string");
+        if (end == text || n < INT16_MIN || n > INT16_MAX)
+            tarnerror(further("\"%s\" is not eight whole numbers, such as \"10 0 3 0 6 1 1 1\"; the format "
+                              "before it stays "
+                              "in force",
+                              whole),
+                      "Illegal mformat string");
         value = int16_t(n);
         text = end + strspn(end, " \t,");
     }
     const matrixformat f{field[0], field[1], field[2], field[3], field[4], field[5], field[6], field[7]};
     const auto blanks = [](int n) { return n >= 0 && n <= MAXBLANKS; };
-    if (f.colmode == 0 && (f.colwidth < 1 || !blanks(f.colwidth))) tarnerror("Unacceptable column width");
-    if (!blanks(f.intercol)) tarnerror("Unacceptable number of inter-column blanks");
-    if (!blanks(f.endcol)) tarnerror("Unacceptable number of end-of-column blanks");
-    if (!blanks(f.wrap)) tarnerror("Unacceptable number of wrap spaces");
+    const auto limits = [](int n, int least) {
+        return further("it is %d; %d to %d is possible; the format before it stays in force", n, least,
+                       MAXBLANKS);
+    };
+    if (f.colmode == 0 && (f.colwidth < 1 || !blanks(f.colwidth)))
+        tarnerror(limits(f.colwidth, 1), "Unacceptable column width");
+    if (!blanks(f.intercol)) tarnerror(limits(f.intercol, 0), "Unacceptable number of inter-column blanks");
+    if (!blanks(f.endcol)) tarnerror(limits(f.endcol, 0), "Unacceptable number of end-of-column blanks");
+    if (!blanks(f.wrap)) tarnerror(limits(f.wrap, 0), "Unacceptable number of wrap spaces");
     mformat = f;
 }
 

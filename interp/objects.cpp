@@ -5,10 +5,13 @@
 #include "interp/base/symtab.h"
 #include "interp/base/tokens.h"
 #include "interp/listing.h"
+#include "interp/mistakes.h"
 #include "interp/process.h"
+#include "interp/tokenfil.h"
 
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <iterator>
 
 namespace {
@@ -24,7 +27,7 @@ std::string filepath(int idx, const char* ext) {
 struct listingfile {
     listingfile(const char* path, bool append) {
         report.listing = std::fopen(path, append ? "a" : "w");
-        if (!report.listing) tarnerror("couldn't open listing file %s", path);
+        if (!report.listing) tarnerror(notwritable(path), "couldn't open listing file %s", path);
     }
     ~listingfile() {
         std::fclose(report.listing);
@@ -42,7 +45,7 @@ std::string listingpath() {
 
 void typeall() {
     if (parser.poltop < 0) {
-        if (clause.fileflag != 2) tarnsyntax(13, "illegal statement");
+        if (clause.fileflag != 2) tarnsyntax(statementform(TOKTYPE), 13, "illegal statement");
         return typeop(0);
     }
     for (int k = 0; k <= parser.poltop; k++) typeop(parser.polstack[k]);
@@ -50,12 +53,18 @@ void typeall() {
 }
 
 void printfile() {
-    if (parser.poltop > 0) tarnerror("may not PRINT more than one file at a time");
+    if (parser.poltop > 0)
+        tarnerror(further("%d are named", parser.poltop + 1), "may not PRINT more than one file at a time");
     needoperands(1);
     const std::string path = filepath(parser.polstack[0], nullptr);
     const bool printed = console.printfile(path.c_str());
+    std::error_code failure;
     logout(printed ? "file printed: %s\n" : "file not printed: %s\n", path.c_str());
-    if (!printed) tarnwarn("file not printed: %s", path.c_str());
+    if (!printed) {
+        tarnwarn("file not printed: %s", path.c_str());
+        tarnwarn("%s", std::filesystem::exists(path, failure) ? "no printer takes it"
+                                                              : notreadable(path).text.c_str());
+    }
     freeoperands(1);
 }
 
@@ -76,12 +85,16 @@ void type(const processop& op) {
 }
 
 void deletefile() {
-    if (parser.poltop > 0) tarnerror("may not DELETE more one than file at a time");
+    if (parser.poltop > 0)
+        tarnerror(further("%d are named", parser.poltop + 1), "may not DELETE more one than file at a time");
     needoperands(1);
     const std::string path = filepath(parser.polstack[0], nullptr);
     const bool gone = std::remove(path.c_str()) == 0;
     logout(gone ? "files deleted: %s\n" : "files not deleted: %s\n", path.c_str());
-    if (!gone) tarnwarn("files not deleted: %s", path.c_str());
+    if (!gone) {
+        tarnwarn("files not deleted: %s", path.c_str());
+        tarnwarn("%s", notreadable(path).text.c_str());
+    }
     freeoperands(1);
 }
 
@@ -115,7 +128,9 @@ void deleteall(const processop&) { symtabdeleteall(); }
 void filesdir(const processop& op) {
     const int statement = opcommand();
     if (statement != TOKTYPE && statement != TOKPRINT && statement != TOKEDIT && statement != TOKDELETE)
-        tarnerror("FILE or DIR can only occur in TYPE, PRINT or DELETE statement");
+        tarnerror(further("as in TYPE FILE \"NAME\"; %s is a word of the language and cannot be a name",
+                          tokenword(op.token)),
+                  "FILE or DIR can only occur in TYPE, PRINT or DELETE statement");
     clause.fileflag = op.token == TOKFILE ? 1 : 2;
 }
 

@@ -8,8 +8,10 @@
 #include "interp/base/symtab.h"
 #include "interp/base/tokens.h"
 #include "interp/joins.h"
+#include "interp/mistakes.h"
 #include "interp/process.h"
 #include "interp/ranges.h"
+#include "interp/tokenfil.h"
 
 namespace {
 
@@ -20,10 +22,17 @@ bool ownequals(int token) {
 }
 
 void needboth(const processop& op) {
-    if (!op.ptop || !op.p2nd) tarnsyntax(27, "missing arg for binary operator");
+    if (!op.ptop || !op.p2nd)
+        tarnsyntax(marked(std::string(parser.token == TOKEND ? "a value is missing behind \""
+                                                             : "a value is missing beside \"") +
+                          tokenword(op.token) + '"'),
+                   27, "missing arg for binary operator");
 }
 
-void invalid(const processop&) { tarnerror("unallowed process case"); }
+void invalid(const processop& op) {
+    const char* word = tokenword(op.token);
+    tarnerror(*word ? further("%s cannot stand here", word) : furtherline{}, "unallowed process case");
+}
 
 void nothing(const processop&) {}
 
@@ -65,7 +74,9 @@ void logicalnot(const processop&) {
 }
 
 void derivative(const processop& op) {
-    if (!op.ptop || !op.p2nd) tarnerror("illegal derivative name construct");
+    if (!op.ptop || !op.p2nd)
+        tarnerror(marked("as in F'X, the derivative of F with respect to X"),
+                  "illegal derivative name construct");
     const int x = op.ptop;
     int f = symtabenter(derivname(op.p2nd, x).c_str());
     for (; parser.opstack[parser.oplevel] == TOKDERIVATIVE; parser.oplevel--)

@@ -6,6 +6,7 @@
 #include "interp/base/parser.h"
 #include "interp/base/report.h"
 #include "interp/base/symtab.h"
+#include "interp/mistakes.h"
 #include "interp/pairing.h"
 #include "interp/process.h"
 #include "interp/scanner.h"
@@ -92,7 +93,9 @@ int primetoken() {
     int next, index;
     newtoken(next, index);
     pushtoken(next, index);
-    if (next == TOKNUMBER) tarnsyntax(12, "can't differentiate wrt a constant");
+    if (next == TOKNUMBER)
+        tarnsyntax(further("behind %s' stands the name of a variable", nametext(top).c_str()), 12,
+                   "can't differentiate wrt a constant");
     return next == TOKNAME || next == TOKPRIME || next == TOKOPEN ? TOKDERIVATIVE : TOKPRIME;
 }
 
@@ -117,7 +120,7 @@ int intake(polishstate& p) {
 }
 
 void reduce() {
-    if (parser.oplevel == 0) tarnsyntax(4, "illegal token pairing");
+    if (parser.oplevel == 0) tarnsyntax(misplaced(parser.token), 4, "illegal token pairing");
     process(parser.opstack[parser.oplevel--]);
     parser.closed = 0;
 }
@@ -129,7 +132,7 @@ void shift(int token) {
 
 void closebracket(int token) {
     parser.oplevel--;
-    if (token != TOKCLOSE) tarnsyntax(19, "unbalanced parentheses");
+    if (token != TOKCLOSE) tarnsyntax(misplaced(token), 19, "unbalanced parentheses");
     parser.argptr--;
     parser.closed = 1;
 }
@@ -137,14 +140,15 @@ void closebracket(int token) {
 // The bottom met the end of the statement: one operand left over is shown.
 void endexpression(int token) {
     if (token != TOKEND || parser.poltop < 0) return;
-    if (parser.poltop > 0) tarnsyntax(13, "illegal statement");
+    if (parser.poltop > 0) tarnsyntax(leftover(), 13, "illegal statement");
     process(TOKTYPE);
 }
 
 // THEN behind the condition, ELSE behind the then-value.
 void advanceif(int token) {
     const int waiting = optop();
-    if (waiting != (token == TOKTHEN ? TOKIF : TOKTHEN)) tarnsyntax(4, "illegal token pairing");
+    if (waiting != (token == TOKTHEN ? TOKIF : TOKTHEN))
+        tarnsyntax(misplaced(token), 4, "illegal token pairing");
     if (parser.funcmode == 0 && token == TOKTHEN) {
         const int top = parser.poltop >= 0 ? parser.polstack[parser.poltop] : 0;
         if (top <= 0 || sym(top).type != MATRIX) { // the text of one branch is taken, as statements
@@ -160,7 +164,8 @@ void advanceif(int token) {
 }
 
 void secondcolon(int token) {
-    if (optop() != TOKCOLON) tarnerror("Too many colons in expression");
+    if (optop() != TOKCOLON)
+        tarnerror(marked("a range is A:B, A:B:STEP or A:B!COUNT"), "Too many colons in expression");
     parser.opstack[parser.oplevel] = token == TOKCOUNT ? TOKCOUNT : TOKSECONDCOLON;
 }
 
@@ -172,20 +177,35 @@ bool staysright(int token) {
 int stackaction(int token) {
     const int r = tokentables.row[optop()];
     if (parser.debugsw) debugstacks();
-    if (r < 1) tarnsyntax(18, "illegal token pairing");
+    if (r < 1) tarnsyntax(misplaced(token), 18, "illegal token pairing");
     const int a = staysright(token) ? int(PAIRSHIFT) : pairing[r][tokentables.col[token]];
     if (parser.debugsw)
         tarnprint("polish: opstackftoken = %hd, current token = %hd,stack action num=%hd\n", short(optop()),
                   short(token), short(a));
-    if (a < 1) tarnsyntax(4, "illegal token pairing");
+    if (a < 1) tarnsyntax(misplaced(token), 4, "illegal token pairing");
     return a;
+}
+
+// An = that the statement goes on behind compares. With a new name on its left it was meant to assign, and
+// what follows is what is wrong.
+void refusefailedassignment(int token) {
+    if (optop() != TOKEQUAL || parser.oplevel != 1 || token == TOKEND || parser.poltop != 1) return;
+    if (parser.funcmode != 0 || sym(parser.polstack[0]).type != UNKNOWN) return;
+    if (pairing[tokentables.row[TOKBOTTOM]][tokentables.col[token]] < 1)
+        tarnsyntax(misplaced(token), 4, "illegal token pairing");
+    if (token == TOKCOMMA)
+        tarnsyntax(marked("one value is assigned; LIST(1,2,3) makes a matrix of several"), 13,
+                   "illegal statement");
 }
 
 // Reduces as far as the table says, then does the action that the token itself meets. True when the token
 // closed a bracket, and so completed an operand.
 bool pairtoken(int token) {
     int a;
-    while ((a = stackaction(token)) == PAIRREDUCE) reduce();
+    while ((a = stackaction(token)) == PAIRREDUCE) {
+        refusefailedassignment(token);
+        reduce();
+    }
     parser.closed = 0;
     switch (a) {
     case PAIRSHIFT: shift(token); break;
@@ -203,21 +223,67 @@ bool pairtoken(int token) {
 
 enum step { NEXTTOKEN, FINISHED, PAIR, EMPTYCALL };
 
+// What takes the value before it cannot come first: it would take a value from further back.
+void refuseinfix(int token) {
+    if (parser.funcmode != 0 && parser.oplevel == 0) return; // the head of a definition sees to itself
+    switch (token) {
+    case TOKCOMMA:
+        if (optop() != TOKCALL && optop() != TOKOPEN && optop() != TOKCOMMA) return;
+        [[fallthrough]];
+    case TOKCLOSE: tarnsyntax(nothingbefore(token), 3, "illegal command type");
+    case TOKTHEN:
+    case TOKELSE: tarnsyntax(nothingbefore(token), 4, "illegal token pairing");
+    case TOKPOWER:
+    case TOKTIMES:
+    case TOKDIVIDE:
+    case TOKEQUAL:
+    case TOKLESS:
+    case TOKLESSEQUAL:
+    case TOKGREATEREQUAL:
+    case TOKGREATER:
+    case TOKAND:
+    case TOKOR:
+    case TOKUNDERSCORE:
+    case TOKON:
+    case TOKCOLON:
+    case TOKCELLTIMES:
+    case TOKCELLDIVIDE:
+    case TOKKRONECKER:
+    case TOKSTACK:
+    case TOKBESIDE:
+    case TOKREPEAT:
+    case TOKREPEATBY:
+    case TOKCOUNT: tarnsyntax(nothingbefore(token), 27, "missing arg for binary operator");
+    default: break;
+    }
+}
+
+// A clause with no statement leaves nothing behind.
+void tellbareclause(int token) {
+    if (isclause(token) && tokentables.pcase[token] != 0)
+        tarnwarn("%s does nothing by itself: it stands behind DRAW, TITLE and the like", tokenword(token));
+}
+
 // An operator where an operand was due.
 step prefix(int token) {
     if (token == TOKEND) {
+        if (parser.oplevel == 0 && parser.poltop >= 0)
+            tarnsyntax(marked("a value is missing behind the comma"), 13, "illegal statement");
         if (parser.oplevel == 0) return FINISHED;
-        if (!mayendbare(opcommand()) && optop() != TOKPRIME) tarnsyntax(3, "illegal command type");
+        if (!mayendbare(opcommand()) && optop() != TOKPRIME)
+            tarnsyntax(nothingbehind(), 3, "illegal command type");
         return PAIR;
     }
     if (token == TOKCLOSE && optop() == TOKCALL) return EMPTYCALL;
+    refuseinfix(token);
+    if (parser.oplevel == 0 && parser.funcmode == 0) tellbareclause(token);
     oppush(token);
     parser.closed = 0;
     return NEXTTOKEN;
 }
 
 void operand(polishstate& p) {
-    if (p.isvalue) tarnerror("syntax error: two values not separated by an operator");
+    if (p.isvalue) tarnerror(noseparator(p.index), "syntax error: two values not separated by an operator");
     polpush(p.index);
     p.isvalue = true;
     parser.closed = 0;
@@ -225,16 +291,39 @@ void operand(polishstate& p) {
 
 bool isoperand(int token) { return token <= TOKNUMBER || token == TOKSTRING; }
 
+// An operator on a string that is only a comment.
+void telldroppedstring(int token) {
+    switch (token) {
+    case TOKPLUS:
+    case TOKPOWER:
+    case TOKEQUAL:
+    case TOKLESS:
+    case TOKLESSEQUAL:
+    case TOKGREATEREQUAL:
+    case TOKGREATER:
+    case TOKSTACK:
+    case TOKBESIDE:
+        tarnwarn("a string in front of a statement is a comment; TYPE shows what is computed from one");
+    }
+}
+
 // Empty statements and strings in front of a statement leave no trace.
 void statementhead() {
     int token, index;
+    bool string = false; // the token before was one
     for (;;) {
         newtoken(token, index);
         if (token != TOKSTRING && token != TOKEND) break;
-        if (token == TOKSTRING) tempfree(index);
+        string = token == TOKSTRING;
+        if (string) tempfree(index);
         line.prompt = "* ";
     }
-    if (token == TOKTHEN || token == TOKELSE) tarnsyntax(7, "statement starting with illegal token");
+    if (string) telldroppedstring(token);
+    if (token == TOKTHEN || token == TOKELSE)
+        tarnsyntax(
+            further("%s stands on the line of its IF, or behind the } that closes the branch before it",
+                    tokenword(token)),
+            7, "statement starting with illegal token");
     pushtoken(token, index);
 }
 
@@ -253,7 +342,7 @@ void releaseclauses() {
 
 // The end of a statement that did something: in a do-file or a loop the user may stop it here.
 void statementend() {
-    if (parser.poltop > 0) tarnsyntax(15, "illegal statement");
+    if (parser.poltop > 0) tarnsyntax(leftover(), 15, "illegal statement");
     releaseclauses();
     if (line.depth == 0) return;
     if (!parser.interrupted) keypoll();

@@ -3,9 +3,10 @@
 #include "funcs/define.h"
 #include "funcs/pending.h"
 #include "interp/assign.h"
-#include "interp/help.h"
 #include "interp/base/report.h"
 #include "interp/base/symtab.h"
+#include "interp/help.h"
+#include "interp/mistakes.h"
 #include "interp/tokenfil.h"
 
 #include <iterator>
@@ -62,12 +63,15 @@ bool mayrunempty(int token) {
 
 } // namespace
 
-void notavailable(int token) { tarnerror("%s is not available in this build", tokenword(token)); }
+void notavailable(int token) {
+    const char* const word = tokenword(token);
+    tarnerror("%s is not available in this build", *word ? word : "this form of statement");
+}
 
 void process(int token) {
     const int top = parser.poltop;
     if (top < 0 && tokentables.col[parser.token] != 0 && !mayrunempty(token))
-        tarnsyntax(7, "illegal statement");
+        tarnsyntax(marked(std::string(tokenword(token)) + " has nothing to work on"), 7, "illegal statement");
     if (parser.funcmode != 0) return funcprocess(token);
     if (pending.count != 0 && !pendingkeeps(token)) pendingcompute();
     const processop op{token, top >= 0 ? parser.polstack[top] : 0, top >= 1 ? parser.polstack[top - 1] : 0};
@@ -80,7 +84,8 @@ void process(int token) {
 }
 
 void needoperands(int count) {
-    if (parser.poltop + 1 < count) tarnerror("polstack[] empty, cannot be popped");
+    if (parser.poltop + 1 < count)
+        tarnerror(marked("a value is missing"), "polstack[] empty, cannot be popped");
 }
 
 void dropoperands(int count) { parser.poltop -= count; }

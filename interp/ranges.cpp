@@ -18,7 +18,9 @@ constexpr double NEAREND = 1e-9;
 harrayptr stepped(double a, double b, double step) {
     const double d = b < a ? -std::fabs(step) : std::fabs(step);
     const double n = d == 0 ? 1 : 1 + std::floor(std::fabs((b + 1e-6 * d - a) / std::fabs(d)));
-    if (!(n <= 0x3FFFFFFF)) tarnerror("Too many elements requested in 'xalloc()'");
+    if (!(n <= 0x3FFFFFFF))
+        tarnerror(further("a range from %.15g to %.15g in steps of %.15g", a, b, d),
+                  "Too many elements requested in 'xalloc()'");
     harrayptr m(harrayraw(uint32_t(n), 1));
     double x = a;
     for (size_t k = 1; k <= size_t(n); k++, x += d) cells(m.get())[k] = x;
@@ -31,8 +33,8 @@ void exactend(const harrayptr& m, double b) {
     if (std::fabs(b) >= 1 && std::fabs(b - last(m)) <= NEAREND) last(m) = b;
 }
 
-void needincrement(double c) {
-    if (c == 0) tarnerror("COLON (:) zero increment not allowed");
+void needincrement(double c, const char* what) {
+    if (c == 0) tarnerror(further("%s is 0", what), "COLON (:) zero increment not allowed");
 }
 
 } // namespace
@@ -44,16 +46,19 @@ harrayptr rangematrix(double a, double b) {
 }
 
 harrayptr stepmatrix(double a, double b, double step) {
-    needincrement(step);
+    needincrement(step, "the step, the last number of A:B:STEP,");
     harrayptr m = stepped(a, b, step);
     exactend(m, b);
     return m;
 }
 
 harrayptr countmatrix(double a, double b, double n) {
-    needincrement(n);
+    needincrement(n, "the count, the last number of A:B!COUNT,");
     double k = std::floor(n);
-    if (k != n) tarnwarn(":! count is not an integer");
+    if (k != n) {
+        tarnwarn(":! count is not an integer");
+        tarnwarn("%.15g is read as %.15g", n, k);
+    }
     if (k < 0) k = 1 - k;
     harrayptr m = k == 1 ? stepped(b, b, 0) : stepped(a, b, (b - a) / (k - 1));
     last(m) = b;
@@ -88,7 +93,8 @@ int listof(const int16_t* operands, int count) {
         else if (s.type == CONSTANT || s.type == SCALAR)
             total++;
         else
-            tarnerror("bad type in LIST expression");
+            tarnerror(further("value %d of the list: %s", k + 1, describe(operands[k]).c_str()),
+                      "bad type in LIST expression");
     }
     if (total > 0x3FFFFFFF) tarnerror("Too many elements requested in 'xalloc()'");
     harrayptr m(harrayraw(uint32_t(total), 1));

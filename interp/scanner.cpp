@@ -5,6 +5,7 @@
 #include "interp/base/report.h"
 #include "interp/base/symtab.h"
 #include "interp/base/tokens.h"
+#include "interp/mistakes.h"
 #include "values/harray.h"
 #include "values/stringarray.h"
 
@@ -117,14 +118,16 @@ namespace {
 int numbertoken() {
     int status;
     const double x = getnumber(status);
-    if (status == -1) tarnerror("illegal exponent in number");
-    if (status == -2) tarnerror("mal-formed number");
+    if (status == -1) tarnerror(marked("digits are missing behind the E"), "illegal exponent in number");
+    if (status == -2) tarnerror(marked("digits are missing before the E"), "mal-formed number");
     if (scanner.record) scanner.record->tokens.push_back({TOKNUMBER, 0, -1, x});
     return symtabconst(x);
 }
 
 [[noreturn]] void nametoolong() {
-    tarnerror("name too long: maximum name length is %hd characters", short(MAXNAME));
+    const std::string name = line.text.substr(scanner.start, line.cursor - scanner.start);
+    tarnerror(further("it begins with %s", name.c_str()),
+              "name too long: maximum name length is %hd characters", short(MAXNAME));
 }
 
 // Collects a name at the cursor as typed; limit is the length that is refused. Returns its length.
@@ -189,27 +192,70 @@ int nametoken(int& index) {
     return token;
 }
 
+// Bytes of the letter in UTF-8 at that place; 1 for what is none.
+size_t letterlength(size_t at) {
+    const auto lead = static_cast<unsigned char>(line.text[at]);
+    const size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC0 ? 2 : 1;
+    for (size_t k = 1; k < length; k++)
+        if (at + k >= line.text.size() || (line.text[at + k] & 0xC0) != 0x80) return 1;
+    return length;
+}
+
+// What other languages and word processors write with a character, and how it is written here.
+furtherline meantby(size_t at) {
+    static constexpr struct {
+        const char *letter, *meant;
+    } letters[] = {{"%", "a comment stands between /* and */; MOD(A,B) is the remainder"},
+                   {"\\", "a backslash continues a line, at its very end; LINEQ solves equations"},
+                   {"|", "OR joins two conditions, ABS(X) is the absolute value"},
+                   {"~", "NOT turns a condition, NOT (A = B) compares"},
+                   {"$", "names are made of letters, digits and periods"},
+                   {"@", "names are made of letters, digits and periods"},
+                   {"`", "text stands in double quotes"},
+                   {".", "a period begins neither a name nor an operator; A*'B multiplies elements"},
+                   {"\xE2\x80\x9C", "text stands in plain double quotes"},
+                   {"\xE2\x80\x9D", "text stands in plain double quotes"},
+                   {"\xE2\x80\x98", "the prime is the plain one"},
+                   {"\xE2\x80\x99", "the prime is the plain one"},
+                   {"\xE2\x88\x92", "the minus is the plain hyphen"},
+                   {"\xE2\x80\x93", "the minus is the plain hyphen"},
+                   {"\xC3\x97", "products are written with *"},
+                   {"\xC2\xB7", "products are written with *"},
+                   {"\xC2\xB2", "powers are written with ^"},
+                   {"\xC2\xB3", "powers are written with ^"},
+                   {"\xC2\xA0", "it is a blank that does not break; type a plain one"}};
+    const std::string letter = line.text.substr(at, letterlength(at));
+    for (const auto& row : letters)
+        if (letter == row.letter) return {row.meant};
+    if (letter.size() > 1)
+        return further("%s can stand in texts and comments; names are made of A to Z, digits and periods",
+                       letter.c_str());
+    return {};
+}
+
 [[noreturn]] void illegalcharacter() {
     const size_t at = line.cursor, from = at < 40 ? 0 : at - 40;
     std::string text = line.text.substr(from, at - from);
     text.erase(0, text.rfind('\r') + 1); // what stands on lines before
     text += '_';
-    text += line.text.substr(at + 1, 30);
+    text += line.text.substr(at + letterlength(at), 30);
     text.erase(std::min(text.find('\r'), text.size()));
     for (char& c : text)
         if (static_cast<unsigned char>(c) < ' ') c = ' ';
     tarnprint("\nError line:");
     tarnprint("%s\n", text.c_str());
     const unsigned c = static_cast<unsigned char>(line.text[at]);
+    const furtherline more = meantby(at);
     if (c < ' ' || c > '~')
-        tarnerror("illegal character in command: hex: %hx", static_cast<unsigned short>(c));
-    tarnerror("illegal character in command: hex: %hx (%c)", static_cast<unsigned short>(c), int(c));
+        tarnerror(more, "illegal character in command: hex: %hx", static_cast<unsigned short>(c));
+    tarnerror(more, "illegal character in command: hex: %hx (%c)", static_cast<unsigned short>(c), int(c));
 }
 
 int stringsymbol(std::string_view text) { return symtabtext(0, 0, text); }
 
 // The cursor stands behind the opening quote.
 int stringtoken() {
+    const openpart part("a string");
     std::string text;
     for (;;) {
         const char c = peekch();
@@ -233,6 +279,7 @@ int stringtoken() {
 
 // The cursor stands behind the opening of a comment.
 void skipcomment() {
+    const openpart part("a comment");
     for (;;) {
         const char c = getch();
         if (c == '*' && here() == '/') break;

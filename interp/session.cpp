@@ -24,10 +24,17 @@ namespace {
 enum jumpvalue { JUMPERROR = -1, JUMPSTOP = -2, JUMPQUIET = 5, JUMPBREAK = 6 };
 
 // A failure of the language's library, told in the system's own words.
-int libraryfailure(const char* what) {
+int libraryfailure(const furtherline& more, const char* what) {
     try {
-        tarnerror("%s", what);
+        tarnerror(more, "%s", what);
     } catch (const recoveryjump& jump) { return jump.value; }
+}
+
+// The summary of a statement's floating-point errors, and where it stands if it was not typed.
+void tellfaults() {
+    fpsummary(false);
+    const std::string place = typedbyhand() ? "" : sourceplace();
+    if (!place.empty()) tarnwarn("floating-point errors in %s", place.c_str());
 }
 
 // Runs one statement; 0, or the value of the jump that ended it.
@@ -36,12 +43,12 @@ int runstatement() {
         statementbegin();
         loopadvance();
         polish();
-        fpsummary(false);
+        if (fp.total != 0) tellfaults();
         return 0;
     } catch (const recoveryjump& jump) { return jump.value; } catch (const std::bad_alloc&) {
-        return libraryfailure("insufficient memory for this statement");
+        return libraryfailure(nomemory(), "insufficient memory for this statement");
     } catch (const sessionend&) { throw; } catch (const std::exception& failure) {
-        return libraryfailure(failure.what());
+        return libraryfailure({failure.what()}, "this statement is beyond what the system can do");
     }
 }
 
@@ -75,18 +82,21 @@ void reedit() {
     line.lastline = line.text;
 }
 
-void recover(int value) {
+// failed: an error has been told.
+void recover(int value, bool failed) {
     const bool byhand = typedbyhand();
+    const std::string place = sourceplace();
+    if (failed && !byhand && !place.empty()) tarnwarn("in %s", place.c_str());
     if (value == JUMPBREAK) breakmessage();
     commonreset();
     if (value == JUMPERROR && byhand && !report.batch) reedit();
 }
 
 // A break may come while a recovery is under way; then that one is served in its stead.
-void recoverfully(int value) {
+void recoverfully(int value, bool failed) {
     while (value != 0) {
         try {
-            recover(value);
+            recover(value, failed);
             value = 0;
         } catch (const recoveryjump& jump) { value = jump.value; }
     }
@@ -102,10 +112,11 @@ int batchstatus(int value) {
 
 int statementloop() {
     for (;;) {
+        const int errors = report.errors;
         const int value = runstatement();
         if (value == 0) continue;
         if (report.batch) return batchstatus(value);
-        recoverfully(value);
+        recoverfully(value, report.errors > errors);
     }
 }
 
@@ -194,7 +205,7 @@ bool sessionexecute(const std::string& statements) {
     bool good = true;
     try {
         while (good) good = runstatement() == 0;
-        recoverfully(JUMPSTOP);
+        recoverfully(JUMPSTOP, false);
     } catch (const sessionend& end) { good = end.status == 0; }
     dofiles.closed = closed;
     return good && report.errors == errors;

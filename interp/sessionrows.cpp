@@ -13,7 +13,9 @@
 namespace {
 
 void performdo(const processop& op) {
-    if (parser.poltop != 0) tarnsyntax(25, "Incorrect number of arguments");
+    if (parser.poltop != 0)
+        tarnsyntax(further("DO runs one file, and %d are named", parser.poltop + 1), 25,
+                   "Incorrect number of arguments");
     polpop();
     dofile(op.ptop);
 }
@@ -21,7 +23,8 @@ void performdo(const processop& op) {
 void performexit(const processop&) { tarnexit(0); }
 
 void performedit(const processop& op) {
-    if (parser.poltop > 0) tarnerror("only one object may be edited");
+    if (parser.poltop > 0)
+        tarnerror(further("%d are named", parser.poltop + 1), "only one object may be edited");
     if (clause.fileflag != 1) edit(op.ptop);
     fileedit(op.ptop);
     if (parser.poltop == 0) tempfree(polpop());

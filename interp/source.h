@@ -15,9 +15,30 @@ struct linestate {
     const char* prompt = "* ";
     bool keepline = false; // text must keep what it holds: getline appends, and cursor goes on there
     size_t carry = 0;      // length of the text held in front of the line being read
-    int depth = 0;         // frames on the do-stack: 0 while the keyboard is the source
+    const char* open =
+        nullptr;    // what has been begun in an earlier line and must end: "a string"; null: nothing
+    int opened = 0; // the line of the do-file that it was begun in; 0 for typed lines
+    int depth = 0;  // frames on the do-stack: 0 while the keyboard is the source
 };
 extern linestate line;
+
+int sourceline(); // the line of the do-file that was read last; 0 for other sources
+
+// What may run over several lines, for the message should the input end inside it.
+struct openpart {
+    const char* const before = line.open;
+    const int beforeopened = line.opened;
+    explicit openpart(const char* what) {
+        line.open = what;
+        line.opened = sourceline();
+    }
+    ~openpart() {
+        line.open = before;
+        line.opened = beforeopened;
+    }
+    openpart(const openpart&) = delete;
+    openpart& operator=(const openpart&) = delete;
+};
 
 // Refills line (or turns scanner.stream to its next pass): on return a character or token can be read. Called
 // only with nothing left to read. Does not return when the input has ended for good.

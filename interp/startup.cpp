@@ -53,6 +53,8 @@ bool startvocabulary() {
     std::string failure;
     if (symtabinit((report.tarnpath + "TOKEN.FIL").c_str(), failure)) return true;
     conout("%s", failure.c_str());
+    conout("TOKEN.FIL and the other start-up files belong beside the program, in %s\n",
+           report.tarnpath.c_str());
     getkey(true);
     return false;
 }
@@ -73,7 +75,11 @@ void startentries() {
 bool startlog() {
     logroll("");
     report.log = fopen(logname("").c_str(), "w+");
-    if (!report.log) conout("Cannot open log file...  Exiting.\n");
+    if (!report.log) {
+        conout("Cannot open log file...  Exiting.\n");
+        conout("%s cannot be written in %s: start in a directory of your own\n", logname("").c_str(),
+               currentdirectory().c_str());
+    }
     return report.log != nullptr;
 }
 
@@ -92,6 +98,7 @@ bool startobjects(const char* file) {
     const int directory = symtablookup("FILEDIR");
     if (directory >= 0 && sym(directory).type == STRINGTYPE) return true;
     logout("INIT.SAV missing!\n");
+    conout("INIT.SAV missing!\nIt belongs into %s, and gives FILEDIR a value\n", report.tarnpath.c_str());
     return false;
 }
 
@@ -131,11 +138,23 @@ void setdisplay(const std::string& device) {
 
 namespace {
 
-void queue(const std::string& path) {
+// False if there is no such file.
+bool queue(const std::string& path) {
     std::string content;
-    if (!readwhole(path.c_str(), content)) return;
+    if (!readwhole(path.c_str(), content)) return false;
     logout("* do %s\n", path.c_str());
     pushfile(path.c_str(), std::move(content));
+    return true;
+}
+
+constexpr const char* DEFAULTDOFILE = "_";
+
+// The do-file of the command line. One that cannot be read is no reason to stop.
+void queuenamed(const std::string& path) {
+    if (queue(path) || path == DEFAULTDOFILE) return;
+    tarnwarn("couldn't open DO file %s", path.c_str());
+    tarnwarn("%s", notreadable(path).text.c_str());
+    queue(DEFAULTDOFILE);
 }
 
 } // namespace
@@ -144,7 +163,7 @@ void queue(const std::string& path) {
 void startdofiles(const sessionoptions& options) {
     dofiles.closed = options.batch;
     if (options.batch) pushfile(options.batchname.c_str(), options.batchtext);
-    queue(options.dofile);
+    queuenamed(options.dofile);
     if (options.vanilla) return;
     queue("tarninit.do");
     if (options.startmode == 0) queue(report.tarnpath + "startup.do");

@@ -6,11 +6,13 @@
 #include "interp/base/operand.h"
 #include "interp/base/report.h"
 #include "interp/base/tokens.h"
+#include "interp/mistakes.h"
 #include "interp/process.h"
 #include "interp/scanner.h"
 #include "values/harray.h"
 #include "values/stringarray.h"
 
+#include <algorithm>
 #include <cstring>
 #include <iterator>
 #include <vector>
@@ -41,8 +43,10 @@ bool istarget() {
     return token == TOKUNDERSCORE || (token == TOKEQUAL && !parser.assigned && parser.oplevel == 1);
 }
 
-void checksubscripts(int count) {
-    if (count != 1 && count != 2) tarnerror("matrices may have 1 or 2 subscripts only");
+void checksubscripts(int matrix, int count) {
+    if (count == 1 || count == 2) return;
+    tarnerror(further("%s, and %d subscripts are given", describe(matrix).c_str(), count),
+              "matrices may have 1 or 2 subscripts only");
 }
 
 int targetpart(int matrix, const int16_t* subscripts, int count) {
@@ -51,35 +55,54 @@ int targetpart(int matrix, const int16_t* subscripts, int count) {
     return newsubmtx(matrix, rows, cols);
 }
 
-uint32_t subscript(int idx, uint32_t limit) {
+// A subscript of matrix; what: "row" or "column".
+uint32_t subscript(int matrix, const char* what, int idx, uint32_t limit) {
     const double x = scalarval(idx);
-    if (!(x >= 1 && x < double(limit) + 1)) badsubscript();
+    if (!(x >= 1 && x < double(limit) + 1)) badsubscript(matrix, what, x);
     return uint32_t(x);
 }
 
 int textelement(const StringArray* a, uint32_t i, uint32_t j) {
     char* text = nullptr;
     if (!StringArrayStrGet(a, long(i), long(j), &text))
-        tarnerror("StringArrayStrGet failed in matrixhandler()");
+        tarnerror(nomemory(), "StringArrayStrGet failed in matrixhandler()");
     return symtabtemp(0, 0, text, TEMPSTRING, 0);
+}
+
+[[noreturn]] void undefinedcallee(int idx) {
+    const char* const text = "%s is undefined, a matrix or function was expected here";
+    const int meant = symtabnearest(sym(idx).name, [](const symbol& s) {
+        return s.type < 0 || s.type == USERFUNCTION || s.type == MATRIX || s.type == STRINGMATRIX;
+    });
+    tarnerror(meant ? further("is %s meant?", sym(meant).name) : furtherline{}, text, nametext(idx).c_str());
+}
+
+[[noreturn]] void badkind(int matrix, int subscript) {
+    const std::string name = nametext(matrix);
+    if (ismatrix(subscript))
+        tarnerror(further("one element is taken so; several rows are %s ROW 1:2, columns %s COL 1:2",
+                          name.c_str(), name.c_str()),
+                  "subscripts must be scalars");
+    tarnerror(further("%s, in a subscript of %s", describe(subscript).c_str(), name.c_str()),
+              "subscripts must be scalars");
 }
 
 int element(int matrix, const int16_t* subscripts, int count) {
     const symbol& s = sym(matrix);
-    if (s.type == UNKNOWN) tarnerror("%s is undefined, a matrix or function was expected here", s.name);
-    checksubscripts(count);
+    if (s.type == UNKNOWN) undefinedcallee(matrix);
+    checksubscripts(matrix, count);
     for (int k = 0; k < count; k++)
-        if (!isscalar(subscripts[k])) tarnerror("subscripts must be scalars");
+        if (!isscalar(subscripts[k])) badkind(matrix, subscripts[k]);
     const int column = count == 2 ? subscripts[1] : symtab.one;
     int result;
     if (s.type == STRINGMATRIX) {
         const StringArray* a = static_cast<const StringArray*>(s.val.ptr);
-        const uint32_t i = subscript(subscripts[0], a->rows);
-        result = textelement(a, i, subscript(column, a->cols));
+        const uint32_t i = subscript(matrix, "row", subscripts[0], a->rows);
+        result = textelement(a, i, subscript(matrix, "column", column, a->cols));
     } else {
         const harray* a = matrixof(matrix);
-        const uint32_t i = subscript(subscripts[0], a->rows);
-        result = symtabtempscalar(0, 0, at(a, i, subscript(column, a->cols)));
+        const uint32_t i = subscript(matrix, "row", subscripts[0], a->rows);
+        result = symtabtempscalar(0, 0, at(a, i, subscript(matrix, "column", column, a->cols)));
     }
     tempfree(matrix);
     tempfree(subscripts[0]);
@@ -89,7 +112,10 @@ int element(int matrix, const int16_t* subscripts, int count) {
 
 } // namespace
 
-void badsubscript() { tarnerror("matrix subscript out of valid range"); }
+void badsubscript(int matrix, const char* what, double x) {
+    tarnerror(further("%s %.15g: %s", what, x, describe(matrix).c_str()),
+              "matrix subscript out of valid range");
+}
 
 void assignelement(int matrix, double row, double col, double value) {
     const int16_t subscripts[2] = {int16_t(symtabtempscalar(0, 0, row)),
@@ -109,7 +135,7 @@ void matrixhandler(int base, int symidx) {
     const int count = parser.poltop - base;
     int result;
     if (istarget()) {
-        checksubscripts(count);
+        checksubscripts(symidx, count);
         result = targetpart(symidx, subscripts, count);
     } else {
         result = element(symidx, subscripts, count);
@@ -133,19 +159,34 @@ void submtxrelease() {
 namespace {
 
 // Refusals of a subscript, by what is selected and how.
-using refusal = void (*)(const char* name, long k);
-void badrow(const char*, long) { tarnerror("illegal row index in submatrix"); }
-void badcolumn(const char*, long) { tarnerror("illegal column index in submatrix"); }
-void norow(const char* name, long k) { tarnerror("matrix %s does not have row %ld", name, k); }
-void nocol(const char* name, long k) { tarnerror("matrix %s does not have col %ld", name, k); }
-void nocolumn(const char* name, long k) { tarnerror("matrix %s does not have column %ld", name, k); }
+using refusal = void (*)(int matrix, double k);
+furtherline toofar(int matrix, const char* what, double k) {
+    return further("%s %.15g: %s", what, k, describe(matrix).c_str());
+}
+long shown(double k) { return long(std::clamp(k, -2147483648.0, 2147483647.0)); }
+void badrow(int matrix, double k) { tarnerror(toofar(matrix, "row", k), "illegal row index in submatrix"); }
+void badcolumn(int matrix, double k) {
+    tarnerror(toofar(matrix, "column", k), "illegal column index in submatrix");
+}
+void norow(int matrix, double k) {
+    tarnerror(furtherline{describe(matrix)}, "matrix %s does not have row %ld", nametext(matrix).c_str(),
+              shown(k));
+}
+void nocol(int matrix, double k) {
+    tarnerror(furtherline{describe(matrix)}, "matrix %s does not have col %ld", nametext(matrix).c_str(),
+              shown(k));
+}
+void nocolumn(int matrix, double k) {
+    tarnerror(furtherline{describe(matrix)}, "matrix %s does not have column %ld", nametext(matrix).c_str(),
+              shown(k));
+}
 
 // The rows or columns that a subscript selects, from 0; all of them when there is none.
-std::vector<uint32_t> chosen(int subscripts, uint32_t limit, refusal refuse, const char* name) {
+std::vector<uint32_t> chosen(int subscripts, uint32_t limit, refusal refuse, int matrix) {
     std::vector<uint32_t> list(subscripts ? harraycount(matrixof(subscripts)) : limit);
     for (size_t k = 0; k < list.size(); k++) {
         const double x = subscripts ? cells(matrixof(subscripts))[k + 1] : double(k + 1);
-        if (!(x >= 1 && x < double(limit) + 1)) refuse(name, long(x));
+        if (!(x >= 1 && x < double(limit) + 1)) refuse(matrix, x);
         list[k] = uint32_t(x) - 1;
     }
     return list;
@@ -154,9 +195,8 @@ std::vector<uint32_t> chosen(int subscripts, uint32_t limit, refusal refuse, con
 // A new matrix of the selected rows and columns; the parts, as far as they are temporaries, are released.
 int selected(const submtxparts& part, refusal rowrefusal, refusal colrefusal) {
     const harray* m = matrixof(part.matrix);
-    const char* name = sym(part.matrix).name;
-    const auto rows = chosen(part.rows, m->rows, rowrefusal, name);
-    const auto cols = chosen(part.cols, m->cols, colrefusal, name);
+    const auto rows = chosen(part.rows, m->rows, rowrefusal, part.matrix);
+    const auto cols = chosen(part.cols, m->cols, colrefusal, part.matrix);
     harrayptr result(harrayraw(uint32_t(rows.size()), uint32_t(cols.size())));
     double* out = cells(result.get()) + 1;
     for (const uint32_t i : rows) {
@@ -178,19 +218,25 @@ bool selectiontarget() {
            (token == TOKEQUAL && !parser.assigned && parser.oplevel == 0);
 }
 
+[[noreturn]] void nomatrix(int idx, bool byrow) {
+    const furtherline more{describe(idx)};
+    if (byrow) tarnerror(more, "submatrix references non-existent matrix");
+    tarnerror(more, "%s is not a matrix", nametext(idx).c_str());
+}
+
 // The second part of a selection, such as the columns behind A ROW 1:2.
 int completed(int submtx, int subscripts, bool byrow, bool target) {
     submtxparts part = submtxof(submtx);
     int& missing = byrow ? part.rows : part.cols;
-    if (missing) tarnerror("a too complicated ROW/COL expression");
+    if (missing)
+        tarnerror(further("%s has one ROW and one COL: select from a name, step by step",
+                          nametext(part.matrix).c_str()),
+                  "a too complicated ROW/COL expression");
     missing = subscripts;
     trinode& node = trimutable(sym(submtx).index);
     (byrow ? node.left : node.right) = int16_t(-subscripts);
     if (target) return submtx;
-    if (sym(part.matrix).type != MATRIX) {
-        if (byrow) tarnerror("submatrix references non-existent matrix");
-        tarnerror("%s is not a matrix", sym(part.matrix).name);
-    }
+    if (sym(part.matrix).type != MATRIX) { nomatrix(part.matrix, byrow); }
     return byrow ? selected(part, badrow, badcolumn) : selected(part, norow, nocol);
 }
 
@@ -198,20 +244,17 @@ int selection(int token, int operand, int index) {
     const bool byrow = token == TOKROW, target = selectiontarget();
     const int type = sym(operand).type;
     if (type != UNKNOWN && type != MATRIX && type != SUBMTX)
-        tarnerror("can't apply %s to this type", byrow ? "ROW" : "COL");
+        tarnerror(furtherline{describe(operand)}, "can't apply %s to this type", byrow ? "ROW" : "COL");
     const int subscripts = subscriptmatrix(index);
     if (type == SUBMTX) return completed(operand, subscripts, byrow, target);
     if (target) return byrow ? newsubmtx(operand, subscripts, 0) : newsubmtx(operand, 0, subscripts);
-    if (type == UNKNOWN) {
-        if (byrow) tarnerror("submatrix references non-existent matrix");
-        tarnerror("%s is not a matrix", sym(operand).name);
-    }
+    if (type == UNKNOWN) { nomatrix(operand, byrow); }
     return byrow ? selected({operand, subscripts, 0}, badrow, badcolumn)
                  : selected({operand, 0, subscripts}, norow, nocolumn);
 }
 
 void rowcolop(const processop& op) {
-    if (!op.p2nd) tarnsyntax(27, "missing arg for binary operator");
+    if (!op.p2nd) tarnsyntax(statementform(op.token), 27, "missing arg for binary operator");
     replaceoperands(2, selection(op.token, op.p2nd, op.ptop));
 }
 
@@ -234,11 +277,12 @@ bool survivors(int subscripts, uint32_t limit, std::vector<uint32_t>& stay) {
 void removeparts(const submtxparts& part) {
     symbol& s = sym(part.matrix);
     if (istemporary(part.matrix)) return tarnwarn("DELETE: deletion does not apply to expressions");
-    if (s.type != MATRIX) return tarnwarn("DELETE: %s does not exist", s.name);
+    if (s.type != MATRIX) return tarnwarn("DELETE: %s does not exist", nametext(part.matrix).c_str());
     harray* m = static_cast<harray*>(s.val.ptr);
     std::vector<uint32_t> rows, cols;
     if (!survivors(part.rows, m->rows, rows) || !survivors(part.cols, m->cols, cols))
-        tarnerror("DELETE: invalid submatrix index");
+        tarnerror(further("%s, and its rows and columns are counted from 1", describe(part.matrix).c_str()),
+                  "DELETE: invalid submatrix index");
     if (symtabprotected(part.matrix)) return;
     if (cols.empty()) return symtabdelete(part.matrix);
     harrayptr rest(harrayraw(uint32_t(rows.size()), uint32_t(cols.size())));

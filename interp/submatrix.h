@@ -16,5 +16,6 @@ void matrixhandler(int base, int symidx); // A(...) with A at polstack[base]: a 
 void submtxrelease();                     // before a statement: lets go of those of the statement before
 void submtxdelete(int idx);               // DELETE of rows and columns
 
-[[noreturn]] void badsubscript();                                     // a subscript outside the matrix
+// A subscript outside the matrix: its "row" or "column" x.
+[[noreturn]] void badsubscript(int matrix, const char* what, double x);
 void assignelement(int matrix, double row, double col, double value); // matrix(row,col) = value

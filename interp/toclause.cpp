@@ -4,6 +4,7 @@
 #include "interp/base/tokens.h"
 #include "interp/process.h"
 #include "interp/rooms.h"
+#include "interp/tokenfil.h"
 #include "plot/clauses.h"
 #include "solvers/fit.h"
 
@@ -15,7 +16,10 @@ void toclause(const processop&) {
     case TOKWINDOW:
     case TOKFRAME:
     case TOKIMAGE: return windowtoclause();
-    default: tarnerror("no TO clause with this operator");
+    default:
+        tarnerror(further("TO belongs to FIT, WINDOW, FRAME and IMAGE, not to %s",
+                          opcommand() ? tokenword(opcommand()) : "an expression"),
+                  "no TO clause with this operator");
     }
 }
 

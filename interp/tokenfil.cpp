@@ -167,9 +167,19 @@ bool symtabinit(const char* path, std::string& failure) {
 }
 
 const char* tokenword(int token) {
+    static constexpr struct {
+        int token;
+        const char* text;
+    } signs[] = {{TOKPOWER, "^"},       {TOKTIMES, "*"},      {TOKDIVIDE, "/"},        {TOKPLUS, "+"},
+                 {TOKMINUS, "-"},       {TOKUNARYMINUS, "-"}, {TOKEQUAL, "="},         {TOKLESS, "<"},
+                 {TOKLESSEQUAL, "<="},  {TOKGREATER, ">"},    {TOKGREATEREQUAL, ">="}, {TOKCOMMA, ","},
+                 {TOKCLOSE, ")"},       {TOKOPEN, "("},       {TOKCALL, "("},          {TOKCOLON, ":"},
+                 {TOKSECONDCOLON, ":"}, {TOKCOUNT, "!"},      {TOKUNDERSCORE, "_"},    {TOKCELLTIMES, "*'"},
+                 {TOKCELLDIVIDE, "/'"}, {TOKKRONECKER, "#"},  {TOKSTACK, "&"},         {TOKBESIDE, "&'"},
+                 {TOKPRIME, "'"},       {TOKDERIVATIVE, "'"}, {TOKREPEAT, "^^"},       {TOKREPEATBY, "^^'"}};
+    for (const auto& s : signs)
+        if (s.token == token) return s.text;
     for (int i = 1; i < SYMTABSIZE; i++)
         if (sym(i).type == OPERATOR && sym(i).val.token == token) return sym(i).name;
-    static char number[16];
-    snprintf(number, sizeof number, "token %d", token);
-    return number;
+    return "";
 }

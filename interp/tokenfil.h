@@ -22,4 +22,4 @@ extern tokentablestate tokentables;
 // with the line).
 bool symtabinit(const char* path, std::string& failure);
 
-const char* tokenword(int token); // its keyword, or its number as text when it has none
+const char* tokenword(int token); // its keyword or sign; "" for names, numbers, strings and the end

@@ -26,14 +26,16 @@ void release(int count) {
 // ---- LINETYPE ----
 
 [[noreturn]] void badlinecount() {
-    tarnerrorhint("LINETYPE takes a number, a matrix of 1 to 7 numbers, or (seg1, gap, seg2, tick1, tick2, "
-                  "thick, fill)",
-                  "improper number of arguments to LINETYPE");
+    tarnerror(
+        furtherline{"LINETYPE takes a number, a matrix of 1 to 7 numbers, or (seg1, gap, seg2, tick1, tick2, "
+                    "thick, fill)"},
+        "improper number of arguments to LINETYPE");
 }
 
 void checklinetype(int type) {
     if (type < 0 || type > 12)
-        tarnerrorhint("line types are 0 to 12, this is " + std::to_string(type), "invalid linetype.");
+        tarnerror(furtherline{"line types are 0 to 12, this is " + std::to_string(type)},
+                  "invalid linetype.");
 }
 
 // The seven numbers of a line of one's own, in their order in the clause.
@@ -56,7 +58,7 @@ void linetype(const processop&) {
         linematrix(static_cast<const harray*>(sym(*operand).val.ptr));
     } else if (!scalars) {
         const int16_t* bad = std::find_if_not(operand, operand + n, [](int idx) { return isscalar(idx); });
-        tarnerrorhint(operandtext(*bad), "bad argument type in LINETYPE (LINE)");
+        tarnerror(furtherline{describe(*bad)}, "bad argument type in LINETYPE (LINE)");
     } else if (n == 1) {
         checklinetype(shortval(*operand));
         clause.linetype = shortval(*operand);
@@ -79,12 +81,13 @@ void pointtype(const processop& op) {
     const int type =
         text ? FIRSTCHARACTER + static_cast<unsigned char>(stringval(op.ptop)[0]) : shortval(op.ptop);
     const bool shape = std::abs(type) <= LASTSHAPE && type != -1;
-    if (text && type == FIRSTCHARACTER) tarnerrorhint("the text is empty", "invalid pointtype.");
+    if (text && type == FIRSTCHARACTER) tarnerror(furtherline{"the text is empty"}, "invalid pointtype.");
     if (text && type > LASTCHARACTER)
-        tarnerrorhint("a point is a single letter of ASCII", "invalid pointtype.");
+        tarnerror(furtherline{"a point is a single letter of ASCII"}, "invalid pointtype.");
     if (!shape && (type < FIRSTCHARACTER || type > LASTCHARACTER))
-        tarnerrorhint("point types are -31 to 31, or a letter in quotes; this is " + std::to_string(type),
-                      "invalid pointtype.");
+        tarnerror(
+            furtherline{"point types are -31 to 31, or a letter in quotes; this is " + std::to_string(type)},
+            "invalid pointtype.");
     clause.pointtype = int16_t(type);
     release(1);
 }
@@ -93,8 +96,9 @@ void color(const processop&) {
     const int16_t* operand;
     const int n = listed(operand);
     if (n > 3)
-        tarnerrorhint("it takes one to three: of points, line and labels, or of the first two and labels",
-                      "wrong number of arguments for COLOR clause");
+        tarnerror(
+            furtherline{"it takes one to three: of points, line and labels, or of the first two and labels"},
+            "wrong number of arguments for COLOR clause");
     clause.pointcolor = shortval(operand[0]);
     clause.linecolor = shortval(operand[n == 3 ? 1 : 0]);
     clause.labelcolor = clause.colorn = shortval(operand[n - 1]);
@@ -103,11 +107,11 @@ void color(const processop&) {
 
 // The first column holds the sizes; others hold angles and lengths that some shapes take.
 void checksizes(const harray* m) {
-    if (harraycount(m) == 0) tarnerrorhint("the matrix is empty", "illegal point size");
+    if (harraycount(m) == 0) tarnerror(furtherline{"the matrix is empty"}, "illegal point size");
     for (size_t i = 1; i <= m->rows; i++)
         if (at(m, i, 1) < 0)
-            tarnerrorhint("row " + std::to_string(i) + " is " + numstring(at(m, i, 1), {}),
-                          "point sizes must be non-negative");
+            tarnerror(furtherline{"row " + std::to_string(i) + " is " + numstring(at(m, i, 1), {})},
+                      "point sizes must be non-negative");
 }
 
 void pointsize(const processop& op) {
@@ -118,7 +122,7 @@ void pointsize(const processop& op) {
         clause.pointsizes = int16_t(polpop());
         return;
     }
-    if (!isscalar(op.ptop)) tarnerrorhint(operandtext(op.ptop), "illegal point size");
+    if (!isscalar(op.ptop)) tarnerror(furtherline{describe(op.ptop)}, "illegal point size");
     if (scalarval(op.ptop) < 0) tarnerror("point sizes must be non-negative");
     clause.pointsize = scalarval(op.ptop);
     release(1);
@@ -128,12 +132,14 @@ void adjust(const processop&) {
     const int16_t* operand;
     const int n = listed(operand);
     if (n != 1 && n != 4)
-        tarnerrorhint("the four are for xmin, xmax, ymin, ymax", "ADJUST must have 1 or 4 arguments");
+        tarnerror(furtherline{"the four are for xmin, xmax, ymin, ymax"},
+                  "ADJUST must have 1 or 4 arguments");
     for (int k = 0; k < 4; k++) {
         const double code = scalarval(operand[n == 4 ? k : 0]);
         if (!(code >= 0 && code <= 15))
-            tarnerrorhint("a sum of 1 shrink, 2 expand, 4 pad, 8 round, or WFIX, WFLOAT, WNICE, WMATCH",
-                          "ADJUST arguments must be in [0,15]");
+            tarnerror(
+                furtherline{"a sum of 1 shrink, 2 expand, 4 pad, 8 round, or WFIX, WFLOAT, WNICE, WMATCH"},
+                "ADJUST arguments must be in [0,15]");
         clause.adjust[k] = int16_t(code);
     }
     release(n);
@@ -149,9 +155,9 @@ void checklabels() {
     if (!given(clause.labelmatrix)) return;
     const symbol& s = sym(clause.labelmatrix);
     if (s.type != MATRIX && !isscalartype(s.type))
-        tarnerrorhint(operandtext(clause.labelmatrix), "LABEL argument must be matrix or scalar");
+        tarnerror(furtherline{describe(clause.labelmatrix)}, "LABEL argument must be matrix or scalar");
     if (s.type == MATRIX && static_cast<const harray*>(s.val.ptr)->cols > 2)
-        tarnerrorhint(operandtext(clause.labelmatrix), "label matrix must have 1 or 2 cols");
+        tarnerror(furtherline{describe(clause.labelmatrix)}, "label matrix must have 1 or 2 cols");
 }
 
 bool isformatgiven() {
@@ -203,28 +209,6 @@ void applylabels(curve& c) {
 } // namespace
 
 bool given(double cell) { return cell != MAXPOS; }
-
-std::string operandtext(int idx) {
-    const symbol& s = sym(idx);
-    const std::string name = istemporary(idx) || s.name[0] == '.' ? "it" : s.name; // a derivative has no name
-    const auto isa = [&](const char* kind) { return name + " is a " + kind; };
-    if (isstringtype(idx)) return name + " is the text \"" + stringval(idx) + "\"";
-    switch (s.type) {
-    case UNKNOWN: return name + " has no value";
-    case CONSTANT:
-    case SCALAR: return name + " is the number " + numstring(s.val.rval, {});
-    case USERFUNCTION:
-    case INITIALVALUE: return isa("function");
-    case WINDOWTYPE: return isa("window");
-    case CURVETYPE: return name + (curveof(idx).kind == TOKDRAW ? " is a curve" : " is an axis");
-    case TITLETYPE: return isa("title");
-    case MATRIX: {
-        const harray* m = static_cast<const harray*>(s.val.ptr);
-        return isa((std::to_string(m->rows) + " by " + std::to_string(m->cols) + " matrix").c_str());
-    }
-    default: return name + " is of another type";
-    }
-}
 
 namespace {
 
@@ -299,8 +283,10 @@ void releaseoperands(const operandlist& list) {
 void checkplace() {
     if (!given(clause.placex) && !given(clause.placey)) return;
     const char* const form = "PLACE (h, v) takes LEFT, CENTER or RIGHT and then BOTTOM, CENTER or TOP";
-    if (!isplacecode(clause.placey, {0, 1, 4})) tarnerrorhint(form, "illegal PLACE vcenter argument");
-    if (!isplacecode(clause.placex, {0, 2, 3})) tarnerrorhint(form, "illegal PLACE hcenter argument");
+    if (!isplacecode(clause.placey, {0, 1, 4}))
+        tarnerror(furtherline{form}, "illegal PLACE vcenter argument");
+    if (!isplacecode(clause.placex, {0, 2, 3}))
+        tarnerror(furtherline{form}, "illegal PLACE hcenter argument");
 }
 
 void applyplace(int16_t& vplace, int16_t& hplace) {
@@ -311,7 +297,7 @@ void applyplace(int16_t& vplace, int16_t& hplace) {
 
 void checkfont(int font, const char* message) {
     if (given(font) && (font < -14 || font > 34))
-        tarnerrorhint("fonts are -14 to 34, this is " + std::to_string(font), "%s", message);
+        tarnerror(furtherline{"fonts are -14 to 34, this is " + std::to_string(font)}, "%s", message);
 }
 
 void checksize(double size, const char* what) {
@@ -325,7 +311,8 @@ void checkcurveclauses(int kind) {
     checkplace();
     checklabels();
     if (kind == TOKDRAW && given(clause.unitat) && clause.unitat != TOKWORLD)
-        tarnerrorhint("points in other units are drawn by AXIS", "DRAW statements must use WORLD data units");
+        tarnerror(furtherline{"points in other units are drawn by AXIS"},
+                  "DRAW statements must use WORLD data units");
     if (given(clause.font) || given(clause.textsize))
         tarnwarn("FONT and SIZE clauses only apply in TITLE statements.\n"
                  "Use PTFONT, PTSIZE, LABELFONT, or LABELSIZE as appropriate.");
@@ -350,7 +337,8 @@ void applycurveclauses(curve& c) {
 
 bool toclauses(double& x1, double& x2, double& y1, double& y2) {
     if (clause.toclauses == 0) return false;
-    if (clause.toclauses == 1) tarnerrorhint("two are needed: x1 TO x2, y1 TO y2", "not enough TO clauses");
+    if (clause.toclauses == 1)
+        tarnerror(furtherline{"two are needed: x1 TO x2, y1 TO y2"}, "not enough TO clauses");
     x1 = clause.to[0][0], x2 = clause.to[0][1];
     y1 = clause.to[1][0], y2 = clause.to[1][1];
     return true;
@@ -359,9 +347,11 @@ bool toclauses(double& x1, double& x2, double& y1, double& y2) {
 void windowtoclause() {
     const int n = parser.poltop;
     if (n < 1 || !isscalar(parser.polstack[n - 1]) || !isscalar(parser.polstack[n]))
-        tarnerrorhint(n < 1 ? "" : operandtext(parser.polstack[isscalar(parser.polstack[n]) ? n - 1 : n]),
-                      "scalars required in TO clause");
-    if (clause.toclauses >= 2) tarnerrorhint("two are enough: x1 TO x2, y1 TO y2", "too many TO clauses");
+        tarnerror(
+            furtherline{n < 1 ? "" : describe(parser.polstack[isscalar(parser.polstack[n]) ? n - 1 : n])},
+            "scalars required in TO clause");
+    if (clause.toclauses >= 2)
+        tarnerror(furtherline{"two are enough: x1 TO x2, y1 TO y2"}, "too many TO clauses");
     double* ends = clause.to[clause.toclauses++];
     ends[0] = scalarval(parser.polstack[n - 1]);
     ends[1] = scalarval(parser.polstack[n]);

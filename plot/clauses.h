@@ -21,8 +21,6 @@ struct operandlist {
     int count = 0;
     int at[4] = {}; // no plot statement has more; what is beyond is only counted
 };
-std::string
-operandtext(int idx); // what an operand is, for the further line of a message: M is a 4 by 3 matrix
 operandlist takeoperands();
 void releaseoperands(const operandlist& list); // and what LABEL and PTSIZE hold
 

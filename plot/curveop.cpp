@@ -1,6 +1,7 @@
 #include "plot/curveop.h"
 
 #include "interp/base/hooks.h"
+#include "interp/base/operand.h"
 #include "interp/base/report.h"
 #include "plot/adjust.h"
 #include "plot/clauses.h"
@@ -20,8 +21,8 @@ struct drawoperands {
 
 [[noreturn]] void badtype(int idx,
                           const char* needed = "a matrix of points or the name of a curve is needed") {
-    tarnerrorhint(operandtext(idx) + (sym(idx).type == UNKNOWN ? "" : std::string(": ") + needed),
-                  "bad DRAW or AXIS arg. type");
+    tarnerror(furtherline{describe(idx) + (sym(idx).type == UNKNOWN ? "" : std::string(": ") + needed)},
+              "bad DRAW or AXIS arg. type");
 }
 
 [[noreturn]] void badname(int idx) { badtype(idx, "the name must be new, or that of a curve"); }
@@ -29,8 +30,8 @@ struct drawoperands {
 drawoperands readoperands(const operandlist& list) {
     drawoperands d;
     if (list.count > 2)
-        tarnerrorhint("a name and its points: DRAW NAME = MATRIX",
-                      "too many arguments in DRAW or AXIS statement");
+        tarnerror(furtherline{"a name and its points: DRAW NAME = MATRIX"},
+                  "too many arguments in DRAW or AXIS statement");
     if (list.count == 0) return d;
     const int first = list.at[0], last = list.at[list.count - 1];
     if (list.count == 2) {
@@ -57,7 +58,7 @@ void checkdata(const drawoperands& d) {
     if (!d.source || iscurve(d.source)) return;
     const uint32_t cols = static_cast<const harray*>(sym(d.source).val.ptr)->cols;
     if (cols != 1 && cols != 2)
-        tarnerrorhint(operandtext(d.source), "DRAW & AXIS data matrix must have 1 or 2 cols");
+        tarnerror(furtherline{describe(d.source)}, "DRAW & AXIS data matrix must have 1 or 2 cols");
 }
 
 // Points for the record: a copy, or moved out of a temporary; one column gets 1, 2... beside it.
@@ -195,8 +196,8 @@ void drawop(int kind) {
     const operandlist list = takeoperands();
     if (kind == TOKDRAW && isoperand3d(list)) {
         if (!plotfns.draw3d)
-            tarnerrorhint("two of them can be drawn: DRAW (X COL 1) &' (X COL 3)",
-                          "DRAW of 3 columns is not available in this build");
+            tarnerror(furtherline{"two of them can be drawn: DRAW (X COL 1) &' (X COL 3)"},
+                      "DRAW of 3 columns is not available in this build");
         return plotfns.draw3d();
     }
     drawoperands d = readoperands(list);

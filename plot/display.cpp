@@ -28,7 +28,7 @@ constexpr double MAXSCREENINCHES = 1000;
     while (!text.empty() && text.back() == '\n') text.pop_back();
     const size_t end = text.find('\n');
     const std::string more = end == std::string::npos ? "" : text.substr(end + 1);
-    tarnerrorhint(more, "%s", text.substr(0, end).c_str());
+    tarnerror(furtherline{more}, "%s", text.substr(0, end).c_str());
 }
 
 // There is one device to choose.
@@ -94,8 +94,9 @@ int getdisplay(const char* name, int keep, bool resize) {
     if (!name) return -1;
     if (!*name) name = askdisplay();
     if (strcmp(name, SCREENDEVICE) != 0)
-        tarnerrorhint(std::string(name) + ": the screen is " + SCREENDEVICE + "; files are made by PLOT",
-                      "getdisplay: Unknown display");
+        tarnerror(
+            furtherline{std::string(name) + ": the screen is " + SCREENDEVICE + "; files are made by PLOT"},
+            "getdisplay: Unknown display");
     displayerrors();
     DSETFONTPATH(report.tarnpath.c_str());
     DQUIT(keep);

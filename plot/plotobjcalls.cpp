@@ -11,12 +11,12 @@
 namespace {
 
 const curve& curveoperand(const callargs& a) {
-    if (!iscurve(a[1])) tarnerrorhint(operandtext(a[1]), "not a curve, axis, or window");
+    if (!iscurve(a[1])) tarnerror(furtherline{describe(a[1])}, "not a curve, axis, or window");
     return curveof(a[1]);
 }
 
 const window& windowoperand(const callargs& a) {
-    if (!iswindow(a[1])) tarnerrorhint(operandtext(a[1]), "not a curve, axis, or window");
+    if (!iswindow(a[1])) tarnerror(furtherline{describe(a[1])}, "not a curve, axis, or window");
     return windowof(a[1]);
 }
 
@@ -54,8 +54,8 @@ int getbox(const callargs& a, int kinds, const char* refusal, box (*boxof)(const
     const window& w = windowoperand(a);
     const int units = unitargument(a, kinds);
     if (!units)
-        tarnerrorhint(kinds == 2 ? "1 FRACT, 2 INCHES" : "1 FRACT, 2 INCHES, 3 FFRACT, 4 FINCHES", "%s",
-                      refusal);
+        tarnerror(furtherline{kinds == 2 ? "1 FRACT, 2 INCHES" : "1 FRACT, 2 INCHES, 3 FFRACT, 4 FINCHES"},
+                  "%s", refusal);
     box b = boxof(w);
     convertunits(b, w, UNITSNORMAL, units);
     return fourvector(b);

@@ -47,8 +47,9 @@ const plotdevice& chosendevice() {
     }
     for (const plotdevice& row : devices)
         if (name == row.name) return row;
-    tarnerrorhint("PLOTDEV is \"" + name + "\"; PNG, SVG, PDF, and cropped to the drawing PNGP, SVGP, PDFP",
-                  "PLOT: illegal PLOTDEV value. Use PSL,PSP,PSCL(X),PSCP(X), LJ2P, or LJ2L");
+    tarnerror(furtherline{"PLOTDEV is \"" + name +
+                          "\"; PNG, SVG, PDF, and cropped to the drawing PNGP, SVGP, PDFP"},
+              "PLOT: illegal PLOTDEV value. Use PSL,PSP,PSCL(X),PSCP(X), LJ2P, or LJ2L");
 }
 
 bool fileexists(const std::string& path) {
@@ -77,15 +78,15 @@ bool mayoverwrite(const std::string& path) {
     std::error_code failure;
     const bool isfile = std::filesystem::is_regular_file(path, failure);
     if (isfile && std::filesystem::remove(path, failure)) return true;
-    tarnerrorhint(isfile ? failure.message() : path + " is no file", "PLOT: file %s cannot be overwritten",
-                  path.c_str());
+    tarnerror(furtherline{isfile ? failure.message() : path + " is no file"},
+              "PLOT: file %s cannot be overwritten", path.c_str());
 }
 
 std::string plotfilename(const plotdevice& device) {
     const int file = clause.insym;
     if (file <= 0) return newfilename(device.extension);
     if (istemporary(file) && !isstringtype(file))
-        tarnerrorhint(operandtext(file), "PLOT: IN needs the name of a file");
+        tarnerror(furtherline{describe(file)}, "PLOT: IN needs the name of a file");
     const char* name = isstringtype(file) ? stringval(file) : sym(file).name;
     if (!name[strspn(name, " ")]) tarnerror("PLOT: the name of the file is empty");
     return bindname(name, report.filedir.c_str(), device.extension);

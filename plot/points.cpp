@@ -379,9 +379,10 @@ void drawpoints(const harray* data, int pointtype, const window& w, const curve&
     if (pointtype >= FIRSTCHARACTER) return characters(m, pointtype - FIRSTCHARACTER);
     const shaperow* shape = shapeof(pointtype);
     if (!shape)
-        tarnerrorhint(std::string(sym(scene.member).name) + " has POINTTYPE " + std::to_string(pointtype) +
-                          ": only 3, 4, 5, 7, 13, 14, 16 and 31 can be filled",
-                      "invalid pointtype");
+        tarnerror(furtherline{std::string(sym(scene.member).name) + " has POINTTYPE " +
+                              std::to_string(pointtype) +
+                              ": only 3, 4, 5, 7, 13, 14, 16 and 31 can be filled"},
+                  "invalid pointtype");
     m.filled = pointtype < 0;
     eachpoint(m, [&] { shape->mark(m); });
 }

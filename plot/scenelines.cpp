@@ -143,9 +143,9 @@ void smoothed(const harray* data, int linetype, const window& w, const pointmap&
     constexpr int OPENCURVE = 1, CLOSEDCURVE = 3;
     const double flatness = symtabscalar("FLATNESS", 0);
     if (flatness < 0)
-        tarnerrorhint(std::string(sym(scene.member).name) + " has LINETYPE " + std::to_string(linetype) +
-                          ", a smooth line",
-                      "FLATNESS must be non-negative.");
+        tarnerror(furtherline{std::string(sym(scene.member).name) + " has LINETYPE " +
+                              std::to_string(linetype) + ", a smooth line"},
+                  "FLATNESS must be non-negative.");
     double params[PARAMS];
     for (int i = 0; i < PARAMS; i++) params[i] = i / double(PARAMS - 1);
     std::vector<double> polygon;

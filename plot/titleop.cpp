@@ -22,20 +22,20 @@ struct titleoperands {
 };
 
 [[noreturn]] void badtype(int idx) {
-    tarnerrorhint(operandtext(idx) + ": one name, one text and one position are enough",
-                  "bad TITLE arg. type");
+    tarnerror(furtherline{describe(idx) + ": one name, one text and one position are enough"},
+              "bad TITLE arg. type");
 }
 
 [[noreturn]] void othertype(int idx) {
-    tarnerrorhint(operandtext(idx), "title name already assigned to other type");
+    tarnerror(furtherline{describe(idx)}, "title name already assigned to other type");
 }
 
 int positionof(int idx) {
     const double code = scalarval(idx);
     for (const int position : {TITLETOP, TITLELEFT, TITLERIGHT, TITLEBOTTOM})
         if (code == double(position)) return position;
-    tarnerrorhint(operandtext(idx) + ": a position is TOP, LEFT, RIGHT or BOTTOM",
-                  "title name already assigned to other type");
+    tarnerror(furtherline{describe(idx) + ": a position is TOP, LEFT, RIGHT or BOTTOM"},
+              "title name already assigned to other type");
 }
 
 void takename(titleoperands& t, int idx) {
@@ -50,8 +50,8 @@ void takename(titleoperands& t, int idx) {
 titleoperands readoperands(const operandlist& list) {
     titleoperands t;
     if (list.count > 4)
-        tarnerrorhint("a name, a title to copy, a text and a position are all that it takes",
-                      "too many arguments in TITLE statement");
+        tarnerror(furtherline{"a name, a title to copy, a text and a position are all that it takes"},
+                  "too many arguments in TITLE statement");
     for (int k = 0; k < list.count; k++) {
         const int idx = list.at[k];
         const int type = sym(idx).type;

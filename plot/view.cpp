@@ -44,7 +44,7 @@ std::vector<int> chosenwindows(int mode) {
     for (int k = 0; mode == REDISPLAYVIEW && k <= parser.poltop; k++) {
         const int idx = parser.polstack[k];
         if (idx <= 0) tarnerror("only windows may be VIEWed");
-        if (!iswindow(idx)) tarnerrorhint(operandtext(idx), "only windows may be VIEWed");
+        if (!iswindow(idx)) tarnerror(furtherline{describe(idx)}, "only windows may be VIEWed");
         windows.push_back(idx);
     }
     if (mode == REDISPLAYVIEW) parser.poltop = -1;

@@ -2,6 +2,7 @@
 
 #include "interp/base/hooks.h"
 #include "interp/base/numtext.h"
+#include "interp/base/operand.h"
 #include "interp/base/report.h"
 #include "plot/adjust.h"
 #include "plot/clauses.h"
@@ -33,7 +34,7 @@ int boxunits(int absent) { return given(clause.unitat) ? clause.unitat : absent;
 
 void checkunits(int units, std::initializer_list<int> allowed, const char* names) {
     if (std::find(allowed.begin(), allowed.end(), units) == allowed.end())
-        tarnerrorhint(names, "bad units in FRAME or IMAGE statement");
+        tarnerror(furtherline{names}, "bad units in FRAME or IMAGE statement");
 }
 
 void checkextent(const box& b, const char* what) {
@@ -95,8 +96,8 @@ void setframe() {
         convertunits(b, window(), units, UNITSNORMAL);
         checkextent(b, "FRAME");
         if (!isinside(b, screenbox()))
-            tarnerrorhint(limitstext("the screen", screenbox(), window(), units),
-                          "frame is outside the screen");
+            tarnerror(furtherline{limitstext("the screen", screenbox(), window(), units)},
+                      "frame is outside the screen");
     }
     const int win = getwindow(0);
     window& w = windowof(win);
@@ -106,9 +107,9 @@ void setframe() {
     setimage(w, imagefollows(w, b));
     setframe(w, b);
     if (!isinside(imageof(w), b))
-        tarnerrorhint(std::string("the image of ") + sym(win).name +
-                          " does not fit in: set it anew with IMAGE",
-                      "FRAME command shifted image out of frame");
+        tarnerror(furtherline{std::string("the image of ") + sym(win).name +
+                              " does not fit in: set it anew with IMAGE"},
+                  "FRAME command shifted image out of frame");
 }
 
 void setimage() {
@@ -124,10 +125,12 @@ void setimage() {
         convertunits(b, w, units, UNITSNORMAL);
         checkextent(b, "IMAGE");
         if (!isinside(b, frameof(w)))
-            tarnerrorhint(limitstext(std::string("the frame of ") + sym(win).name, frameof(w), w, units),
-                          "image is outside the frame");
+            tarnerror(
+                furtherline{limitstext(std::string("the frame of ") + sym(win).name, frameof(w), w, units)},
+                "image is outside the frame");
         if (!isinside(b, screenbox()))
-            tarnerrorhint(limitstext("the screen", screenbox(), w, units), "image is outside the screen");
+            tarnerror(furtherline{limitstext("the screen", screenbox(), w, units)},
+                      "image is outside the screen");
         setimage(w, b);
         w.imageunits = int16_t(units);
     }
@@ -141,7 +144,7 @@ bool canblank(int idx) { return iswindow(idx) || iscurve(idx) || istitle(idx); }
 void blank(const processop& op) {
     for (int k = 0; k <= parser.poltop; k++)
         if (!canblank(parser.polstack[k]))
-            tarnerrorhint(operandtext(parser.polstack[k]), "bad type in BLANK/UNBLANK");
+            tarnerror(furtherline{describe(parser.polstack[k])}, "bad type in BLANK/UNBLANK");
     while (parser.poltop >= 0) setblank(polpop(), op.token == TOKBLANK);
     upper.redraw();
 }
@@ -153,7 +156,7 @@ void boxstatement(const processop& op) { boxop(op.token); }
     try {
         tarnsyntax(0, "illegal statement");
     } catch (const recoveryjump&) {
-        tarnwarn("%s: a window is named by IN, its limits are told with TO", operandtext(idx).c_str());
+        tarnwarn("%s: a window is named by IN, its limits are told with TO", describe(idx).c_str());
         throw;
     }
 }

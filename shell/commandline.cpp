@@ -50,7 +50,7 @@ void readoption(commandline& c, const std::vector<std::string>& words, size_t& a
         c.operand = word + (word == "--batch" ? " needs the name of a do-file, or -" : " needs statements");
     } else {
         c.run = runkind::wrong;
-        c.operand = "unknown word " + word;
+        c.operand = "unknown option " + word + "; --help tells all of them";
     }
 }
 

@@ -1,3 +1,4 @@
+#include "interp/base/report.h"
 #include "interp/dofiles.h"
 #include "interp/session.h"
 #include "shell/commandline.h"
@@ -48,7 +49,8 @@ int main(int argc, char** argv) {
     case runkind::batch:
     case runkind::eval:
         if (batchstatements(c, c.session.batchname, c.session.batchtext)) break;
-        fprintf(stderr, "##Error: couldn't open DO file %s\n", c.operand.c_str());
+        fprintf(stderr, "##Error: couldn't open DO file %s\nWarning: %s\n", c.operand.c_str(),
+                notreadable(c.operand).text.c_str());
         return 1;
     case runkind::session: break;
     }

@@ -12,6 +12,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 namespace {
 
@@ -63,14 +64,18 @@ constexpr size_t LARGEBLOCK = size_t(4) << 20; // bytes; smaller ones don't fill
 size_t blockbytes(uint32_t rows, uint32_t cols) { return (size_t(rows) * cols + 1) * sizeof(double); }
 
 harray* newblock(uint32_t rows, uint32_t cols, bool zeroed) {
-    if (size_t(rows) * cols + 1 > size_t(MAXELEMENTS)) tarnerror("Too many elements requested in 'xalloc()'");
+    if (size_t(rows) * cols + 1 > size_t(MAXELEMENTS))
+        tarnerror(further("a %u by %u matrix; %ld elements are the limit", rows, cols, MAXELEMENTS - 1),
+                  "Too many elements requested in 'xalloc()'");
     const size_t bytes = blockbytes(rows, cols);
     void* p = bytes >= blockcache::smallest ? cache.take(bytes) : nullptr;
     if (p && zeroed) memset(p, 0, bytes);
     const bool fresh = !p;
     if (fresh) p = zeroed ? std::calloc(bytes, 1) : std::malloc(bytes);
     if (!p)
-        tarnerror("allocator failed: num: %lu, size: %hd\n", static_cast<unsigned long>(bytes / 8), short(8));
+        tarnerror(
+            further("there is no memory for a %u by %u matrix: DELETE what is no longer needed", rows, cols),
+            "allocator failed: num: %lu, size: %hd\n", static_cast<unsigned long>(bytes / 8), short(8));
     if (fresh && bytes >= LARGEBLOCK) console.largeblock(p, bytes);
     harray* m = static_cast<harray*>(p);
     m->rows = rows;
@@ -90,7 +95,8 @@ void* xalloc(long num, int size) {
     void* p = std::calloc(size_t(num ? num : 1), size_t(size));
     if (p) return p;
     if (!soft)
-        tarnerror("allocator failed: num: %lu, size: %hd\n", static_cast<unsigned long>(num), short(size));
+        tarnerror(nomemory(), "allocator failed: num: %lu, size: %hd\n", static_cast<unsigned long>(num),
+                  short(size));
     tarnprint("allocator failed in xalloc().\n");
     return nullptr;
 }
@@ -99,7 +105,7 @@ void xfree(void* p) { std::free(p); }
 
 void* xrealloc(void* p, long bytes, bool soft) {
     void* q = std::realloc(p, size_t(bytes));
-    if (!q && !soft) tarnerror("reallocator failed: bytes requested: %ld", bytes);
+    if (!q && !soft) tarnerror(nomemory(), "reallocator failed: bytes requested: %ld", bytes);
     return q;
 }
 
@@ -207,4 +213,11 @@ void valuesstart() {
         return m;
     };
     operandfns.first = [](const harray* m) { return harraycount(m) ? cells(m)[1] : 0.0; };
+    operandfns.shape = [](const symbol& s) {
+        const auto text = [](const auto* m) {
+            return std::to_string(m->rows) + " by " + std::to_string(m->cols);
+        };
+        return s.type == MATRIX ? text(static_cast<const harray*>(s.val.ptr))
+                                : text(static_cast<const StringArray*>(s.val.ptr));
+    };
 }

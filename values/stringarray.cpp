@@ -124,18 +124,20 @@ bool isstringclass(int type) {
 bool ismatrixclass(int type) { return type == MATRIX || type == STRINGMATRIX; }
 
 int Make1By1StringMatrix(int idx) {
-    if (!isstringtype(idx)) tarnerror("Illegal use of type that is not string scalar.");
+    if (!isstringtype(idx))
+        tarnerror(furtherline{describe(idx)}, "Illegal use of type that is not string scalar.");
     stringarrayptr a(StringArrayAlloc(1, 1));
-    if (!a) tarnerror("StringArrayAlloc failed in Make1By1StringMatrix().");
+    if (!a) tarnerror(nomemory(), "StringArrayAlloc failed in Make1By1StringMatrix().");
     if (!StringArrayStrPut(a.get(), 1, 1, stringval(idx)))
-        tarnerror("StringArrayStrPut failed in Make1By1StringMatrix().");
+        tarnerror(nomemory(), "StringArrayStrPut failed in Make1By1StringMatrix().");
     return symtabstringmatrix(0, 0, std::move(a));
 }
 
 StringArray* GetStringMatrix(int idx, int& temp) {
     temp = 0;
     if (isstringtype(idx)) temp = idx = Make1By1StringMatrix(idx);
-    if (sym(idx).type != STRINGMATRIX) tarnerror("GetStringMatrix failed.");
+    if (sym(idx).type != STRINGMATRIX)
+        tarnerror(further("%s, and strings are due", describe(idx).c_str()), "GetStringMatrix failed.");
     return static_cast<StringArray*>(sym(idx).val.ptr);
 }
 
@@ -154,7 +156,8 @@ struct textdelete {
 int symtabtext(int free1, int free2, std::string_view text) {
     std::unique_ptr<char, textdelete> copy(copytext(text)); // before the operands go: the text may be theirs
     if (!copy)
-        tarnerror("allocator failed: num: %lu, size: %hd\n", (unsigned long)(text.size() + 1), short(1));
+        tarnerror(nomemory(), "allocator failed: num: %lu, size: %hd\n", (unsigned long)(text.size() + 1),
+                  short(1));
     const int idx = symtabtemp(free1, free2, copy.get(), TEMPSTRING, 0);
     (void)copy.release();
     return idx;

@@ -28,6 +28,7 @@ void hooksreset() {
     upper.shutdowngraphics = [] {};
     upper.nformatchanged = [](const char*) {};
     upper.displayselect = [](const char*) {};
+    upper.nametext = [](const char* name) { return std::string(name); };
     upper.derivative = [](int, int) { return 0; };
     upper.odecall = [](int, const double*, int, double&) { return false; };
 }

@@ -36,8 +36,9 @@ struct upperhooks {
     bool (*indofile)();                        // statements come from a do-file, not from the keyboard
     void (*shutdowngraphics)();
     void (*nformatchanged)(const char* text);
-    void (*displayselect)(const char* name); // DISPLAY was assigned
-    int (*derivative)(int f, int x);         // see makederiv in funcs/deriv.h; for rooms below it
+    void (*displayselect)(const char* name);   // DISPLAY was assigned
+    std::string (*nametext)(const char* name); // a symbol's name as it is written: F'X for .F.X
+    int (*derivative)(int f, int x);           // see makederiv in funcs/deriv.h; for rooms below it
     // The state of the running integration, or a solution called inside an expression: see solvers/odesetup.h
     bool (*odecall)(int symidx, const double* args, int nargs, double& result);
 };

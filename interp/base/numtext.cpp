@@ -324,22 +324,30 @@ size_t strangetext(char* buf, double x) { // no value of the system's own
 
 } // namespace
 
+[[noreturn]] static void illegalformat(const char* text) {
+    tarnerror(further("\"%s\" is neither six whole numbers, such as \"-1 8 0 0 2 0\", nor a format such as "
+                      "\"%%8.3f\"; the "
+                      "format before it stays in force",
+                      text),
+              "Illegal nformat string");
+}
+
 void parsenformat(const char* text) {
+    const char* const whole = text;
     text += strspn(text, " \t");
     if (*text == '-' || (*text >= '0' && *text <= '9')) {
         int16_t field[6];
         for (int16_t& value : field) {
             char* end;
             const long n = strtol(text, &end, 10);
-            if (end == text || n < -MAXPOSITIONS || n > MAXPOSITIONS) tarnerror("Illegal nformat string");
+            if (end == text || n < -MAXPOSITIONS || n > MAXPOSITIONS) illegalformat(whole);
             value = int16_t(n);
             text = end + strspn(end, " \t,");
         }
         nformat = {field[0], field[1], field[2], field[3], field[4], field[5], ""};
     } else {
         const std::string format = text;
-        if (!format.empty() && findconversion(format).from == std::string::npos)
-            tarnerror("Illegal nformat string");
+        if (!format.empty() && findconversion(format).from == std::string::npos) illegalformat(whole);
         nformat.fmttext = format;
     }
 }
@@ -349,6 +357,7 @@ numberformat numusable(const numberformat& f) {
     r.fracpos = std::max<int16_t>(r.fracpos, 0);
     if (r.fmttext.empty() && r.fracpos == 0 && r.intpos < 1) {
         tarnwarn("bad number format:no output positions are provided");
+        tarnwarn("its second number, the digits behind the point, is taken as 1");
         r.fracpos = 1;
     }
     return r;

@@ -25,19 +25,21 @@ void parserreset() {
 }
 
 int polpop() {
-    if (parser.poltop < 0) tarnerror("polstack[] empty, cannot be popped");
+    if (parser.poltop < 0)
+        tarnerror(further("a value is missing in the statement"), "polstack[] empty, cannot be popped");
     return parser.polstack[parser.poltop--];
 }
 
 void polpush(int idx) {
     if (parser.poltop + 1 >= POLSTACKSIZE)
-        tarnerror("too many operands in a statement: %d is the limit", POLSTACKSIZE);
+        tarnerror("too many operands in a statement: %d is the limit; part it into several", POLSTACKSIZE);
     parser.polstack[++parser.poltop] = int16_t(idx);
 }
 
 void oppush(int token) {
     if (parser.oplevel + 1 >= OPSTACKSIZE)
-        tarnerror("too many waiting operators in a statement: %d is the limit", OPSTACKSIZE - 1);
+        tarnerror("too many waiting operators in a statement: %d is the limit; part it into several",
+                  OPSTACKSIZE - 1);
     parser.opstack[++parser.oplevel] = int16_t(token);
 }
 

@@ -49,18 +49,27 @@ void logandconsole(const char* text, size_t length) {
 
 void show(const std::string& text) { tarnprinttext(text.data(), text.size()); }
 
+bool warns() { return symtabscalar("WARNSW", 1) != 0; }
+
 // An error must reach the user even while output goes to a listing.
-[[noreturn]] void fail(const std::string& text) {
-    if (heldback()) throw recoveryjump{-1};
-    if (!report.recoveryset) conout("%%%%error: setjmp not initialized: exiting...\n");
-    report.errors++;
+void tellerror(const std::string& text) {
     if (report.listing && !report.capture)
         logandconsole(text.data(), text.size());
     else
         show(text);
     if (report.batch) console.errortext(text.c_str());
+}
+
+[[noreturn]] void fail(const std::string& text, const furtherline& more = {}) {
+    if (heldback()) throw recoveryjump{-1};
+    if (!report.recoveryset) conout("%%%%error: setjmp not initialized: exiting...\n");
+    report.errors++;
+    tellerror(text);
+    if (!more.text.empty() && warns()) tellerror("Warning: " + more.text + "\n");
     throw recoveryjump{-1};
 }
+
+std::string syntaxhead(int n) { return "##Syntax Error[" + std::to_string(n) + "]: "; }
 
 } // namespace
 
@@ -131,29 +140,40 @@ void tarnerror(const char* format, ...) {
     fail(text + "\n");
 }
 
-void tarnerrorhint(const std::string& hint, const char* format, ...) {
-    va_list args;
-    va_start(args, format);
-    const std::string text = formatted(format, args);
-    va_end(args);
-    try {
-        tarnerror("%s", text.c_str());
-    } catch (const recoveryjump&) {
-        if (!hint.empty()) tarnwarn("%s", hint.c_str());
-        throw;
-    }
-}
-
 void tarnsyntax(int n, const char* format, ...) {
     va_list args;
     va_start(args, format);
-    const std::string text = "##Syntax Error[" + std::to_string(n) + "]: " + formatted(format, args);
+    const std::string text = syntaxhead(n) + formatted(format, args);
     va_end(args);
     fail(text + "\n");
 }
 
+furtherline further(const char* format, ...) {
+    va_list args;
+    va_start(args, format);
+    furtherline more{formatted(format, args)};
+    va_end(args);
+    return more;
+}
+
+void tarnerror(const furtherline& more, const char* format, ...) {
+    va_list args;
+    va_start(args, format);
+    const std::string text = "##Error: " + formatted(format, args);
+    va_end(args);
+    fail(text + "\n", more);
+}
+
+void tarnsyntax(const furtherline& more, int n, const char* format, ...) {
+    va_list args;
+    va_start(args, format);
+    const std::string text = syntaxhead(n) + formatted(format, args);
+    va_end(args);
+    fail(text + "\n", more);
+}
+
 void tarnwarn(const char* format, ...) {
-    if (heldback() || symtabscalar("WARNSW", 1) == 0) return;
+    if (heldback() || !warns()) return;
     va_list args;
     va_start(args, format);
     const std::string text = "Warning: " + formatted(format, args) + "\n";
@@ -206,4 +226,36 @@ std::string findfile(const std::string& path) {
     const auto plain = std::find(found.begin(), found.end(), name);
     const std::string& taken = plain != found.end() ? *plain : found.front();
     return asked.has_parent_path() ? (asked.parent_path() / taken).string() : taken;
+}
+
+furtherline nomemory() { return {"there is no memory left for it: DELETE what is no longer needed"}; }
+
+namespace {
+
+// What stands in the way of any use of the file; empty if nothing is known to.
+std::string obstacle(const std::filesystem::path& path) {
+    namespace fs = std::filesystem;
+    std::error_code failure;
+    if (path.empty()) return "the name of the file is empty";
+    if (fs::is_directory(path, failure)) return path.string() + " is a directory";
+    const fs::path folder = path.parent_path();
+    if (!folder.empty() && !fs::is_directory(folder, failure))
+        return "there is no directory " + folder.string();
+    return {};
+}
+
+} // namespace
+
+furtherline notreadable(const std::string& path) {
+    std::error_code failure;
+    const std::string known = obstacle(path);
+    if (!known.empty()) return {known};
+    if (std::filesystem::exists(path, failure)) return {"the file is there, but cannot be read"};
+    const std::string folder = std::filesystem::path(path).parent_path().string();
+    return {"there is no such file in " + (folder.empty() ? "the working directory" : folder)};
+}
+
+furtherline notwritable(const std::string& path) {
+    const std::string known = obstacle(path);
+    return {known.empty() ? "the file or its directory may not be written to" : known};
 }

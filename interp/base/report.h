@@ -36,12 +36,21 @@ int getkey(bool wait); // -1 when none waits (wait false); extended keys are 256
 void keypoll();        // Q sets parser.interrupted, R turns parser.reporttoggle; for long work
 
 [[noreturn]] void tarnerror(const char* format, ...) __attribute__((format(printf, 1, 2)));
-// An error, and behind it a warning that tells more: what was given, what to try. WARNSW silences the
-// warning.
-[[noreturn]] void tarnerrorhint(const std::string& hint, const char* format, ...)
-    __attribute__((format(printf, 2, 3)));
 [[noreturn]] void tarnsyntax(int n, const char* format, ...) __attribute__((format(printf, 2, 3)));
 void tarnwarn(const char* format, ...) __attribute__((format(printf, 1, 2))); // silent while WARNSW is 0
+
+// What an error of fixed words leaves unsaid: which name, row or value is meant, what to try. It follows the
+// error as a warning, so that WARNSW silences it; lines after its first are shown indented.
+//     tarnerror(further("%s is undefined", name), "RHS of assignment invalid");
+struct furtherline {
+    std::string text; // empty: nothing more to say
+};
+furtherline further(const char* format, ...) __attribute__((format(printf, 1, 2)));
+[[noreturn]] void tarnerror(const furtherline& more, const char* format, ...)
+    __attribute__((format(printf, 2, 3)));
+[[noreturn]] void tarnsyntax(const furtherline& more, int n, const char* format, ...)
+    __attribute__((format(printf, 3, 4)));
+
 // The four argument refusals of builtins, by the function's name.
 void argwarn(const char* name);
 [[noreturn]] void argrange(const char* name);
@@ -55,3 +64,7 @@ std::string bindname(const char* name, const char* dir, const char* ext);
 // alone (lower case first); path unchanged if there is none. Names in statements are folded to upper case.
 std::string findfile(const std::string& path);
 std::string lowered(std::string s); // in small letters
+furtherline nomemory();             // behind an error of an allocation that has failed
+// Why a file that was to be opened could not be, for the line behind the error; the same on every platform.
+furtherline notreadable(const std::string& path);
+furtherline notwritable(const std::string& path);

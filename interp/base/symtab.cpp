@@ -1,12 +1,17 @@
 #include "interp/base/symtab.h"
 
 #include "interp/base/hooks.h"
+#include "interp/base/operand.h"
 #include "interp/base/parser.h"
 #include "interp/base/report.h"
 
+#include <algorithm>
 #include <bit>
+#include <cctype>
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
+#include <tuple>
 
 symtabstate symtab;
 const double UNDEFINEDMARK = 1.7976931348623155e308;
@@ -161,7 +166,10 @@ int symtablookup(const char* name) {
 int symtabenter(const char* name) {
     const size_t length = strlen(name);
     if (length > MAXNAME)
-        tarnerror("symtabenter: name %s too long.  %hd is the maximum length for names", name,
+        tarnerror(name[0] == '.' ? further("it is the name of a derivative: shorter names of functions and "
+                                           "variables make shorter ones")
+                                 : furtherline{},
+                  "symtabenter: name %s too long.  %hd is the maximum length for names", name,
                   short(MAXNAME));
     const int h = symtabhash(name);
     int deleted = 0, i = h;
@@ -173,13 +181,58 @@ int symtabenter(const char* name) {
         }
     }
     if (deleted) i = deleted;
-    if (i == 0) tarnerror("symbol table full. delete unneeded names");
+    if (i == 0)
+        tarnerror(further("there is no room for %s", name), "symbol table full. delete unneeded names");
     symbol& s = symtab.at[i];
     memcpy(s.name, name, length + 1);
     makeunknown(s);
     marktaken(i);
     if (parser.debugsw) tarnprint("symtabentry: string arg=%s   symtab index returned=%hd\n", name, short(i));
     return i;
+}
+
+namespace {
+
+// Letters changed, left out, added, or exchanged with their neighbour, to get from a to b.
+int slips(const char* a, const char* b) {
+    const int n = int(strlen(a)), m = int(strlen(b));
+    int row[3][MAXNAME + 1]; // of the table of distances: this row and the two before it
+    for (int j = 0; j <= m; j++) row[0][j] = j;
+    for (int i = 1; i <= n; i++) {
+        int* const now = row[i % 3];
+        const int *before = row[(i + 2) % 3], *first = row[(i + 1) % 3];
+        now[0] = i;
+        for (int j = 1; j <= m; j++) {
+            const int changed = before[j - 1] + (a[i - 1] != b[j - 1]);
+            now[j] = std::min({before[j] + 1, now[j - 1] + 1, changed});
+            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1])
+                now[j] = std::min(now[j], first[j - 2] + 1);
+        }
+    }
+    return row[n % 3][m];
+}
+
+} // namespace
+
+int symtabnearest(const char* name, bool (*wanted)(const symbol& s)) {
+    const int length = int(strlen(name));
+    if (length < 3 || length > MAXNAME) return 0;
+    const int most = length < 6 ? 1 : 2; // more slips make another word
+    int nearest = 0;
+    std::tuple<int, int, std::string_view> best; // slips; letters in common at the start, negated; name
+    for (int i = 1; i < SYMTABSIZE; i++) {
+        const symbol& s = symtab.at[i];
+        if (!isalpha(static_cast<unsigned char>(s.name[0])) || !wanted(s)) continue;
+        if (s.name[1] == 0 || std::abs(int(strlen(s.name)) - length) > most) continue;
+        const int common = int(std::mismatch(name, name + length, s.name).first - name);
+        const int distance = slips(name, s.name);
+        if (distance == 0 || distance > (common ? most : 1)) continue;
+        const std::tuple now(distance, -common, std::string_view(s.name));
+        if (nearest && best < now) continue;
+        best = now;
+        nearest = i;
+    }
+    return nearest;
 }
 
 int symtabslot() {
@@ -270,13 +323,17 @@ void symtabmarkdeleted(int idx) {
 
 void symtabdelete(int idx) {
     symbol& s = symtab.at[idx];
-    if (s.type < 0) return tarnwarn("DELETE: builtin functions may not be deleted");
+    const std::string name = nametext(idx);
+    if (s.type < 0) {
+        tarnwarn("DELETE: builtin functions may not be deleted");
+        return tarnwarn("%s is one", s.name);
+    }
     if (istemporary(idx) && (s.type == SCALAR || s.type == MATRIX))
         return tarnwarn("DELETE: deletion does not apply to expressions");
     if (symtabprotected(idx)) return;
     switch (s.type) {
-    case UNKNOWN: return tarnwarn("DELETE: %s does not exist", s.name);
-    case CONSTANT: tarnerror("constants may not be deleted");
+    case UNKNOWN: return tarnwarn("DELETE: %s does not exist", name.c_str());
+    case CONSTANT: tarnerror(further("%s is one", name.c_str()), "constants may not be deleted");
     case SCALAR:
     case MATRIX:
     case STRINGMATRIX: return dropvalue(idx);
@@ -290,7 +347,7 @@ void symtabdelete(int idx) {
     case TITLETYPE:
     case CURVE3D: removebykind(idx); return symtabmarkdeleted(idx);
     case CONSETTYPE: release(s); return symtabmarkdeleted(idx);
-    default: tarnerror("bad type in symbol table");
+    default: tarnerror(furtherline{describe(idx)}, "bad type in symbol table");
     }
 }
 

@@ -78,8 +78,11 @@ int symtabprotectedname(const char* name); // index on the protected list of tha
 int symtabhash(const char* name);
 int symtabenter(const char* name);  // finds or makes (type UNKNOWN); errors: name too long, table full
 int symtablookup(const char* name); // -1 if there is none; makes nothing
-int symtabslot();                   // lowest free slot for an anonymous entry, marked as a temporary
-int symtabconst(double rval);       // temporary constant; interned when a definition is compiled
+// The name in use most like one that is not, as a slip of the finger would write it; 0: none is near. Only
+// entries that wanted accepts are looked at.
+int symtabnearest(const char* name, bool (*wanted)(const symbol& s));
+int symtabslot();             // lowest free slot for an anonymous entry, marked as a temporary
+int symtabconst(double rval); // temporary constant; interned when a definition is compiled
 // Releases the operands free1 and free2 (0: none), then makes a temporary that holds payload (a double* for
 // types 2 and 4, else the object, whose ownership passes to the entry). Returns its index.
 int symtabtemp(int free1, int free2, void* payload, int type, int index);

@@ -1,4 +1,5 @@
 #include "support/harness.h"
+#include "support/fixedwords.h"
 
 #include "funcs/builtin.h"
 #include "funcs/define.h"
@@ -74,7 +75,7 @@ std::string harnessrun(const std::string& text, feeding how) {
             } catch (const recoveryjump&) { harnessrecover(); }
         }
     } catch (const sessionend&) {}
-    return harness.output;
+    return fixedwords(harness.output);
 }
 
 // What an error leaves behind goes; the lines behind the failed one are read on.

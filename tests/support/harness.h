@@ -18,5 +18,6 @@ void harnessstart(); // an empty system with the vocabulary
 // To be read next; what was left is dropped. Behind it sessionend is thrown.
 void harnessfeed(const std::string& text, feeding how = LINEBYLINE);
 void harnessrecover(); // after a recoveryjump
-// All statements of the text; errors return to the next line. What was printed.
+// All statements of the text; errors return to the next line. What was printed, with the fixed words of
+// errors.
 std::string harnessrun(const std::string& text, feeding how = LINEBYLINE);

@@ -9,6 +9,7 @@
 #include "interp/base/symtab.h"
 #include "interp/dofiles.h"
 #include "interp/session.h"
+#include "support/fixedwords.h"
 #include "support/folder.h"
 #include "values/harray.h"
 
@@ -153,7 +154,7 @@ protected:
             end = std::min(statements.find('\n', at), statements.size());
             sessionexecute(statements.substr(at, end - at) + "\n");
         }
-        return live.output;
+        return fixedwords(live.output);
     }
     static const symbol* object(const char* name) {
         const int idx = symtablookup(name);

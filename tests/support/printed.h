@@ -9,6 +9,7 @@
 #include "interp/base/parser.h"
 #include "interp/base/report.h"
 #include "interp/base/symtab.h"
+#include "support/fixedwords.h"
 
 #include <gtest/gtest.h>
 
@@ -35,7 +36,7 @@ struct printingtest : testing::Test {
         report.recoveryset = true;
         report.capture = &out;
     }
-    // What f prints; the error that it may end in is printed too.
+    // What f prints, with the fixed words of the error that it may end in; out has the whole.
     template <class Action> std::string textof(Action&& f) {
         failed = false;
         out.clear();
@@ -46,12 +47,12 @@ struct printingtest : testing::Test {
             failed = true;
             parserreset();
         }
-        return out;
+        return fixedwords(out);
     }
     // The text of the error that f ends in; empty when it ends well.
     template <class Action> std::string errorof(Action&& f) {
-        textof(f);
-        return failed ? out : "";
+        const std::string text = textof(f);
+        return failed ? text : "";
     }
 
 private:

@@ -273,7 +273,8 @@ TEST_F(numtexttest, formatsOfTheUsersOwn) {
 
 TEST_F(numtexttest, aFormatWithNoPositionsWarnsAndShowsADigit) {
     EXPECT_EQ(text(7, style(0, 0)), ".7E1");
-    EXPECT_EQ(out, "Warning: bad number format:no output positions are provided\n");
+    EXPECT_EQ(out, "Warning: bad number format:no output positions are provided\nWarning: its second number, "
+                   "the digits behind the point, is taken as 1\n");
     out.clear();
     EXPECT_EQ(text(25, style(-1, -4)), "2E1");
     EXPECT_NE(out, "");

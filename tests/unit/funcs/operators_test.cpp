@@ -147,8 +147,7 @@ TEST_F(operatorstest, refusals) {
         const char* text;
     } rows[] = {
         {TOKTIMES, matrix(2, 2, {1}), matrix(3, 2, {1}), "matrices to be multiplied must be conformable"},
-        {TOKPLUS, symtabenter("NEW"), scalar(1),
-         "only SCALAR or MATRIX types in binary operators\nWarning: NEW has no value"},
+        {TOKPLUS, symtabenter("NEW"), scalar(1), "only SCALAR or MATRIX types in binary operators"},
         {TOKPLUS, scalar(1), symtabenter("SIN"), "only SCALAR or MATRIX types in binary operators"},
         {TOKPLUS, named("F", USERFUNCTION, UNDEFINEDMARK), scalar(1), "scalar F has not yet been defined"},
         {TOKREPEAT, scalar(1), scalar(-1), "in A^^B or A^^'B, B must be a non-negative integer"},

@@ -158,7 +158,9 @@ TEST_F(DataFiles, readonGoesOn) {
 TEST_F(DataFiles, readonKeepsThreeFiles) {
     for (const char* name : {"a.dat", "b.dat", "c.dat", "d.dat"}) file(name, "1 2 3 4");
     EXPECT_EQ(run("X = READON(\"a.dat\",1)\nX = READON(\"b.dat\",1)\nX = READON(\"c.dat\",1)\n"), "");
-    EXPECT_EQ(run("X = READON(\"d.dat\",1)\n"), "Warning: TOO MANY OPEN READON FILES\n");
+    EXPECT_EQ(run("X = READON(\"d.dat\",1)\n"),
+              "Warning: TOO MANY OPEN READON FILES\n"
+              "Warning: d.dat is read from its start again next time; READON(FILE, -1) closes a file\n");
     run("X = READON(\"b.dat\",-1)\n");
     EXPECT_EQ(run("X = READON(\"d.dat\",1)\n"), "");
     run("X = READON(\"a.dat\",1)\nY = READON(\"d.dat\",1)\n");
@@ -226,7 +228,7 @@ TEST_F(DataFiles, kreads) {
 TEST_F(DataFiles, csv) {
     file("t.csv", "time,\"dose, mg\",who\n0,1.5,Ann\n1,NA,Bob\n2,,\n");
     EXPECT_EQ(run("X = READCSV(\"t.csv\")"),
-              "##Error: READCSV: line 2, column who: \"Ann\" is not a number\n");
+              "##Error: READCSV: t.csv, line 2, column who: \"Ann\" is not a number\n");
     EXPECT_EQ(run("X = READCSV(T,1:2)\nN = CSVNAMES(T)\nS = CSVTEXT(T)\n"), "");
     EXPECT_EQ(numbers("X"), (list{0, 1.5, 1, MAXPOS, 2, MAXPOS}));
     EXPECT_EQ(shape("N"), "1 by 3");
@@ -238,16 +240,18 @@ TEST_F(DataFiles, csv) {
     EXPECT_EQ(run("Y = READCSV(T,2)"), "");
     EXPECT_EQ(numbers("Y"), (list{1.5, MAXPOS, MAXPOS}));
     EXPECT_EQ(run("Z = CSVNAMES(T)\nY = READCSV(T,Z)"),
-              "##Error: READCSV: line 2, column who: \"Ann\" is not a number\n");
-    EXPECT_EQ(run("Y = READCSV(T,4)"), "##Error: READCSV: there is no column 4\n");
+              "##Error: READCSV: t.csv, line 2, column who: \"Ann\" is not a number\n");
+    EXPECT_EQ(run("Y = READCSV(T,4)"), "##Error: READCSV: t.csv has no column 4\n");
     EXPECT_EQ(run("Y = READCSV(\"none.csv\")"), "##Error: READCSV: couldn't open input file none.csv\n\n");
     EXPECT_EQ(run("Y = READCSV(T,\"ab\")"), "##Error: READCSV: \"ab\" is no delimiter\n");
     file("semi.csv", "1;2\n3;4");
     EXPECT_EQ(run("Y = READCSV(\"semi.csv\")\nV = READCSV(\"semi.csv\",\";\")\n"), "");
     EXPECT_EQ(numbers("V"), (list{1, 2, 3, 4}));
-    EXPECT_EQ(run("N = CSVNAMES(\"semi.csv\")"), "##Error: CSVNAMES: the first line is no line of names\n");
+    EXPECT_EQ(run("N = CSVNAMES(\"semi.csv\")"),
+              "##Error: CSVNAMES: the first line of semi.csv is no line of names\n");
     file("ragged.csv", "1,2\n3\n");
-    EXPECT_EQ(run("Y = READCSV(\"ragged.csv\")"), "##Error: READCSV: line 2 has 1 fields instead of 2\n");
+    EXPECT_EQ(run("Y = READCSV(\"ragged.csv\")"),
+              "##Error: READCSV: ragged.csv, line 2 has 1 fields instead of 2\n");
     file("empty.csv", "");
     EXPECT_EQ(run("E = READCSV(\"empty.csv\")"), "");
     EXPECT_EQ(shape("E"), "0 by 0");

@@ -114,7 +114,8 @@ TEST_F(Disk, saveRefuses) {
 TEST_F(Disk, saveAsksBeforeItReplaces) {
     run("X = 1\nSAVE X IN F\nX = 2\n");
     const std::string old = contents("F.SAV");
-    EXPECT_EQ(run("SAVE X IN F"), "Warning: save not performed\n");
+    EXPECT_EQ(run("SAVE X IN F"), "Warning: save not performed\n"
+                                  "Warning: F.SAV stands as it was; SAVEOVER replaces it without asking\n");
     EXPECT_EQ(live.questions, std::vector<std::string>{"file F.SAV already exists."});
     EXPECT_EQ(contents("F.SAV"), old);
     live.answer = 1;

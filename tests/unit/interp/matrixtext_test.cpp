@@ -245,7 +245,8 @@ TEST_F(matrixtext, aFormatWithNoPositionsWarnsOnce) {
     l.names = false;
     l.numbers = {0, 0, 0, 0, 2, 0, ""};
     EXPECT_EQ(print(matrix(1, 3, {1, 2, 3}), l),
-              "Warning: bad number format:no output positions are provided\n.1E1 .2E1 .3E1\n\n");
+              "Warning: bad number format:no output positions are provided\nWarning: its second number, the "
+              "digits behind the point, is taken as 1\n.1E1 .2E1 .3E1\n\n");
 }
 
 } // namespace

@@ -62,8 +62,7 @@ TEST_F(PlotStatements, FaultsAreToldAndChangeNothing) {
         {"DRAW C1 LINETYPE NULLM",
          "##Error: improper number of arguments to LINETYPE\nWarning: LINETYPE takes a number, a matrix of 1 "
          "to 7 numbers, or (seg1, gap, seg2, tick1, tick2, thick, fill)\n"},
-        {"DRAW C1 LINE \"a\"",
-         "##Error: bad argument type in LINETYPE (LINE)\nWarning: it is the text \"a\"\n"},
+        {"DRAW C1 LINE \"a\"", "##Error: bad argument type in LINETYPE (LINE)\nWarning: \"a\" is a string\n"},
         {"DRAW C1 LINETYPE (1,2,3,4,5,6,L)",
          "##Error: bad argument type in LINETYPE (LINE)\nWarning: L is a 3 by 1 matrix\n"},
         {"DRAW C1 COLOR RED POINTTYPE 32", "##Error: invalid pointtype.\nWarning: point types are -31 to 31, "
@@ -75,7 +74,7 @@ TEST_F(PlotStatements, FaultsAreToldAndChangeNothing) {
          "##Error: invalid pointtype.\nWarning: a point is a single letter of ASCII\n"},
         {"DRAW C1 LINETYPE -1", "##Error: invalid linetype.\nWarning: line types are 0 to 12, this is -1\n"},
         {"DRAW C1 COLOR PUCE",
-         "##Error: PUCE is not a scalar type as expected\nWarning: PUCE has no value\n"},
+         "##Error: PUCE is not a scalar type as expected\nWarning: PUCE is undefined\n"},
         {"DRAW C1 COLOR RED POINTTYPE 999", "##Error: invalid pointtype.\nWarning: point types are -31 to "
                                             "31, or a letter in quotes; this is 999\n"},
         {"DRAW C1 COLOR RED PTFONT 35",
@@ -85,7 +84,7 @@ TEST_F(PlotStatements, FaultsAreToldAndChangeNothing) {
         {"DRAW C1 COLOR RED LABELSIZE -1", "##Error: LABELSIZE must be non-negative\n"},
         {"DRAW C1 PTSIZE -1", "##Error: point sizes must be non-negative\n"},
         {"DRAW C1 PTSIZE LIST(1,-1)", "##Error: point sizes must be non-negative\nWarning: row 2 is -1\n"},
-        {"DRAW C1 PTSIZE \"a\"", "##Error: illegal point size\nWarning: it is the text \"a\"\n"},
+        {"DRAW C1 PTSIZE \"a\"", "##Error: illegal point size\nWarning: \"a\" is a string\n"},
         {"DRAW C1 PTSIZE NULLM", "##Error: illegal point size\nWarning: the matrix is empty\n"},
         {"DRAW C1 COLOR (1,2,3,4)",
          "##Error: wrong number of arguments for COLOR clause\nWarning: it takes one to three: of points, "
@@ -100,24 +99,24 @@ TEST_F(PlotStatements, FaultsAreToldAndChangeNothing) {
         {"DRAW C1 OFFSET L", "##Error: OFFSET must have two parenthesized arguments\n"},
         {"TITLE T1 AT 3", "##Error: AT clause must have two parenthesized arguments\n"},
         {"DRAW C1 LABEL \"a\" COLOR RED",
-         "##Error: LABEL argument must be matrix or scalar\nWarning: it is the text \"a\"\n"},
+         "##Error: LABEL argument must be matrix or scalar\nWarning: \"a\" is a string\n"},
         {"DRAW C1 LABEL L&'L&'L",
-         "##Error: label matrix must have 1 or 2 cols\nWarning: it is a 3 by 3 matrix\n"},
+         "##Error: label matrix must have 1 or 2 cols\nWarning: the expression is a 3 by 3 matrix\n"},
         {"DRAW C1 FFRACT COLOR RED", "##Error: DRAW statements must use WORLD data units\nWarning: points in "
                                      "other units are drawn by AXIS\n"},
         {"DRAW C1 FORMAT (1,2)", "##Error: FORMAT needs 6 scalars\n"},
-        {"DRAW C1 = K", "##Error: bad DRAW or AXIS arg. type\nWarning: K is the number 2: a matrix of points "
+        {"DRAW C1 = K", "##Error: bad DRAW or AXIS arg. type\nWarning: K is a scalar: a matrix of points "
                         "or the name of a curve is needed\n"},
         {"DRAW W", "##Error: bad DRAW or AXIS arg. type\nWarning: W is a window: a matrix of points or the "
                    "name of a curve is needed\n"},
         {"DRAW M, L", "##Error: bad DRAW or AXIS arg. type\nWarning: M is a 3 by 2 matrix: the name must be "
                       "new, or that of a curve\n"},
-        {"DRAW NEW", "##Error: bad DRAW or AXIS arg. type\nWarning: NEW has no value\n"},
-        {"DRAW F'X = M", "##Error: bad DRAW or AXIS arg. type\nWarning: it has no value\n"},
+        {"DRAW NEW", "##Error: bad DRAW or AXIS arg. type\nWarning: NEW is undefined\n"},
+        {"DRAW F'X = M", "##Error: bad DRAW or AXIS arg. type\nWarning: F'X is undefined\n"},
         {"DRAW C1 = M, L", "##Error: too many arguments in DRAW or AXIS statement\nWarning: a name and its "
                            "points: DRAW NAME = MATRIX\n"},
-        {"AXIS M&'M",
-         "##Error: DRAW & AXIS data matrix must have 1 or 2 cols\nWarning: it is a 3 by 4 matrix\n"},
+        {"AXIS M&'M", "##Error: DRAW & AXIS data matrix must have 1 or 2 cols\nWarning: the expression is a "
+                      "3 by 4 matrix\n"},
         {"DRAW C1 = NULLM",
          "##Error: DRAW & AXIS data matrix must have 1 or 2 cols\nWarning: NULLM is a 0 by 0 matrix\n"},
         {"DRAW C1 = W.XAXIS IN K", "##Error: K is not a window\n"},
@@ -151,17 +150,17 @@ TEST_F(PlotStatements, FaultsAreToldAndChangeNothing) {
          "##Error: image is outside the frame\nWarning: the frame of W is 0 TO 1, 0 TO 1 in these units\n"},
         {"IMAGE 0.5 TO 0.5, 0 TO 1", "##Error: IMAGE limits must rise from the first to the second\n"},
         {"IMAGE 0 TO 1", "##Error: not enough TO clauses\nWarning: two are needed: x1 TO x2, y1 TO y2\n"},
-        {"BLANK C1, K", "##Error: bad type in BLANK/UNBLANK\nWarning: K is the number 2\n"},
+        {"BLANK C1, K", "##Error: bad type in BLANK/UNBLANK\nWarning: K is a scalar\n"},
         {"TITLE M = \"a\"",
          "##Error: title name already assigned to other type\nWarning: M is a 3 by 2 matrix\n"},
         {"TITLE C1 = \"a\"", "##Error: title name already assigned to other type\nWarning: C1 is a curve\n"},
-        {"TITLE \"a\", 5", "##Error: title name already assigned to other type\nWarning: it is the number 5: "
+        {"TITLE \"a\", 5", "##Error: title name already assigned to other type\nWarning: 5 is a number: "
                            "a position is TOP, LEFT, RIGHT or BOTTOM\n"},
-        {"TITLE \"a\", \"b\"", "##Error: bad TITLE arg. type\nWarning: it is the text \"b\": one name, one "
+        {"TITLE \"a\", \"b\"", "##Error: bad TITLE arg. type\nWarning: \"b\" is a string: one name, one "
                                "text and one position are enough\n"},
-        {"TITLE TOP, LEFT, \"b\"", "##Error: bad TITLE arg. type\nWarning: LEFT is the number 2: one name, "
+        {"TITLE TOP, LEFT, \"b\"", "##Error: bad TITLE arg. type\nWarning: LEFT is a scalar: one name, "
                                    "one text and one position are enough\n"},
-        {"TITLE T1 = NEW", "##Error: bad TITLE arg. type\nWarning: NEW has no value: one name, one text and "
+        {"TITLE T1 = NEW", "##Error: bad TITLE arg. type\nWarning: NEW is undefined: one name, one text and "
                            "one position are enough\n"},
         {"TITLE A, B, \"b\", TOP, 1", "##Error: too many arguments in TITLE statement\nWarning: a name, a "
                                       "title to copy, a text and a position are all that it takes\n"},
@@ -340,7 +339,7 @@ TEST_F(PlotStatements, AxesAreFoundByTheirWindow) {
     EXPECT_EQ(ring("W2"), "W2.YAXIS ");
     EXPECT_EQ(curvenamed("W.XAXIS").linecolor, 2);
     run("W3.XAXIS = 7");
-    EXPECT_EQ(run("XAXIS L IN W3"), "##Error: bad DRAW or AXIS arg. type\nWarning: W3.XAXIS is the number 7: "
+    EXPECT_EQ(run("XAXIS L IN W3"), "##Error: bad DRAW or AXIS arg. type\nWarning: W3.XAXIS is a scalar: "
                                     "the name must be new, or that of a curve\n");
 }
 

@@ -1,4 +1,5 @@
 #include "interp/scanner.h"
+#include "support/fixedwords.h"
 
 #include "interp/base/parser.h"
 #include "interp/base/report.h"
@@ -28,7 +29,7 @@ std::string tokens(const std::string& text) {
             if (number == TOKNAME) list += std::string("=") + sym(index).name;
             if (number == TOKSTRING) list += std::string("=") + static_cast<const char*>(sym(index).val.ptr);
         }
-    } catch (const recoveryjump&) { list += (list.empty() ? "" : " ") + harness.output; }
+    } catch (const recoveryjump&) { list += (list.empty() ? "" : " ") + fixedwords(harness.output); }
     harness.output.clear();
     return list;
 }
@@ -97,7 +98,7 @@ TEST_F(Scanner, IllegalCharacterShowsFortyBeforeAndThirtyBehind) {
     harnessfeed("1+2+3+4+5+6+7+8+9+1+2+3+4+5+6+7+8+9+1+2+3+4+5%1234567890123456789012345678901234567890");
     int token, index;
     EXPECT_THROW(for (;;) newtoken(token, index), recoveryjump);
-    EXPECT_EQ(harness.output,
+    EXPECT_EQ(fixedwords(harness.output),
               "\nError line:+4+5+6+7+8+9+1+2+3+4+5+6+7+8+9+1+2+3+4+5_123456789012345678901234567890\n"
               "##Error: illegal character in command: hex: 25 (%)\n");
 }
