@@ -89,22 +89,25 @@ TEST_F(PlotStatements, FaultsAreToldAndChangeNothing) {
         {"DRAW C1 COLOR (1,2,3,4)",
          "##Error: wrong number of arguments for COLOR clause\nWarning: it takes one to three: of points, "
          "line and labels, or of the first two and labels\n"},
-        {"DRAW C1 PLACE (1)", "##Error: PLACE must have two parenthesized arguments\n"},
+        {"DRAW C1 PLACE (1)",
+         "##Error: PLACE must have two parenthesized arguments\nWarning: as in PLACE (LEFT, TOP)\n"},
         {"DRAW C1 PLACE (CENTER,LEFT) COLOR RED",
          "##Error: illegal PLACE vcenter argument\nWarning: PLACE (h, v) takes LEFT, CENTER or RIGHT and "
          "then BOTTOM, CENTER or TOP\n"},
         {"DRAW C1 PLACE (TOP,CENTER) COLOR RED",
          "##Error: illegal PLACE hcenter argument\nWarning: PLACE (h, v) takes LEFT, CENTER or RIGHT and "
          "then BOTTOM, CENTER or TOP\n"},
-        {"DRAW C1 OFFSET L", "##Error: OFFSET must have two parenthesized arguments\n"},
-        {"TITLE T1 AT 3", "##Error: AT clause must have two parenthesized arguments\n"},
+        {"DRAW C1 OFFSET L",
+         "##Error: OFFSET must have two parenthesized arguments\nWarning: as in OFFSET (0.1, 0.1)\n"},
+        {"TITLE T1 AT 3",
+         "##Error: AT clause must have two parenthesized arguments\nWarning: as in AT (0.5, 0.5)\n"},
         {"DRAW C1 LABEL \"a\" COLOR RED",
          "##Error: LABEL argument must be matrix or scalar\nWarning: \"a\" is a string\n"},
         {"DRAW C1 LABEL L&'L&'L",
          "##Error: label matrix must have 1 or 2 cols\nWarning: the expression is a 3 by 3 matrix\n"},
         {"DRAW C1 FFRACT COLOR RED", "##Error: DRAW statements must use WORLD data units\nWarning: points in "
                                      "other units are drawn by AXIS\n"},
-        {"DRAW C1 FORMAT (1,2)", "##Error: FORMAT needs 6 scalars\n"},
+        {"DRAW C1 FORMAT (1,2)", "##Error: FORMAT needs 6 scalars\nWarning: as in FORMAT (-3,8,0,0,2,0)\n"},
         {"DRAW C1 = K", "##Error: bad DRAW or AXIS arg. type\nWarning: K is a scalar: a matrix of points "
                         "or the name of a curve is needed\n"},
         {"DRAW W", "##Error: bad DRAW or AXIS arg. type\nWarning: W is a window: a matrix of points or the "
@@ -176,9 +179,11 @@ TEST_F(PlotStatements, FaultsAreToldAndChangeNothing) {
         {"TYPE GETIMAGE(W,5)",
          "##Error: 2nd arg must be 1,2,3, or 4\nWarning: 1 FRACT, 2 INCHES, 3 FFRACT, 4 FINCHES\n"},
         {"TYPE GETFRAME(W,0)", "##Error: 2nd arg must be 1 or 2\nWarning: 1 FRACT, 2 INCHES\n"},
-        {"W2 = W", "##Error: LHS type for assignment invalid\n"},
-        {"EDIT C1", "##Error: Only a FUNCTION, INITIAL, STRING, TITLE, FILE or CONSTRAINT may be edited\n"},
-        {"SAVE C1 IN \"f\"", "##Error: saving an illegal object, no file created\n"},
+        {"W2 = W", "##Error: LHS type for assignment invalid\nWarning: W is a window, and W2 is a window: "
+                   "DELETE W2 first, if it shall become another kind of object\n"},
+        {"EDIT C1", "##Error: Only a FUNCTION, INITIAL, STRING, TITLE, FILE or CONSTRAINT may be "
+                    "edited\nWarning: C1 is a curve\n"},
+        {"SAVE C1 IN \"f\"", "##Error: saving an illegal object, no file created\nWarning: C1 is a curve\n"},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(run(row.statement), row.message) << row.statement;
@@ -637,7 +642,8 @@ TEST_F(PlotStatements, DamagedWindowsAreRefusedWhole) {
     std::string bytes = good;
     memset(bytes.data() + 6 + 34, 0, 8);
     file("w.SAV", bytes);
-    EXPECT_EQ(run("USEOVER \"w\""), "Using: \n##Error: Bad Window Adjust in USE\n");
+    EXPECT_EQ(run("USEOVER \"w\""),
+              "Using: \n##Error: Bad Window Adjust in USE\nWarning: in w.SAV, before byte 1366\n");
     EXPECT_EQ(everything(), was);
     for (size_t n = 1; n < good.size(); n += n < 160 ? 1 : 7) {
         file("w.SAV", good.substr(0, n));

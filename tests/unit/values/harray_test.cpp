@@ -106,8 +106,7 @@ TEST_F(harraytest, operandsAreReadInPlace) {
     EXPECT_TRUE(istemporary(temp));
     tempfree(temp);
     EXPECT_EQ(errorof([&] { matrixval(s, temp); }), "##Error: expected scalar or matrix type\n");
-    EXPECT_EQ(errorof([&] { scalarval(s); }),
-              "##Error: S is not a scalar type as expected\nWarning: S has no value\n");
+    EXPECT_EQ(errorof([&] { scalarval(s); }), "##Error: S is not a scalar type as expected\n");
     EXPECT_EQ(errorof([&] { scalartemp(a); }), "##Error: illegal use of non-scalar\n");
     symtabdelete(a);
     EXPECT_EQ(symtablookup("A"), -1);
