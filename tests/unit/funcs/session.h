@@ -126,7 +126,7 @@ struct funcstest : printingtest {
             tempfree(idx);
             EXPECT_EQ(temporaries(), others) << "temporaries left";
         }
-        return out + text;
+        return fixedwords(out) + text;
     }
     static int temporaries() {
         int n = 0;
