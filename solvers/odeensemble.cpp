@@ -11,7 +11,8 @@
 
 namespace {
 
-constexpr int MOSTGIVENUP = 2; // runs in a row, then it is not tried again
+constexpr int MOSTGIVENUP = 2;                // runs in a row, then it is not tried again
+constexpr size_t MOSTCELLS = size_t(1) << 23; // of output: 64 MB
 
 struct ensemblejob {
     odeensemble& e;
@@ -138,6 +139,7 @@ void integrate(ensemblejob& job, const double* times, long ntimes) {
         throw odegivenup{};
     placederivatives(job);
     const size_t columns = 1 + (2 * n + outputs) * FLATLANES;
+    if (size_t(ntimes) > MOSTCELLS / columns) throw odegivenup{};
     if (!e.out || e.out->rows != ntimes || e.out->cols != columns)
         e.out.reset(harraynew(uint32_t(ntimes), uint32_t(columns)));
     odemodel model;

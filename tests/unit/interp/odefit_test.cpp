@@ -234,12 +234,27 @@ TEST_F(OdeFit, WholeFits) {
     }
 }
 
-// A key stops or turns to reports also while several sets are integrated together.
+int keytopress, pollsleft; // the key comes at a later look at the keyboard
+
+// A key ends a fit or turns reports on at any place, also while several sets are integrated together.
 TEST_F(OdeFit, KeysAreHeard) {
-    run(std::string(chain) + "D = (0:5!11) &' (0:5!11); LSQRPT = 0\n");
-    live.key = 'Q';
-    EXPECT_NE(run("FIT (K1,K2), B TO D").find("FIT INTERRUPTED BY Q\n"), std::string::npos);
-    EXPECT_EQ(run("TYPE 1+1"), "    = 2\n");
+    console.getkey = [](bool) { return pollsleft-- == 0 ? keytopress : -1; };
+    const char* fit = "K1 = 0.8; K2 = 0.3; D = POINTS(B,0.5:5:0.5); K1 = 0.5; K2 = 0.5; FIT (K1,K2), B TO D";
+    run(std::string(chain) + "LSQRPT = 0\n");
+    pollsleft = 1 << 30;
+    run(fit);
+    const int polls = (1 << 30) - pollsleft;
+    for (int part = 1; part < 40; part++) {
+        pollsleft = polls * part / 40;
+        keytopress = 'Q';
+        EXPECT_NE(run(fit).find(" INTERRUPTED BY Q\n"), std::string::npos) << part;
+        pollsleft = polls * part / 40;
+        keytopress = 'R';
+        run(fit);
+        EXPECT_NEAR(scalar("K1"), 0.8, 1e-6) << part;
+        EXPECT_NEAR(scalar("K2"), 0.3, 1e-6) << part;
+        EXPECT_EQ(run("TYPE 1+1"), "    = 2\n");
+    }
 }
 
 } // namespace
