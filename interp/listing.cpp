@@ -10,6 +10,7 @@
 #include "interp/base/report.h"
 #include "interp/filelist.h"
 #include "interp/matrixtext.h"
+#include "interp/otherwords.h"
 #include "values/stringarray.h"
 
 #include <algorithm>
@@ -133,6 +134,7 @@ void showunknown(int idx) {
     if (s.name[0] == '.') derivfind(idx, false);
     if (s.type != UNKNOWN) return typeop(idx);
     tarnprint("   value = unknown\n");
+    if (const std::string meant = otherword(s.name); !meant.empty()) return tarnwarn("%s", meant.c_str());
     const std::string more = describe(idx);
     if (more.ends_with("?")) tarnwarn("%s", more.c_str()); // another name is near
 }

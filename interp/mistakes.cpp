@@ -3,6 +3,7 @@
 #include "interp/base/operand.h"
 #include "interp/base/parser.h"
 #include "interp/base/symtab.h"
+#include "interp/otherwords.h"
 #include "interp/scanner.h"
 #include "interp/tokenfil.h"
 
@@ -241,6 +242,8 @@ furtherline noseparator(int idx) {
     const int before = parser.poltop >= 0 ? parser.polstack[parser.poltop] : 0;
     if (parser.poltop == 0 && parser.oplevel == 0 && before > 0 && sym(before).type == UNKNOWN) {
         const std::string name = nametext(before);
+        const std::string ours = otherword(name);
+        if (!ours.empty()) return marked(name + " is no word of the language: " + ours);
         const int meant = symtabnearest(name.c_str(), [](const symbol& s) { return s.type == OPERATOR; });
         return marked(name + " is no word of the language" +
                       (meant ? "; is " + std::string(sym(meant).name) + " meant?" : ""));

@@ -7,6 +7,7 @@
 #include "interp/base/report.h"
 #include "interp/base/tokens.h"
 #include "interp/mistakes.h"
+#include "interp/otherwords.h"
 #include "interp/process.h"
 #include "interp/scanner.h"
 #include "values/harray.h"
@@ -71,6 +72,8 @@ int textelement(const StringArray* a, uint32_t i, uint32_t j) {
 
 [[noreturn]] void undefinedcallee(int idx) {
     const char* const text = "%s is undefined, a matrix or function was expected here";
+    if (furtherline ours{otherword(sym(idx).name)}; !ours.text.empty())
+        tarnerror(ours, text, nametext(idx).c_str());
     const int meant = symtabnearest(sym(idx).name, [](const symbol& s) {
         return s.type < 0 || s.type == USERFUNCTION || s.type == MATRIX || s.type == STRINGMATRIX;
     });

@@ -215,12 +215,32 @@ void odeusable(int f, int nargs) {
     if (nargs < mandatory || nargs > slots[0]) tarnerror("incorrect number of arguments of a function\n");
 }
 
+namespace {
+
+// A state whose start has been forgotten has a derivative already.
+bool hasderivative(int f) {
+    const std::string begin = std::string(".") + sym(f).name + ".";
+    return std::any_of(std::begin(symtab.at), std::end(symtab.at), [&](const symbol& s) {
+        return s.type == USERFUNCTION && std::string_view(s.name).starts_with(begin);
+    });
+}
+
+[[noreturn]] void refuse(int f) {
+    const std::string name = nametext(f);
+    const furtherline more =
+        hasderivative(f) ? further("%s has no start, as INITIAL %s(0) = 1", name.c_str(), name.c_str())
+                         : further("%s; names of states and functions stand here, then one matrix of times",
+                                   describe(f).c_str());
+    tarnerror(more, "trying to evaluate illegal function\n");
+}
+
+} // namespace
+
 odesystem odededuce(const std::vector<int>& names, int nargs) {
     deduction d(names);
     for (int f : names) {
         if (isderivative(f)) derivativetostate(d, f);
-        if (!isfunction(f) && !isstate(f) && sym(f).type >= 0)
-            tarnerror("trying to evaluate illegal function\n");
+        if (!isfunction(f) && !isstate(f) && sym(f).type >= 0) refuse(f);
     }
     for (size_t i = 0; i < names.size(); i++) {
         const int f = names[i];

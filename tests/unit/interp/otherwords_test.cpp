@@ -52,8 +52,11 @@ TEST_F(OtherWords, AreAnsweredByOurs) {
     EXPECT_EQ(otherword(""), "");
 }
 
-TEST_F(OtherWords, HelpKnowsThem) {
+TEST_F(OtherWords, AreToldWhereTheyMeanNothing) {
+    EXPECT_EQ(harnessrun("quit"), "   value = unknown\nWarning: EXIT ends the session\n");
+    EXPECT_EQ(harnessrun("QUIT = 3; QUIT"), "  QUIT = 3\n");
     EXPECT_EQ(harnessrun("HELP linspace"), "0:1!5 is five points from 0 to 1\n");
+    EXPECT_EQ(harnessrun("WARNSW = 0; ls"), "   value = unknown\n");
 }
 
 } // namespace
