@@ -23,16 +23,22 @@ struct csvtable : delimitedtable {
     std::string path;
 };
 
+// The character that a text means as a delimiter; 0 if it can be none.
+char delimitercalled(const std::string& word) {
+    if (word == "tab" || word == "TAB") return '\t';
+    const bool other = word.size() != 1 || isalnum(static_cast<unsigned char>(word[0]));
+    return other || word.find_first_of("\"\r\n.+-") == 0 ? 0 : word[0];
+}
+
 // The character that a delimiter argument means; 0 when it is not given (argument 0, or beyond the last).
 char delimiterof(const callargs& a, int argument) {
     if (argument == 0 || argument > a.n) return 0;
     const std::string word = stringval(a[argument]);
-    if (word == "tab" || word == "TAB") return '\t';
-    if (word.size() != 1 || isalnum(static_cast<unsigned char>(word[0])) ||
-        word.find_first_of("\"\r\n.+-") == 0)
+    const char delimiter = delimitercalled(word);
+    if (delimiter == 0)
         tarnerror(further("a delimiter is one sign, such as \";\", or \"tab\""), "%s: \"%s\" is no delimiter",
                   a.name(), word.c_str());
-    return word[0];
+    return delimiter;
 }
 
 void readtable(const callargs& a, csvtable& t, char delimiter) {
@@ -78,6 +84,7 @@ std::vector<size_t> chosencolumns(const callargs& a, int argument, const csvtabl
     std::iota(columns.begin(), columns.end(), size_t(0));
     if (!argument) return columns;
     const symbol& s = sym(a[argument]);
+    if (isstringtype(a[argument])) return {columncalled(a, t, stringval(a[argument]))};
     if (s.type == STRINGMATRIX) {
         const auto* names = static_cast<const StringArray*>(s.val.ptr);
         for (size_t k = 0; k < stringcount(names); k++) {
@@ -94,11 +101,28 @@ std::vector<size_t> chosencolumns(const callargs& a, int argument, const csvtabl
     return columns;
 }
 
+// A field that is no number, and what may have been meant.
+[[noreturn]] void notnumber(const callargs& a, const csvtable& t, size_t i, size_t j) {
+    const std::string field = text(delimitedfield(t, i, j).substr(0, 40));
+    const size_t comma = field.find(',');
+    const bool decimal =
+        comma != std::string::npos && field.find_first_not_of("0123456789,+-eE") == field.npos;
+    tarnerror(decimal
+                  ? further("decimals are written with a point: %s.%s", field.substr(0, comma).c_str(),
+                            field.substr(comma + 1).c_str())
+                  : further("the columns that hold numbers can be chosen: %s(\"%s\", LIST(1,3)), or by their names",
+                            a.name(), t.path.c_str()),
+              "%s: %s, line %ld, column %s: \"%s\" is not a number", a.name(), t.path.c_str(), t.lines[i],
+              columnname(t, j).c_str(), field.c_str());
+}
+
 /* READCSV(file [, columns] [, delimiter]): the numbers of a table; missing ones are MAXPOS. columns: numbers
- * from 1, or a string matrix of names; in either order with the delimiter, which is a string. */
+ * from 1, a name, or a string matrix of names; in either order with the delimiter, a string that is no name.
+ */
 int readcsv(const callargs& a) {
     int delimiter = 0, columnarg = 0;
-    for (int k = 2; k <= a.n; k++) (isstringtype(a[k]) ? delimiter : columnarg) = k;
+    for (int k = 2; k <= a.n; k++)
+        (isstringtype(a[k]) && delimitercalled(stringval(a[k])) ? delimiter : columnarg) = k;
     csvtable t;
     readtable(a, t, delimiterof(a, delimiter));
     const std::vector<size_t> columns = chosencolumns(a, columnarg, t);
@@ -111,10 +135,7 @@ int readcsv(const callargs& a) {
     double* x = cells(m.get());
     for (size_t i = first; i < t.lines.size(); i++)
         for (const size_t j : columns) {
-            const std::string_view field = delimitedfield(t, i, j);
-            if (delimitednumber(field, *++x) == FIELDTEXT)
-                tarnerror("%s: %s, line %ld, column %s: \"%s\" is not a number", a.name(), t.path.c_str(),
-                          t.lines[i], columnname(t, j).c_str(), text(field.substr(0, 40)).c_str());
+            if (delimitednumber(delimitedfield(t, i, j), *++x) == FIELDTEXT) notnumber(a, t, i, j);
         }
     return symtabmatrix(0, 0, std::move(m));
 }

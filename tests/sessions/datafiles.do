@@ -35,6 +35,8 @@ D = READCSV("species.csv")
 TYPE READCSV("species.csv",1)
 TYPE READCSV("species.csv",CSVNAMES(TRIAL))
 TYPE READCSV("species.csv",",")
+TYPE READCSV("species.csv","length")
+D = READCSV("comma.csv")
 D = READCSV("ragged.csv")
 D = READCSV("none.csv")
 /* strings */

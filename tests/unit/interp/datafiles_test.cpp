@@ -243,7 +243,7 @@ TEST_F(DataFiles, csv) {
               "##Error: READCSV: t.csv, line 2, column who: \"Ann\" is not a number\n");
     EXPECT_EQ(run("Y = READCSV(T,4)"), "##Error: READCSV: t.csv has no column 4\n");
     EXPECT_EQ(run("Y = READCSV(\"none.csv\")"), "##Error: READCSV: couldn't open input file none.csv\n\n");
-    EXPECT_EQ(run("Y = READCSV(T,\"ab\")"), "##Error: READCSV: \"ab\" is no delimiter\n");
+    EXPECT_EQ(run("Y = READCSV(T,\"ab\")"), "##Error: READCSV: t.csv has no column ab\n");
     file("semi.csv", "1;2\n3;4");
     EXPECT_EQ(run("Y = READCSV(\"semi.csv\")\nV = READCSV(\"semi.csv\",\";\")\n"), "");
     EXPECT_EQ(numbers("V"), (list{1, 2, 3, 4}));
