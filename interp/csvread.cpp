@@ -107,11 +107,10 @@ std::vector<size_t> chosencolumns(const callargs& a, int argument, const csvtabl
     const size_t comma = field.find(',');
     const bool decimal =
         comma != std::string::npos && field.find_first_not_of("0123456789,+-eE") == field.npos;
-    tarnerror(decimal
-                  ? further("decimals are written with a point: %s.%s", field.substr(0, comma).c_str(),
-                            field.substr(comma + 1).c_str())
-                  : further("the columns that hold numbers can be chosen: %s(\"%s\", LIST(1,3)), or by their names",
-                            a.name(), t.path.c_str()),
+    tarnerror(decimal ? further("decimals are written with a point: %s.%s", field.substr(0, comma).c_str(),
+                                field.substr(comma + 1).c_str())
+                      : further("the columns that hold numbers can be chosen, as in %s(\"%s\", LIST(1,3))",
+                                a.name(), t.path.c_str()),
               "%s: %s, line %ld, column %s: \"%s\" is not a number", a.name(), t.path.c_str(), t.lines[i],
               columnname(t, j).c_str(), field.c_str());
 }
