@@ -253,14 +253,17 @@ void minsettle(minrun& r) {
     minbasis(r);
 }
 
-bool minfeasible(minrun& r) {
-    bool inside = true;
-    for (int i = 0; i < r.cons.count; i++) inside &= meets(r, i);
-    if (!inside && !nearestfeasible(r)) return false;
-    minbasis(r);
-    for (int i = 0; i < r.cons.count; i++)
-        if (r.cons.type[size_t(i)] == 0 && !minadd(r, i) && !meets(r, i)) return false;
+bool minmeetsall(const minrun& r) {
     for (int i = 0; i < r.cons.count; i++)
         if (!meets(r, i)) return false;
     return true;
+}
+
+bool minfeasible(minrun& r) {
+    if (!minmeetsall(r) && !nearestfeasible(r)) return false;
+    r.active.clear();
+    minbasis(r);
+    for (int i = 0; i < r.cons.count; i++)
+        if (r.cons.type[size_t(i)] == 0 && !minadd(r, i) && !meets(r, i)) return false;
+    return minmeetsall(r);
 }

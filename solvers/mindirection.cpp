@@ -129,8 +129,6 @@ nextstep rescale(minrun& r) {
 nextstep perturb(minrun& r) {
     r.perturbed++;
     for (double& x : r.x) x += 0.01 * std::max(std::fabs(x), 1.0) * (2 * ran(0) - 1);
-    r.active.clear();
-    minbasis(r);
     if (r.cons.count > 0 && !minfeasible(r)) return end(r, MININFEASIBLE);
     r.iteration = 0;
     return NEWSTART;

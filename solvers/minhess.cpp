@@ -8,6 +8,7 @@
 
 namespace {
 
+constexpr int MOSTSHIFTS = 10;      // of the diagonal, to make a Hessian definite
 constexpr double MINSIGNAL = 1e300; // sums and multiples of MAXPOS and MAXNEG are signals like these
 
 double sample(minrun& r, const std::vector<double>& x) {
@@ -168,7 +169,7 @@ double gershgorinshift(const std::vector<double>& a, size_t n, double pivot) {
         hi = std::max(hi, a[i * n + i] + off);
     }
     const double shift = (hi - lo) * 1e-8 - lo;
-    return std::max(std::min(shift, std::max(std::fabs(pivot), std::fabs(lo))), 1e-6);
+    return std::max(std::min(shift, std::fabs(pivot)), 1e-6);
 }
 
 std::vector<double> freehessian(minrun& r) {
@@ -256,21 +257,23 @@ void minhessian(minrun& r) {
     const size_t nf = size_t(r.nfree());
     r.bfgscount = 0;
     r.hessianat = r.iteration;
-    if (r.sw.hessmsw == 0) {
+    if (r.sw.hessmsw == 0) { // Z'Z is the identity: the columns of Z are orthogonal
         if (reports(r, 8)) tarnprint("computing Hessian = I.\n");
         return minidentity(r);
     }
     std::vector<double> a = freehessian(r);
-    if (std::all_of(a.begin(), a.end(), [](double v) { return std::fabs(v) < 1e-12; })) return minidentity(r);
+    double most = 0;
+    for (double v : a) most = std::isfinite(v) ? std::max(most, std::fabs(v)) : MAXPOS;
+    if (most < 1e-12 || most >= MAXPOS) return minidentity(r);
     r.H = a;
-    const bool positive = r.sw.hessmsw > 0 && r.sw.preconditionsw != 2;
-    const double pivot = minldl(r.H, nf, r.hessfloor, positive);
-    if (r.sw.hessmsw > 0 || pivot >= 0) return;
-    const double shift = gershgorinshift(a, nf, pivot);
-    for (size_t i = 0; i < nf; i++) a[i * nf + i] += shift;
-    if (r.sw.reptsw) tarnprint("\nforce hessian to be positive definite\n");
-    r.H = a;
-    minldl(r.H, nf, r.hessfloor, true);
+    double pivot = minldl(r.H, nf, r.hessfloor, r.sw.hessmsw > 0 && r.sw.preconditionsw != 2);
+    for (int k = 0; k < MOSTSHIFTS && r.sw.hessmsw < 0 && pivot < 0; k++) {
+        const double shift = gershgorinshift(a, nf, pivot);
+        for (size_t i = 0; i < nf; i++) a[i * nf + i] += shift;
+        if (r.sw.reptsw) tarnprint("\nforce hessian to be positive definite\n");
+        r.H = a;
+        pivot = minldl(r.H, nf, r.hessfloor, false);
+    }
 }
 
 std::vector<double> mintruehessian(const minproblem& problem, const std::vector<double>& x) {

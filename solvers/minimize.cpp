@@ -172,7 +172,9 @@ void makegradient(minbinding& b) {
 // ---- switches
 
 double number(const char* name, double absent) { return symtabscalar(name, absent); }
-int whole(const char* name, double absent) { return int(std::trunc(symtabscalar(name, absent))); }
+int whole(const char* name, double absent) {
+    return int(std::trunc(std::clamp(symtabscalar(name, absent), -1e9, 1e9)));
+}
 
 minswitches readswitches() {
     minswitches sw;
@@ -186,9 +188,9 @@ minswitches readswitches() {
     sw.reptsw = whole("REPTSW", 512);
     sw.newhess = whole("NEWHESS", -1);
     sw.gradsw = whole("GRADSW", 0);
-    sw.ssize = std::max(1, whole("SSIZE", 1));
+    sw.ssize = std::clamp(whole("SSIZE", 1), 1, 1000000);
     sw.maxsize = std::clamp(whole("MAXSIZE", 5), 0, 16);
-    sw.nsize = whole("NSIZE", 10);
+    sw.nsize = std::clamp(whole("NSIZE", 10), 1, 1000000);
     sw.stochsw = whole("STOCHSW", 0);
     return sw;
 }

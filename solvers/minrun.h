@@ -96,6 +96,7 @@ bool minbasis(minrun& r); // for the active rows; false when the last one depend
 void tofree(const minrun& r, const std::vector<double>& full, std::vector<double>& free); // Z'v, free columns
 void tofull(const minrun& r, const std::vector<double>& free, std::vector<double>& full); // Z v
 bool minfeasible(minrun& r);     // moves x into the feasible set, equalities active; false when it is empty
+bool minmeetsall(const minrun& r);
 bool minadd(minrun& r, int row); // false when the row depends on the active ones
 // The least multiplier of an active inequality, and where it stands; 0 when none is below zero.
 double minleast(const minrun& r, int& place);

@@ -113,6 +113,11 @@ minresult finish(minrun& r) {
         r.x = r.xbest;
         minsettle(r);
     }
+    // a row that nearly depends on the active ones may have been passed by: back to the nearest point allowed
+    if (r.cons.count > 0 && r.ecode != MININFEASIBLE && !minmeetsall(r)) {
+        r.fbest = MAXPOS;
+        minfeasible(r);
+    }
     r.f = minvalue(r, r.x);
     std::fill(r.scale.begin(), r.scale.end(), 1.0);
     mingradient(r, r.x, r.g);

@@ -220,6 +220,43 @@ TEST_F(SolverStatements, Minimize) {
               std::string::npos);
 }
 
+// Q ends a search with its full report at the best point, R turns the report.
+TEST_F(SolverStatements, KeysOfASearch) {
+    const std::string first = "FUNCTION F(X,Y) = 100*(Y-X^2)^2+(1-X)^2; X = -1.2; Y = 1";
+    run("REPTSW = 512; " + first);
+    live.key = 'Q';
+    std::string said = run("Q = MINIMIZE(F,X,Y)");
+    EXPECT_EQ(said.find("MINIMIZE INTERRUPTED BY Q\n\nThe function value is: "), 0u) << said;
+    EXPECT_NE(said.find("ecode = 7, \n"), std::string::npos) << said;
+    EXPECT_EQ(said.find("Converged"), std::string::npos) << said;
+    EXPECT_EQ(run("TYPE 1+1"), "    = 2\n");
+    run("X = -1.2; Y = 1");
+    live.key = 'R';
+    said = run("Q = MINIMIZE(F,X,Y)");
+    EXPECT_NE(said.find("\nbegin iteration 1\nx: "), std::string::npos) << said;
+    EXPECT_NE(said.find("BFGS-updating inverse Hessian.\n"), std::string::npos) << said;
+    run("MAXITER = 1000");
+    live.key = 'R';
+    said = run("S = NMSIMPLEX(F)");
+    EXPECT_EQ(said.find("1:  0.000000, 0.000000,  = 1.000000\nSIMPLEX: "), 0u) << said;
+    live.key = 'q';
+    said = run("S = NMSIMPLEX(F); TYPE S(1)");
+    EXPECT_EQ(said.find("SIMPLEX interrupted by Q\nSIMPLEX: 3 function evaluations\n"), 0u) << said;
+    EXPECT_EQ(run("TYPE 1+1"), "    = 2\n");
+}
+
+// Solutions of differential equations are searched too; a run that ends early has no value in either sense.
+TEST_F(SolverStatements, MinimaOfSolutions) {
+    run("REPTSW = 0; FUNCTION M'T(T) = -K*M; INITIAL M(0) = M0; K = 0.3; M0 = 10; S = POINTS(M,0.5:10:0.5)\n"
+        "FUNCTION MISS() = SUM(I,1,20,(M(S(I,1))-S(I,2))^2); K = 0.1; M0 = 5; Q = MINIMIZE(MISS,K,M0)");
+    EXPECT_NEAR(scalar("K"), 0.3, 1e-5);
+    EXPECT_NEAR(scalar("M0"), 10, 1e-4);
+    // y' = y^2 from 1 goes to infinity at 1: the greatest value of y - 9t lies before
+    run("FUNCTION Y'T(T) = Y^2; INITIAL Y(0) = 1; FUNCTION G(T) = 9*T-Y(T); T0 = 0.2; Q = MAXIMIZE(G,T0)");
+    EXPECT_NEAR(scalar("T0"), 2.0 / 3, 1e-3);
+    EXPECT_NEAR(scalar("Q"), 3, 1e-5);
+}
+
 TEST_F(SolverStatements, SimplexAndLinearPrograms) {
     const row rows[] = {
         {"polytope",

@@ -259,6 +259,80 @@ TEST_F(mintest, constrainedProblemsOfHockAndSchittkowski) {
         }
 }
 
+// Against the projections that can be written down.
+TEST_F(mintest, rowsThatDependOnEachOther) {
+    const auto distance = [](double a, double b) {
+        return [a, b](const double* x) { return sq(x[0] - a) + sq(x[1] - b); };
+    };
+    const struct {
+        const char* what;
+        function f;
+        vector start;
+        solverconstraints c;
+        vector x;
+        minexit ecode;
+    } cases[] = {
+        {"the same row three times",
+         distance(3, 3),
+         {0, 0},
+         rows(2, {1, 1, 2, 2, 1, 1}, {-1, -1, -1}, {2, 4, 2}),
+         {1, 1},
+         MINCONVERGED},
+        {"the same equality twice",
+         distance(3, 3),
+         {0, 0},
+         rows(2, {1, 1, 2, 2}, {0, 0}, {2, 4}),
+         {1, 1},
+         MINCONVERGED},
+        {"equalities that contradict",
+         distance(3, 3),
+         {0, 0},
+         rows(2, {1, 1, 2, 2}, {0, 0}, {2, 5}),
+         {0, 0},
+         MININFEASIBLE},
+        {"a row without coefficients that holds",
+         distance(3, 3),
+         {0, 0},
+         rows(2, {0, 0, 1, 1}, {-1, -1}, {1, 2}),
+         {1, 1},
+         MINCONVERGED},
+        {"a row without coefficients that does not",
+         distance(3, 3),
+         {0, 0},
+         rows(2, {0, 0}, {1}, {1}),
+         {0, 0},
+         MININFEASIBLE},
+        {"rows a ten millionth apart",
+         distance(1e4, -1.1e4),
+         {-5, 6},
+         rows(2, {1, 1, 1, 1 + 1e-7}, {1, 1}, {0, 0}),
+         {10499.9995, -10499.99845},
+         MINCONVERGED},
+        {"five rows through one corner",
+         distance(-1, -1),
+         {1, 0.5},
+         rows(2, {1, 0, 0, 1, 1, 1, 1, 2, 2, 1}, {1, 1, 1, 1, 1}, {0, 0, 0, 0, 0}),
+         {0, 0},
+         MINSMALLSTEP},
+        {"an equality and its two inequalities",
+         distance(3, 1),
+         {9, 9},
+         rows(2, {1, -1, 1, -1, 1, -1}, {0, 1, -1}, {0, 0, 0}),
+         {2, 2},
+         MINCONVERGED},
+    };
+    for (const auto& k : cases)
+        for (const int mode : {0, 1}) {
+            minswitches sw;
+            sw.gradsw = mode;
+            sw.reptsw = 0;
+            const minresult r = minimum(k.f, k.start, k.c, sw);
+            EXPECT_EQ(r.ecode, k.ecode) << k.what << mode;
+            for (size_t i = 0; i < 2; i++)
+                EXPECT_NEAR(r.x[i], k.x[i], 1e-6 * (1 + std::fabs(k.x[i]))) << k.what << mode;
+        }
+}
+
 int occurrences(const std::string& text, const std::string& what) {
     int count = 0;
     for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) count++;
