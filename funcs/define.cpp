@@ -4,6 +4,7 @@
 #include "funcs/funcprint.h"
 #include "funcs/trinode.h"
 #include "interp/base/hooks.h"
+#include "interp/base/operand.h"
 #include "interp/base/parser.h"
 #include "interp/base/report.h"
 #include "interp/base/symtab.h"
@@ -17,8 +18,14 @@ namespace {
 
 constexpr int FIRSTOPERATORCODE = -500, LASTOPERATORCODE = -504; // INTEGRAL, EVAL, SUM, ROOT, PRODUCT
 
-[[noreturn]] void badhead() { tarnsyntax(9, "illegal function definition"); }
-[[noreturn]] void badbody() { tarnsyntax(2, "illegal function definition"); }
+// How the definition that is being read is written.
+furtherline definitionform() {
+    return {parser.funcmode == 1 ? "as in INITIAL Y(0) = 1"
+                                 : "as in FUNCTION F(X) = A*X, or FUNCTION Y'T(T) = -K*Y"};
+}
+
+[[noreturn]] void badhead() { tarnsyntax(definitionform(), 9, "illegal function definition"); }
+[[noreturn]] void badbody() { tarnsyntax(definitionform(), 2, "illegal function definition"); }
 
 /* An operand on its way into the tree. A string is a temporary of its statement, so no tree can hold it. */
 int operand(int ref) {
@@ -45,7 +52,7 @@ int callbase() {
     if (callee <= 0) tarnerror("expression in function name illegal");
     const int type = sym(callee).type;
     if (!(type < 0 || type == UNKNOWN || type == USERFUNCTION || type == MATRIX || type == INITIALVALUE))
-        tarnerror("in an F(...) term, F cannot have subscripts or args");
+        tarnerror(furtherline{describe(callee)}, "in an F(...) term, F cannot have subscripts or args");
     return base;
 }
 
@@ -95,7 +102,10 @@ void forgetdefinition(int f) {
 void header(int base) {
     if (base != 0) badhead();
     for (int at = base + 1; at <= parser.poltop; at++)
-        if (!formalislegal(at, base)) tarnerror("formal function argument is illegal");
+        if (!formalislegal(at, base))
+            tarnerror(further("argument %d is no name, or stands there twice; %s", at - base,
+                              definitionform().text.c_str()),
+                      "formal function argument is illegal");
     if (definition.headerseen) tarnerror("illegal syntax; no more than one LHS of a fct defn");
     const int f = parser.polstack[base];
     definition.oldtype = sym(f).type;
@@ -241,7 +251,8 @@ int formalcode(int ref, int headerref) {
 std::string derivname(int f, int x) {
     if (f <= 0 || x <= 0 || sym(f).type == CONSTANT || sym(x).type == CONSTANT || istemporary(f) ||
         istemporary(x))
-        tarnerror("illegal derivative name construct");
+        tarnerror(further("as in F'X, the name of a function and the name of a variable"),
+                  "illegal derivative name construct");
     return std::string(".") + sym(f).name + "." + sym(x).name;
 }
 

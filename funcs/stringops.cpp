@@ -152,7 +152,9 @@ void stringbinop(int op, int a, int b) {
         const int order = textof(a).compare(textof(b));
         return polpush(symtabtempscalar(a, b, compared(op, order)));
     }
-    default: tarnerror("the only string binary operators are +,^,=,<,<=,>,>=");
+    default:
+        tarnerror(further("%s, and %s", describe(a).c_str(), describe(b).c_str()),
+                  "the only string binary operators are +,^,=,<,<=,>,>=");
     }
 }
 

@@ -81,6 +81,8 @@ furtherline kindstays(int rhs, int lhs) {
     const std::string what = describe(rhs) + ", and " + describe(lhs);
     const int type = sym(lhs).type;
     if (type < 0 || type == CONSTANT) return further("%s: take another name", describe(lhs).c_str());
+    if (sym(rhs).type < 0)
+        return further("%s: it has a value with arguments behind it", describe(rhs).c_str());
     if (symtabprotected(lhs)) return {what + ", which it stays"};
     return further("%s: DELETE %s first, if it shall become another kind of object", what.c_str(),
                    nametext(lhs).c_str());
@@ -155,9 +157,10 @@ void assignscalar(int rhs, int lhs) {
     } else if (type == MATRIX) {
         tarnwarn("? assigning a matrix to a scalar LHS may be wrong");
         l.val.rval = scalarval(rhs);
-        tarnwarn("%s takes the first element of %s; DELETE %s first to make it a matrix",
-                 nametext(lhs).c_str(), istemporary(rhs) ? kindtext(rhs).c_str() : nametext(rhs).c_str(),
-                 nametext(lhs).c_str());
+        const std::string name = nametext(lhs), given = istemporary(rhs) ? kindtext(rhs) : nametext(rhs);
+        const std::string more =
+            symtabprotected(lhs) ? ", and stays a scalar" : "; DELETE " + name + " first to make it a matrix";
+        tarnwarn("%s takes the first element of %s%s", name.c_str(), given.c_str(), more.c_str());
     } else if (isstringtype(rhs)) {
         tarnerror(kindstays(rhs, lhs), "can't assign string to a scalar");
     } else {
@@ -230,10 +233,14 @@ void variablechanged(int idx) {
 
 void assignop(int rhs, int lhs) {
     if (sym(rhs).type == UNKNOWN) tarnerror(furtherline{describe(rhs)}, "RHS of assignment invalid");
+    if (sym(rhs).type == USERFUNCTION && sym(rhs).val.rval == UNDEFINEDMARK)
+        tarnerror(further("%s is a function: without arguments it means its last value, and it has none yet",
+                          nametext(rhs).c_str()),
+                  "RHS of assignment invalid");
     const int type = sym(lhs).type;
     if (istemporary(lhs) && type != SUBMTX)
         tarnsyntax(further("a name or a part of a matrix stands before the =, and here it is %s",
-                           type == CONSTANT ? nametext(lhs).c_str() : kindtext(lhs).c_str()),
+                           type == CONSTANT ? nametext(lhs).c_str() : "an expression"),
                    43, "illegal assignment LHS");
     switch (type) {
     case UNKNOWN: assignnew(rhs, lhs); break;

@@ -50,7 +50,9 @@ bool damaged(const usestate& u, const char* name, const char* what) {
     if (u.quiet) return false;
     tarnprint("\n");
     const furtherline more = further("in %s, before byte %zu%s", u.path.c_str(), u.size - bytesleft(u.in) + 1,
-                                     u.told ? "; the objects named above have been read" : "");
+                                     u.told ? "; the objects named above have been read"
+                                     : strcmp(name, "the file") == 0 ? ": is it a save file?"
+                                                                     : "");
     if (u.in.verbatim) tarnerror(more, "%s", what);
     tarnerror(more, "USE: %s is damaged: %s", name, what);
 }

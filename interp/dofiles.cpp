@@ -299,7 +299,7 @@ bool nextpass() {
     const bool matrix = sym(f.values).type == MATRIX;
     if (s.ended || (!matrix && f.index >= f.limit)) return false;
     if (!matrix)
-        tarnerror(further("%s; a loop over a copy of it goes on", describe(f.values).c_str()),
+        tarnerror(further("a loop over an expression, such as M + 0, has a matrix of its own"),
                   "the matrix of a FOR loop was deleted by its body");
     if (f.index >= harraycount(static_cast<const harray*>(sym(f.values).val.ptr))) return false;
     f.index++;

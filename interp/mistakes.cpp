@@ -106,7 +106,7 @@ constexpr struct {
     int token;
     const char* form;
 } forms[] = {
-    {TOKTYPE, "TYPE A, B"},
+    {TOKTYPE, "TYPE A, B or TYPE FILE \"NAME\""},
     {TOKPRINT, "PRINT A, B IN \"FILE\""},
     {TOKDELETE, "DELETE A, B"},
     {TOKSAVE, "SAVE A, B IN \"FILE\""},
@@ -154,6 +154,7 @@ const char* unfinished() {
         const int token = parser.opstack[k];
         if (token == TOKOPEN || token == TOKCALL) return "a bracket is not closed";
         if (token == TOKIF) return "IF is without THEN";
+        if (token == TOKTHEN) return "an IF between values needs ELSE";
     }
     return nullptr;
 }
@@ -172,6 +173,8 @@ std::string refusal(int token) {
         return what + " cannot stand inside a bracket: is one not closed?";
     if (isunit(token)) return what + " is a unit: it stands behind AT, SIZE, OFFSET and the like";
     if (isclause(token)) return what + " belongs to a statement word, such as DRAW or TITLE, in front of it";
+    if (token == TOKPRIME)
+        return "a prime stands behind a matrix or a function; text stands in double quotes";
     if (token == TOKTO) return "TO belongs to FIT, WINDOW, FRAME or IMAGE";
     if (isstatement(token))
         return what + " begins a statement: it stands on a line of its own, or behind a semicolon";
@@ -234,6 +237,7 @@ furtherline nothingbehind() {
     const int before = waiting();
     const std::string example = exampleof(before);
     if (before == TOKOPEN || before == TOKCALL) return marked(unfinished());
+    if (isunit(before)) return misplaced(before);
     if (!example.empty()) return marked(std::string(tokenword(before)) + " needs more, as in " + example);
     return marked(std::string("a value is missing behind \"") + tokenword(before) + '"');
 }

@@ -119,10 +119,18 @@ int intake(polishstate& p) {
     }
 }
 
+// A clause with no statement leaves nothing behind.
+void tellbareclause(int token) {
+    if (isclause(token) && tokentables.pcase[token] != 0)
+        tarnwarn("%s does nothing by itself: it stands behind DRAW, TITLE and the like", tokenword(token));
+}
+
 void reduce() {
     if (parser.oplevel == 0) tarnsyntax(misplaced(parser.token), 4, "illegal token pairing");
-    process(parser.opstack[parser.oplevel--]);
+    const int token = parser.opstack[parser.oplevel--];
+    process(token);
     parser.closed = 0;
+    if (parser.oplevel == 0 && parser.funcmode == 0) tellbareclause(token);
 }
 
 void shift(int token) {
@@ -258,12 +266,6 @@ void refuseinfix(int token) {
     }
 }
 
-// A clause with no statement leaves nothing behind.
-void tellbareclause(int token) {
-    if (isclause(token) && tokentables.pcase[token] != 0)
-        tarnwarn("%s does nothing by itself: it stands behind DRAW, TITLE and the like", tokenword(token));
-}
-
 // An operator where an operand was due.
 step prefix(int token) {
     if (token == TOKEND) {
@@ -276,7 +278,6 @@ step prefix(int token) {
     }
     if (token == TOKCLOSE && optop() == TOKCALL) return EMPTYCALL;
     refuseinfix(token);
-    if (parser.oplevel == 0 && parser.funcmode == 0) tellbareclause(token);
     oppush(token);
     parser.closed = 0;
     return NEXTTOKEN;

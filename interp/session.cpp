@@ -1,9 +1,11 @@
 #include "interp/session.h"
 
+#include "funcs/define.h"
 #include "funcs/trinode.h"
 #include "funcs/value.h"
 #include "interp/base/fpfault.h"
 #include "interp/base/hooks.h"
+#include "interp/base/operand.h"
 #include "interp/base/parser.h"
 #include "interp/base/report.h"
 #include "interp/base/symtab.h"
@@ -82,10 +84,19 @@ void reedit() {
     line.lastline = line.text;
 }
 
+// The head of a definition clears the one before it, whatever becomes of the body.
+void telllostdefinition() {
+    const int before = definition.oldtype;
+    if (parser.funcmode == 0 || !definition.headerseen) return;
+    if (before == USERFUNCTION || before == INITIALVALUE)
+        tarnwarn("the earlier definition of %s is gone", nametext(definition.function).c_str());
+}
+
 // failed: an error has been told.
 void recover(int value, bool failed) {
     const bool byhand = typedbyhand();
     const std::string place = sourceplace();
+    if (failed) telllostdefinition();
     if (failed && !byhand && !place.empty()) tarnwarn("in %s", place.c_str());
     if (value == JUMPBREAK) breakmessage();
     commonreset();

@@ -166,21 +166,22 @@ using refusal = void (*)(int matrix, double k);
 furtherline toofar(int matrix, const char* what, double k) {
     return further("%s %.15g: %s", what, k, describe(matrix).c_str());
 }
+std::string matrixname(int matrix) { return istemporary(matrix) ? "of the expression" : nametext(matrix); }
 long shown(double k) { return long(std::clamp(k, -2147483648.0, 2147483647.0)); }
 void badrow(int matrix, double k) { tarnerror(toofar(matrix, "row", k), "illegal row index in submatrix"); }
 void badcolumn(int matrix, double k) {
     tarnerror(toofar(matrix, "column", k), "illegal column index in submatrix");
 }
 void norow(int matrix, double k) {
-    tarnerror(furtherline{describe(matrix)}, "matrix %s does not have row %ld", nametext(matrix).c_str(),
+    tarnerror(furtherline{describe(matrix)}, "matrix %s does not have row %ld", matrixname(matrix).c_str(),
               shown(k));
 }
 void nocol(int matrix, double k) {
-    tarnerror(furtherline{describe(matrix)}, "matrix %s does not have col %ld", nametext(matrix).c_str(),
+    tarnerror(furtherline{describe(matrix)}, "matrix %s does not have col %ld", matrixname(matrix).c_str(),
               shown(k));
 }
 void nocolumn(int matrix, double k) {
-    tarnerror(furtherline{describe(matrix)}, "matrix %s does not have column %ld", nametext(matrix).c_str(),
+    tarnerror(furtherline{describe(matrix)}, "matrix %s does not have column %ld", matrixname(matrix).c_str(),
               shown(k));
 }
 

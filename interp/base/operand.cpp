@@ -88,6 +88,7 @@ std::string kindtext(int entry) {
     if (entry < 0) return "a scalar";
     const symbol& s = sym(entry);
     if (s.type < 0) return "a builtin function";
+    if (s.type == UNKNOWN && s.name[0] == '.') return "a derivative: it has a value with arguments behind it";
     if (s.type > STRINGMATRIX) return "a three-dimensional window";
     if (s.type == CONSTANT && istemporary(entry)) return "a number";
     const bool shaped = (s.type == MATRIX || s.type == STRINGMATRIX) && s.val.ptr && operandfns.shape;

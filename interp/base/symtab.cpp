@@ -328,8 +328,10 @@ void symtabdelete(int idx) {
         tarnwarn("DELETE: builtin functions may not be deleted");
         return tarnwarn("%s is one", s.name);
     }
-    if (istemporary(idx) && (s.type == SCALAR || s.type == MATRIX))
-        return tarnwarn("DELETE: deletion does not apply to expressions");
+    if (istemporary(idx) && (s.type == SCALAR || s.type == MATRIX)) {
+        tarnwarn("DELETE: deletion does not apply to expressions");
+        return tarnwarn("names are deleted, and rows and columns of matrices: DELETE M ROW 2");
+    }
     if (symtabprotected(idx)) return;
     switch (s.type) {
     case UNKNOWN: return tarnwarn("DELETE: %s does not exist", name.c_str());

@@ -115,7 +115,7 @@ TEST_F(PlotStatements, FaultsAreToldAndChangeNothing) {
         {"DRAW M, L", "##Error: bad DRAW or AXIS arg. type\nWarning: M is a 3 by 2 matrix: the name must be "
                       "new, or that of a curve\n"},
         {"DRAW NEW", "##Error: bad DRAW or AXIS arg. type\nWarning: NEW is undefined\n"},
-        {"DRAW F'X = M", "##Error: bad DRAW or AXIS arg. type\nWarning: F'X is undefined\n"},
+        {"DRAW F'X = M", "##Error: bad DRAW or AXIS arg. type\nWarning: F'X is a derivative: it has a value with arguments behind it\n"},
         {"DRAW C1 = M, L", "##Error: too many arguments in DRAW or AXIS statement\nWarning: a name and its "
                            "points: DRAW NAME = MATRIX\n"},
         {"AXIS M&'M", "##Error: DRAW & AXIS data matrix must have 1 or 2 cols\nWarning: the expression is a "

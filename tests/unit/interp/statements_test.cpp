@@ -341,7 +341,9 @@ TEST_F(Statements, RefusedForms) {
         {"DELETE Y", "X", "-", "Warning: DELETE: Y does not exist\n"},
         {"DELETE SIN", "X", "-",
          "Warning: DELETE: builtin functions may not be deleted\nWarning: SIN is one\n"},
-        {"DELETE 1+1", "X", "-", "Warning: DELETE: deletion does not apply to expressions\n"},
+        {"DELETE 1+1", "X", "-",
+         "Warning: DELETE: deletion does not apply to expressions\n"
+         "Warning: names are deleted, and rows and columns of matrices: DELETE M ROW 2\n"},
         {"DELETE 1", "X", "-", "##Error: constants may not be deleted\n"},
         {"X = 1; DELETE X, X", "X", "-", ""},
         {"X = 1; Y = 2; DELETEALL", "X", "-", ""},
