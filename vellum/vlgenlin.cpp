@@ -98,14 +98,15 @@ void dashes(vlgenerator& g, vlpoint from, vlpoint to) {
     if (g.drawing) put(g.points, to);
 }
 
-// A polyline that grows long is drawn so far; the cut lies within a straight piece, where no join is lost.
+// A polyline that grows long is drawn so far; the cut lies within a straight piece, where no join is lost. A
+// wide one goes on a little before the cut, so that no seam shows between its parts.
 void cutlong(vlgenerator& g) {
     const size_t n = g.points.size();
     if (n <= mostpoints) return;
-    const vlpoint last = g.points[n - 1], middle = between(g.points[n - 2], last, 0.5);
-    g.points[n - 1] = middle;
+    const vlpoint before = g.points[n - 2], last = g.points[n - 1];
+    g.points[n - 1] = between(before, last, 0.5);
     strokepoints(g);
-    put(g.points, middle);
+    put(g.points, between(before, last, g.halfthick > thinhalf ? 0.4 : 0.5));
     put(g.points, last);
 }
 

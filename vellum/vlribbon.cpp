@@ -178,18 +178,30 @@ bool vlcrosses(const vlpoint* outline, int n) {
 
 int vljoin(vlpoint a, vlpoint b, vlpoint c, double w, int roundsegs, vlpoint* result) {
     const corner k = cornerof(a, b, c, w, roundsegs);
-    if (k.straight()) return 0;
-    const double s = k.turn() < 0 ? w : -w;
-    const vlpoint p = b + s * leftof(k.d0), q = b + s * leftof(k.d1);
+    const double s = k.turn() < 0 ? w : -w; // towards the outer side
+    const vlpoint n0 = s * leftof(k.d0), n1 = s * leftof(k.d1), p = b + n0, q = b + n1;
+    const double overlap = 0.5 * std::min({w, k.len0, k.len1});
+    const bool gentle = dot(k.d0, k.d1) > 0 && w * std::fabs(k.turn()) < overlap;
     int n = 0;
-    result[n++] = b;
-    vlpoint tip;
-    if (roundsegs == 1 && !k.reverses() && lineintersect(p, k.d0, q, k.d1, &tip)) {
-        result[n++] = p;
-        result[n++] = tip;
-        result[n++] = q;
+    const auto put = [&](vlpoint at) { result[n++] = at; };
+    if (gentle) {
+        put(b - n0 - overlap * k.d0);
+        put(p - overlap * k.d0);
     } else {
-        arc(p, q, roundsegs, s > 0 ? -1 : 1, [&](vlpoint at) { result[n++] = at; });
+        const vlpoint inward = k.d1 - k.d0;
+        put(b + (0.5 * w / std::hypot(inward.x, inward.y)) * inward);
+        put(p);
+    }
+    vlpoint tip;
+    if (roundsegs == 1 && !k.reverses() && lineintersect(p, k.d0, q, k.d1, &tip))
+        put(tip);
+    else
+        arc(p, q, roundsegs, s > 0 ? -1 : 1, put);
+    if (gentle) {
+        put(q + overlap * k.d1);
+        put(b - n1 + overlap * k.d1);
+    } else {
+        put(q);
     }
     return n;
 }

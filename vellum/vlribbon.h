@@ -21,5 +21,6 @@ int vlribbon(const vlpoint* points, int n, double w, int roundsegs, vlpoint* res
 bool vlfolds(vlpoint a, vlpoint b, vlpoint c, double w);
 // Does the outline of n points, closed, cross itself? Edges that only touch do not count.
 bool vlcrosses(const vlpoint* outline, int n);
-// The outer join of the corner at b as a polygon of its own; at most roundsegs + 3 points.
+/* The outer join of the corner at b as a polygon of its own, at most roundsegs + 5 points. It reaches into
+ * both parts of the line: edges in common would show as a pale seam where colours are mixed at edges. */
 int vljoin(vlpoint a, vlpoint b, vlpoint c, double w, int roundsegs, vlpoint* result);

@@ -125,4 +125,27 @@ TEST(Ribbon, foldsAreFoundWhereAPieceIsShort) {
     EXPECT_FALSE(vlfolds({0, 0}, {0.01, 0}, {0.02, 0}, 0.1));
 }
 
+// Both ends that meet at a corner lie under the join, as far as it is of use: a device that mixes colours at
+// edges shows no seam there.
+TEST(Ribbon, joinsReachIntoBothParts) {
+    constexpr double w = 0.05, near = 0.01 * w;
+    for (int degrees = 0; degrees < 360; degrees++) {
+        const std::vector<vlpoint> line = bent(degrees);
+        for (const int roundsegs : {1, 9}) {
+            recordedpolygon join(size_t(roundsegs) + 5);
+            const int n = vljoin(line[0], line[1], line[2], w, roundsegs, join.data());
+            ASSERT_LE(n, roundsegs + 5);
+            join.resize(size_t(n));
+            const vlpoint d = line[2];
+            const double outer = d.y > 0 ? -1 : 1; // left of the line, or right
+            for (double f = 0.05; f < 0.9; f += 0.1) {
+                const vlpoint before{-near, outer * f * w};
+                const vlpoint after{near * d.x - outer * f * w * d.y, near * d.y + outer * f * w * d.x};
+                EXPECT_TRUE(inside(join, before)) << degrees << ' ' << roundsegs << ' ' << f;
+                EXPECT_TRUE(inside(join, after)) << degrees << ' ' << roundsegs << ' ' << f;
+            }
+        }
+    }
+}
+
 } // namespace
