@@ -50,7 +50,20 @@ void checksubscripts(int matrix, int count) {
               "matrices may have 1 or 2 subscripts only");
 }
 
+// F(X) = ... sets an element of a matrix; where X is nothing yet a function was meant.
+void refusefunction(int matrix, const int16_t* subscripts, int count) {
+    std::string arguments;
+    for (int k = 0; k < count; k++) {
+        if (sym(subscripts[k]).type != UNKNOWN) return;
+        arguments += (k ? "," : "") + nametext(subscripts[k]);
+    }
+    tarnerror(further("%s is undefined; a function is made by FUNCTION %s(%s) = ...",
+                      nametext(subscripts[0]).c_str(), nametext(matrix).c_str(), arguments.c_str()),
+              "illegal use of non-scalar");
+}
+
 int targetpart(int matrix, const int16_t* subscripts, int count) {
+    refusefunction(matrix, subscripts, count);
     const int rows = subscriptmatrix(subscripts[0]);
     const int cols = count == 2 ? subscriptmatrix(subscripts[1]) : scalartemp(symtab.one);
     return newsubmtx(matrix, rows, cols);

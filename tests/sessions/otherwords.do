@@ -5,6 +5,10 @@ load "x.csv"
 while 1 { TYPE 2 }
 quit
 HELP linspace
+F(X) = X^2
+G(X,Y) = X*Y
+M(1,J) = 3
+TYPE F, M
 "but they are free to be names"
 LS = 3; LS
 "A state without a start, and what is no state"
