@@ -40,8 +40,11 @@ struct setreader {
     int row = 0, nvars = 0;
     int side = -1; // -1 left of the relation, +1 right of it
     double sign = 1;
-    int number = 0, index = 0; // the token read last
+    double middle[CONSETMOST] = {}, middleconstant = 0; // right of the relation read last, as a left side
+    int number = 0, index = 0;                          // the token read last
 };
+
+constexpr const char* INVALID = "invalid character in CONSTRAINT statement";
 
 bool isrelation(int token) { return token >= TKEQUAL && token <= TKGREATER; }
 
@@ -49,7 +52,7 @@ void next(setreader& r) {
     upper.newtoken(r.number, r.index);
     if (std::find(std::begin(allowed), std::end(allowed), r.number) == std::end(allowed)) {
         tempfree(r.index);
-        tarnerror("invalid character in CONSTRAINT statement");
+        tarnerror("%s", INVALID);
     }
 }
 
@@ -95,6 +98,7 @@ term readterm(setreader& r) {
     if (r.number == TKMINUS) r.sign = -1;
     if (r.number == TKMINUS || r.number == TKPLUS) next(r);
     for (; !endsterm(r.number); next(r)) {
+        if (r.number == TKOPEN) tarnerror("%s", INVALID); // its end would be that of the set
         filled |= r.number == TKNAME || r.number == TKNUMBER;
         if (r.number == TKNAME)
             takename(r, t);
@@ -120,28 +124,32 @@ void newrow(setreader& r) {
     if (++r.row == CONSETMOST) tarnerror("CONSTRAINTS: more than %d rows in a set", CONSETMOST);
 }
 
-// 1 < X < 3: the row just read is turned round, and its last name goes on in a row of its own.
-void chain(setreader& r, int j) {
-    r.coef[r.row][j] = -r.coef[r.row][j];
+// 1 < X < 3: the row just read is turned round, and what stands in the middle goes on in a row of its own.
+void chain(setreader& r) {
+    for (int k = 0; k < r.nvars; k++) r.coef[r.row][k] = 0 - r.coef[r.row][k];
     r.rhs[r.row] = 0 - r.rhs[r.row];
     if (r.rels[r.row] == CONLESS)
         r.rels[r.row] = CONGREATER;
     else if (r.rels[r.row] == CONGREATER)
         r.rels[r.row] = CONLESS;
-    const double c = r.coef[r.row][j];
     newrow(r);
-    r.coef[r.row][j] = c;
+    std::copy_n(r.middle, r.nvars, r.coef[r.row]);
+    r.rhs[r.row] = 0 - r.middleconstant;
 }
 
 void endterm(setreader& r, const term& t) {
-    int j = 0;
     if (t.name) {
-        j = column(r, t.name);
+        const int j = column(r, t.name);
         r.coef[r.row][j] = r.sign * -r.side * t.coefficient; // a name that comes twice keeps its last term
+        if (r.side == 1) r.middle[j] = r.sign * t.coefficient;
     } else {
         r.rhs[r.row] += r.sign * r.side * t.coefficient;
+        if (r.side == 1) r.middleconstant += r.sign * t.coefficient;
     }
-    if (r.side == 1 && isrelation(r.number)) chain(r, j);
+    if (!isrelation(r.number)) return;
+    if (r.side == 1) chain(r);
+    std::fill(std::begin(r.middle), std::end(r.middle), 0.0);
+    r.middleconstant = 0;
 }
 
 // What ends a term; true at the closing brace.

@@ -76,14 +76,18 @@ solverconstraints constraintsof(const std::vector<int>& parms) {
     return form;
 }
 
+int wholeswitch(const char* name, int absent) { // as a number of 16 bits
+    return int(std::trunc(std::clamp(symtabscalar(name, absent), -32768.0, 32767.0)));
+}
+
 fitswitches readswitches() {
     fitswitches sw;
-    sw.maxiter = int(std::trunc(std::clamp(symtabscalar("MAXITER", 100), -32768.0, 32767.0)));
-    sw.report = int(std::trunc(symtabscalar("LSQRPT", 8)));
+    sw.maxiter = wholeswitch("MAXITER", 100);
+    sw.report = wholeswitch("LSQRPT", 8);
     sw.norm = symtabscalar("FITNORM", 2);
     if (!(sw.norm > 0)) tarnerror("FIT: FITNORM must be positive");
     sw.tolsos = symtabscalar("TOLSOS", 1e-10);
-    sw.descent = std::trunc(symtabscalar("DGRADSW", 0)) != 0;
+    sw.descent = wholeswitch("DGRADSW", 0) != 0;
     return sw;
 }
 
@@ -163,7 +167,7 @@ void finalreport(const fitbinding& b, const fitresult& r) {
     tarnprint("best weighted sum of squares = %le\n", r.sosq);
     tarnprint("weighted root mean square error = %le\n", r.rms);
     tarnprint("weighted deviation fraction = %le\n", r.deviation);
-    if (std::trunc(symtabscalar("LINEARSW", 0)) != 0 && r.rsquared >= 0 && unconstrained(r))
+    if (wholeswitch("LINEARSW", 0) != 0 && r.rsquared >= 0 && unconstrained(r))
         tarnprint("R squared = %le\n", r.rsquared);
     if (!r.lagrange.empty()) reportmultipliers(r);
 }
@@ -246,7 +250,7 @@ void fitop(const processop&) {
     b.pairs.assign(fit.pair, fit.pair + clause.fitcount);
     const solverconstraints cons = constraintsof(b.parms);
     const fitswitches sw = readswitches();
-    b.symbolic = std::trunc(symtabscalar("SYMDSW", 1)) != 0;
+    b.symbolic = wholeswitch("SYMDSW", 1) != 0;
     fitbind(b);
     if (std::max(b.slots.size(), size_t(cons.count)) > 100)
         tarnwarn("There are an excessive number of parameters plus constraints!");
@@ -267,7 +271,7 @@ constexpr processrow cases[] = {{30, fitop}, {32, weightclause}};
 
 void fittoclause() {
     const int data = polpop(), f = polpop();
-    if (clause.fitcount >= MAXPAIRS - 1) tarnerror("FIT: too many simultaneous fitting functions");
+    if (clause.fitcount >= MAXPAIRS) tarnerror("FIT: too many simultaneous fitting functions");
     if (!ismatrix(data)) tarnerror("FIT: fit data must be a matrix");
     if (f <= 0 || (sym(f).type != USERFUNCTION && sym(f).type != INITIALVALUE))
         tarnerror("FIT: FIT (A,B), F TO M, F must be a function or differential equation");

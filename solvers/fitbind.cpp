@@ -69,6 +69,7 @@ void plainpair(fitbinding& b, size_t k) {
     const harray* data = matrixof(b.pairs[k].data);
     const harray* w = weightmatrix(b.pairs[k]);
     double *y = b.y + b.offset[k], *w0 = b.w0 + b.offset[k];
+    b.rows[k] = data->rows;
     b.columns[k].reset(harrayraw(data->cols - 1, data->rows));
     for (size_t i = 1; i <= data->rows; i++) {
         for (size_t j = 1; j < data->cols; j++) at(b.columns[k].get(), j, i) = at(data, i, j);
@@ -80,6 +81,8 @@ void plainpair(fitbinding& b, size_t k) {
 // The merged rows first, then the plain pairs.
 void observations(fitbinding& b) {
     b.m = b.merged.size();
+    b.rows.assign(b.pairs.size(), 0);
+    b.firstrows = matrixof(b.pairs[0].data)->rows;
     for (size_t k = 0; k < b.pairs.size(); k++) {
         b.offset[k] = b.m;
         if (!odepair(b, k)) b.m += matrixof(b.pairs[k].data)->rows;
@@ -90,6 +93,16 @@ void observations(fitbinding& b) {
     for (size_t i = 0; i < b.merged.size(); i++) b.y[i] = b.merged[i].y, b.w0[i] = b.merged[i].w;
     for (size_t k = 0; k < b.pairs.size(); k++)
         if (!odepair(b, k)) plainpair(b, k);
+}
+
+/* A parameter whose name is that of an argument does not matter to the function; a derivative by that name is
+ * the one by the argument. */
+bool namesargument(const fitbinding& b) {
+    for (const fitpair& pair : b.pairs)
+        for (int k = 1; k <= formalcount(pair.func); k++)
+            if (std::find(b.parms.begin(), b.parms.end(), formalref(pair.func, k)) != b.parms.end())
+                return true;
+    return false;
 }
 
 // ---- compiled programs
@@ -127,8 +140,7 @@ struct blockinputs {
 
 blockinputs inputsof(const fitbinding& b, size_t k, const double* p) {
     blockinputs inputs;
-    const harray* data = matrixof(b.pairs[k].data);
-    for (size_t j = 1; j < data->cols; j++) {
+    for (size_t j = 1; j <= b.columns[k]->rows; j++) {
         inputs.in.push_back(&at(b.columns[k].get(), j, 1));
         inputs.stride.push_back(1);
     }
@@ -141,7 +153,7 @@ blockinputs inputsof(const fitbinding& b, size_t k, const double* p) {
 }
 
 void pairvalues(fitbinding& b, size_t k, const double* p, double* f) {
-    const size_t rows = matrixof(b.pairs[k].data)->rows;
+    const size_t rows = b.rows[k];
     const blockinputs inputs = inputsof(b, k, p);
     double* const out[] = {f};
     const size_t stride[] = {1};
@@ -201,8 +213,8 @@ bool modelboth(void* context, const double* p, double* f, double* jac) {
         const blockinputs inputs = inputsof(b, k, p);
         out[0] = f + b.offset[k];
         for (size_t j = 0; j < n; j++) out[j + 1] = jac + j * m + b.offset[k];
-        if (!flattryblock(*b.both[k], matrixof(b.pairs[k].data)->rows, inputs.in.data(), inputs.stride.data(),
-                          out.data(), stride.data()))
+        if (!flattryblock(*b.both[k], b.rows[k], inputs.in.data(), inputs.stride.data(), out.data(),
+                          stride.data()))
             return false;
     }
     return true;
@@ -215,7 +227,7 @@ void modeljacobian(void* context, double* jac) {
     std::vector<double*> out(n);
     const std::vector<size_t> stride(n, 1);
     for (size_t k = 0; k < b.pairs.size(); k++) {
-        const size_t rows = matrixof(b.pairs[k].data)->rows;
+        const size_t rows = b.rows[k];
         const blockinputs inputs = inputsof(b, k, b.lastp.data());
         for (size_t j = 0; j < n; j++) out[j] = jac + j * m + b.offset[k];
         flatrunblock(*b.derivs[k], rows, inputs.in.data(), inputs.stride.data(), out.data(), stride.data());
@@ -233,16 +245,16 @@ bool modelprecise(void* context, const dd* p, dd* resid, dd* jac) {
     std::vector<dd> gradient(b.slots.size());
     double work = 0;
     for (size_t k = 0; k < b.pairs.size(); k++) {
-        const harray* data = matrixof(b.pairs[k].data);
-        std::vector<dd> args(data->cols - 1);
-        for (size_t i = 0; i < data->rows; i++) {
+        const harray* columns = b.columns[k].get();
+        std::vector<dd> args(columns->rows);
+        for (size_t i = 0; i < b.rows[k]; i++) {
             const size_t row = b.offset[k] + i;
-            for (size_t j = 0; j < args.size(); j++) args[j] = precisedecimal(at(data, i + 1, j + 1));
+            for (size_t j = 0; j < args.size(); j++) args[j] = precisedecimal(at(columns, j + 1, i + 1));
             dd f;
             if (!evaluator.run(b.pairs[k].func, args, p, f, gradient.data())) return false;
-            resid[row] = precisedecimal(at(data, i + 1, data->cols)) - f;
+            resid[row] = precisedecimal(b.y[row]) - f;
             for (size_t j = 0; j < gradient.size(); j++) jac[j * b.m + row] = gradient[j];
-            if (i == 0) work += double(evaluator.work()) * data->rows;
+            if (i == 0) work += double(evaluator.work()) * double(b.rows[k]);
             if (work > mostwork) return false;
         }
     }
@@ -275,10 +287,9 @@ void modelweights(void* context, const double* p, double* w0) {
         if (isweightfunction(pair)) w0[i] = weightvalue(pair, size_t(b.merged[i].row));
     }
     size_t place = b.merged.size();
-    const size_t rows = matrixof(b.pairs[0].data)->rows;
     for (size_t k = 0; k < b.pairs.size(); k++) {
         if (odepair(b, k) || !isweightfunction(b.pairs[k])) continue;
-        for (size_t i = 1; i <= rows && place < b.m; i++) w0[place++] = weightvalue(b.pairs[k], i);
+        for (size_t i = 1; i <= b.firstrows && place < b.m; i++) w0[place++] = weightvalue(b.pairs[k], i);
     }
 }
 
@@ -306,7 +317,7 @@ void fitbind(fitbinding& b) {
     for (const fitpair& pair : b.pairs) names.push_back(pair.func);
     b.ode.system = odededuce(names, 0);
     expandparameters(b);
-    if (b.ode.system.active() || b.hasmatrix) b.symbolic = false;
+    if (b.ode.system.active() || b.hasmatrix || namesargument(b)) b.symbolic = false;
     b.offset.assign(b.pairs.size(), 0);
     b.columns.resize(b.pairs.size());
     if (b.ode.system.active()) mergesolutions(b);

@@ -38,10 +38,12 @@ struct fitbinding {
     harrayptr odeout;
     odeensemble ensemble; // for differences by the parameters
 
-    size_t m = 0;                   // observations: the merged rows, then the plain pairs
-    harrayptr memory;               // of the next two
-    double *y, *w0;                 // observed values and user weights
-    std::vector<size_t> offset;     // first observation of each plain pair
+    size_t m = 0;     // observations: the merged rows, then the plain pairs
+    harrayptr memory; // of the next two
+    double *y, *w0;   // observed values and user weights
+    // of each plain pair: its first observation and their count; a model may make its data matrix grow
+    std::vector<size_t> offset, rows;
+    size_t firstrows = 0;           // of the first pair's data
     std::vector<harrayptr> columns; // of a plain pair's arguments, one behind the other
     // by pair: the value, the derivatives, both; null for pairs that depend on the solution
     std::vector<flatptr> values, derivs, both;
