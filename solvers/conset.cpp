@@ -130,6 +130,11 @@ int constype(int relation) {
     }
 }
 
+// Whether a row without parameters holds.
+bool holds(int relation, double rhs) {
+    return relation == CONLESS ? 0 <= rhs : relation == CONGREATER ? 0 >= rhs : rhs == 0;
+}
+
 bool voidrow(const harray* coef, size_t i) {
     for (size_t j = 1; j <= coef->cols; j++)
         if (at(coef, i, j) != 0) return false;
@@ -165,7 +170,12 @@ solverconstraints conset2solver(int symidx, const std::vector<int>& parms) {
     solverconstraints form;
     form.width = int(parms.size());
     for (size_t i = 0; i < rhs.size(); i++) {
-        if (voidrow(coef.get(), i + 1)) continue;
+        if (voidrow(coef.get(), i + 1)) {
+            if (!holds(set.rels[i], rhs[i]))
+                tarnwarn("constraint %ld of %s does not hold and has no parameter", long(i + 1),
+                         sym(symidx).name);
+            continue;
+        }
         form.coef.resize(form.coef.size() + parms.size());
         double* row = &form.coef[size_t(form.count) * parms.size()];
         for (size_t j = 0; j < place.size(); j++)

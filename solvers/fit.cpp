@@ -184,7 +184,7 @@ bool onconstraint(const solverconstraints& cons, const fitresult& r, int parm) {
     return false;
 }
 
-// The first row that the result breaks, from 1; 0: none. Rows that contradict each other cannot all be met.
+// The first row that the result breaks, from 1; 0: none.
 int brokenconstraint(const fitbinding& b, const solverconstraints& cons, const fitresult& r) {
     for (int i = 0; i < cons.count; i++) {
         double value = 0, size = std::fabs(cons.rhs[i]);
@@ -214,15 +214,18 @@ void tellnovalue(const fitbinding& b) {
 }
 
 /* What a reader of "CONVERGED" should know besides: a fit can stand still without having found anything. */
-void warnings(const fitbinding& b, const fitswitches& sw, const solverconstraints& cons, const fitresult& r) {
+void warnings(const fitbinding& b, const fitswitches& sw, const solverconstraints& cons,
+              const std::vector<double>& start, const fitresult& r) {
     if (!r.started && !r.lowered) return tellnovalue(b);
+    const bool moved = start != r.p;
     if (sw.maxiter <= 0)
-        tarnwarn("FIT: MAXITER is 0, the parameters were not changed");
+        tarnwarn("FIT: MAXITER is 0, the parameters were %s",
+                 moved ? "moved to where they meet the constraints" : "not changed");
     else if (!r.lowered && r.sosq > 0)
-        tarnwarn("FIT: no step lowered the sum of squares; the parameters are the starting values");
+        tarnwarn("FIT: no step lowered the sum of squares; the parameters are the starting values%s",
+                 moved ? ", moved to where they meet the constraints" : "");
     if (r.retried) tarnwarn("FIT: the first search went astray; the result is that of a more careful one");
-    if (const int broken = brokenconstraint(b, cons, r))
-        tarnwarn("FIT: constraint %d is not met: no parameters meet all of them", broken);
+    if (const int broken = brokenconstraint(b, cons, r)) tarnwarn("FIT: constraint %d is not met", broken);
     for (size_t j = 0; j < b.slots.size(); j++) {
         const std::string name = slotname(b.slots[j]);
         if (onconstraint(cons, r, b.slots[j].parm))
@@ -256,11 +259,15 @@ void fitop(const processop&) {
         tarnwarn("There are an excessive number of parameters plus constraints!");
     std::vector<int> element;
     for (const fitslot& slot : b.slots) element.push_back(slot.parm);
-    const fitresult r = fitsolve(fitmodelof(b), sw, cons, element, fitparameters(b), b.m, b.y, b.w0);
+    const std::vector<double> start = fitparameters(b);
+    const fitresult r = fitsolve(fitmodelof(b), sw, cons, element, start, b.m, b.y, b.w0);
+    if (r.contradiction)
+        tarnerror("FIT: no parameters meet all constraints: number %d contradicts those before it",
+                  r.contradiction);
     fitstore(b, r.p.data());
     storeresiduals(b, r);
     if (r.report & 8) finalreport(b, r);
-    warnings(b, sw, cons, r);
+    warnings(b, sw, cons, start, r);
     storeresults(r);
     releaseoperands();
 }

@@ -1,5 +1,7 @@
 // Linear constraints of a fit: a dual active-set method under the metric of the damped normal matrix.
+#include "interp/base/fpfault.h"
 #include "solvers/fitrun.h"
+#include "solvers/leastdistance.h"
 
 #include <algorithm>
 #include <cmath>
@@ -179,19 +181,21 @@ void exactbounds(fitrun& r, const std::vector<double>& multipliers) {
     }
 }
 
-// The multipliers of the pass; r.lagrange takes them where `keep` is set.
-void constrainpass(fitrun& r, bool project, double guard, bool keep) {
+// The multipliers of the pass; r.lagrange takes them where `keep` is set. False where the active set has not
+// settled.
+bool constrainpass(fitrun& r, bool project, double guard, bool keep) {
     dualstate d{};
     d.count = r.cons.count;
     d.guard = guard;
     d.project = project;
     if (!fitviolated(r, d.violation)) {
         if (keep) r.lagrange.assign(size_t(d.count), 0);
-        return;
+        return true;
     }
     builddual(r, d);
     d.multipliers.assign(size_t(d.count), 0);
-    if (activeset(r, d)) {
+    const bool settled = activeset(r, d);
+    if (settled) {
         finalmultipliers(r, d);
     } else {
         for (int i = 0; i < d.count; i++) d.multipliers[i] = r.cons.type[i] > 0 ? -d.prev[i] : d.prev[i];
@@ -199,12 +203,120 @@ void constrainpass(fitrun& r, bool project, double guard, bool keep) {
     if (keep) r.lagrange = d.multipliers;
     movepoint(r, d);
     exactbounds(r, d.multipliers);
+    return settled;
+}
+
+constexpr double GUARDED = 1e-9; // what the guard on the diagonal leaves of a violation
+
+// The row's value less its right side at r.p, and the largest of its terms.
+struct rowplace {
+    double value, size;
+};
+rowplace placeof(const fitrun& r, int i) {
+    rowplace at{-r.cons.rhs[i], std::fabs(r.cons.rhs[i])};
+    for (int j = 0; j < r.n; j++) {
+        const double term = constraintcoef(r, i, j) * r.p[j];
+        at.value += term;
+        at.size = std::max(at.size, std::fabs(term));
+    }
+    return at;
+}
+
+// Whether r.p breaks a row by more than the guard explains.
+bool broken(const fitrun& r) {
+    for (int i = 0; i < r.cons.count; i++) {
+        const auto [value, size] = placeof(r, i);
+        const double over = r.cons.type[i] == 0 ? std::fabs(value) : -value * r.cons.type[i];
+        if (!(over <= GUARDED * size)) return true; // so is what is no number
+    }
+    return false;
+}
+
+/* The lower triangle L of the metric M = L L': the identity, or the inverse of the damped normal matrix. A
+ * parameter that is out of it has a column of zeros. */
+std::vector<double> metricfactor(const fitrun& r, bool project) {
+    const size_t n = size_t(r.n);
+    std::vector<double> l(n * n, 0);
+    for (size_t j = 0; j < n; j++) {
+        if (project) l[j * n + j] = 1;
+        if (project || !r.pivots[j]) continue;
+        double pivot = r.normal[j * n + j];
+        for (size_t k = 0; k < j; k++) pivot -= l[j * n + k] * l[j * n + k];
+        if (!(pivot > 0)) continue;
+        l[j * n + j] = std::sqrt(pivot);
+        for (size_t i = j + 1; i < n; i++) {
+            if (!r.pivots[i]) continue;
+            double x = r.normal[i * n + j];
+            for (size_t k = 0; k < j; k++) x -= l[i * n + k] * l[j * n + k];
+            l[i * n + j] = x / l[j * n + j];
+        }
+    }
+    return l;
+}
+
+/* r.p := the point nearest to it in the metric that the first `count` rows leave. An equality is two rows
+ * that oppose each other. False: they leave none. */
+bool nearest(fitrun& r, bool project, int count) {
+    const size_t n = size_t(r.n);
+    const std::vector<double> l = metricfactor(r, project);
+    std::vector<double> g, h, lambda, z(n, 0);
+    std::vector<int> row, sign;
+    for (int i = 0; i < count; i++)
+        for (int s : {-1, 1}) {
+            if (r.cons.type[i] == -s) continue;
+            double gap = s * r.cons.rhs[i];
+            for (size_t j = 0; j < n; j++) {
+                gap -= s * constraintcoef(r, i, int(j)) * r.p[j];
+                double x = 0;
+                for (size_t k = j; k < n; k++) x += constraintcoef(r, i, int(k)) * l[k * n + j];
+                g.push_back(s * x);
+            }
+            h.push_back(gap);
+            row.push_back(i);
+            sign.push_back(s);
+        }
+    if (!leastdistance(n, g, h, lambda)) return false;
+    r.lagrange.assign(size_t(r.cons.count), 0);
+    for (size_t q = 0; q < h.size(); q++) {
+        r.lagrange[size_t(row[q])] -= sign[q] * lambda[q];
+        for (size_t j = 0; j < n; j++) z[j] += lambda[q] * g[q * n + j];
+    }
+    for (size_t i = 0; i < n; i++)
+        for (size_t k = 0; k <= i; k++) r.p[i] += l[i * n + k] * z[k];
+    exactbounds(r, r.lagrange);
+    return true;
 }
 
 } // namespace
 
+bool fitstandson(const fitrun& r, int i) {
+    const auto [value, size] = placeof(r, i);
+    return std::fabs(value) <= GUARDED * size;
+}
+
 void fitconstrain(fitrun& r, bool project) {
-    constrainpass(r, project, project ? 1e-9 : 1e-8, true);
+    const std::vector<double> trial = r.p;
+    bool settled = constrainpass(r, project, project ? 1e-9 : 1e-8, true);
     std::vector<double> left;
-    if (!project && fitviolated(r, left)) constrainpass(r, true, 1e-9, false);
+    if (!project && fitviolated(r, left)) settled &= constrainpass(r, true, 1e-9, false);
+    if (settled && !broken(r)) return;
+    // Rows that nearly depend on each other are more than the active set can bear.
+    const std::vector<double> told = r.p, lagrange = r.lagrange;
+    r.p = trial;
+    const bool met = nearest(r, project, r.cons.count) && !broken(r);
+    if (met) return;
+    r.p = std::all_of(told.begin(), told.end(), fpfinite) ? told : trial;
+    if (broken(r)) nearest(r, true, r.cons.count);
+    r.lagrange = lagrange;
+}
+
+int fitcontradiction(fitrun& r) {
+    const std::vector<double> p = r.p;
+    int count = r.cons.count;
+    if (nearest(r, true, count))
+        count = 0;
+    else
+        while (count > 1 && !nearest(r, true, count - 1)) count--;
+    r.p = p;
+    return count;
 }

@@ -2,6 +2,7 @@
  * reach with half the digits of the arithmetic; undamped steps take them further, up to the rounding of the
  * model. Where that rounding is to be seen in the result, the steps go on with a model evaluated at twice the
  * precision, at parameters that are held so. */
+#include "interp/base/machine.h"
 #include "interp/base/parser.h"
 #include "solvers/fitrun.h"
 #include "solvers/precise.h"
@@ -216,9 +217,18 @@ void refine(fitrun& r, bool moves) {
     }
 }
 
+// Weights that depend on parameters are those at the end, not at the start of the last iteration.
+void settleweights(fitrun& r) {
+    r.p = r.pbest;
+    fitweights(r, true);
+    r.bestsosq = 0;
+    for (int i = 0; i < r.m; i++) r.bestsosq += r.w[i] * (r.y[i] - r.fbest[i]) * (r.y[i] - r.fbest[i]);
+}
+
 } // namespace
 
 void fitlastdigits(fitrun& r) {
+    if (r.model.weights && r.sw.norm == 2 && r.bestsosq < MAXPOS) settleweights(r);
     invertnormal(r);
     for (int i = 0; i < r.m; i++) r.resid[i] = r.y[i] - r.fbest[i];
     if (!r.model.precise || r.sw.norm != 2 || !unconstrained(r) || parser.interrupted) return;

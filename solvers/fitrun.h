@@ -32,7 +32,7 @@ struct fitrun {
     int iteration = 1, converged = 0;
     long evaluations = 0;
     bool lowered = false;
-    std::vector<double> lagrange, lagrangebest;
+    std::vector<double> lagrange, lagrangebest, lagrangefirst; // of the first probe of the iteration
     unsigned faults = 0, bestfaults = 0; // floating-point faults of the last evaluation, of the best one
     double pivottol = PIVOTTOL;
     unsigned faultlimit = ~0U; // an evaluation with more counts as failed
@@ -87,6 +87,9 @@ double constraintcoef(const fitrun& r, int i, int j); // of constraint i for slo
 /* Moves r.p into the feasible set. project: in the plain metric; else the trial step is replaced by the
  * constrained step under the metric of the damped normal matrix. */
 void fitconstrain(fitrun& r, bool project);
+// The first row, from 1, that contradicts those before it; 0: there is none.
+int fitcontradiction(fitrun& r);
+bool fitstandson(const fitrun& r, int i); // does r.p meet constraint i as an equation?
 // Violations at r.p, positive where a row is broken; false when none is.
 bool fitviolated(const fitrun& r, std::vector<double>& violation);
 

@@ -32,6 +32,14 @@ void pollkeys(fitrun& r) {
     if (parser.reporttoggle != toggled) r.sw.report = parser.reporttoggle ? 15 : 8;
 }
 
+/* A fit that began at its constrained minimum has lowered nothing, and no point has brought its multipliers
+ * along: they are those of the step that the constraints have held back. */
+void takemultipliers(fitrun& r) {
+    if (r.lowered || r.converged != 1 || r.lagrangefirst.empty()) return;
+    for (int i = 0; i < r.cons.count; i++)
+        r.lagrangebest[size_t(i)] = fitstandson(r, i) ? r.lagrangefirst[size_t(i)] : 0;
+}
+
 // Ends an iteration; true when the fit has ended.
 bool fitfinish(fitrun& r) {
     r.converged = r.oldsosq - r.bestsosq <= r.oldsosq * r.sw.tolsos ? 1 : 0;
@@ -48,6 +56,7 @@ bool fitfinish(fitrun& r) {
         return false;
     }
     if (r.converged == 0) r.converged = 2;
+    takemultipliers(r);
     return true;
 }
 
@@ -158,6 +167,7 @@ struct sweepstate {
 // The Marquardt part of a probe before its evaluation; PROBEON to evaluate.
 nextmove trymarquardt(fitrun& r, sweepstate& sweep, double e) {
     const double s = steplength(r);
+    if (e == EPSMIN) r.lagrangefirst = r.lagrange;
     if (s == 0) return finished(r);
     if (e == EPSMIN) {
         sweep.firststep = s;
@@ -205,7 +215,7 @@ void beginiteration(fitrun& r) {
     fitjacobian(r);
     r.p0 = r.p;
     fitweights(r, false);
-    if (r.sw.norm != 2) { // the sum to beat is the one under the new weights
+    if (r.sw.norm != 2 || r.model.weights) { // the sum to beat is the one under the new weights
         r.bestsosq = 0;
         for (int i = 0; i < r.m; i++) {
             const double d = r.y[i] - r.fbest[i];
@@ -283,13 +293,17 @@ fitresult fitsolve(const fitmodel& model, const fitswitches& switches, const sol
                    const double* w0) {
     fitrun r(model, switches, constraints, element, y, int(p.size()), int(m));
     allocate(r, p, w0);
-    if (r.cons.count > 0) fitconstrain(r, true);
+    fitresult result;
+    if (r.cons.count > 0) {
+        result.contradiction = fitcontradiction(r);
+        if (result.contradiction) return result;
+        fitconstrain(r, true);
+    }
     r.pbest = r.p;
     fitweights(r, true);
     r.bestsosq = r.oldsosq = fitsosq(r, r.p, r.sw.norm, true);
     std::swap(r.fbest, r.ftrial);
     r.bestfaults = r.faults;
-    fitresult result;
     result.started = r.bestsosq < MAXPOS;
     const fitattempt start = thisattempt(r);
     const nextmove first = iteration(r);

@@ -64,11 +64,12 @@ struct fitresult {
     std::vector<double> stderrors, dependency, covariance; // covariance: n by n
     std::vector<double> lagrange;                          // multipliers of the constraints
     int iterations = 0;
-    int converged = 0;    // 1 converged, 2 limit reached
-    bool lowered = false; // some step lowered the sum
-    bool started = false; // the model had values at the start
-    bool retried = false; // the first search went astray, a more careful one found this
-    int report = 0;       // LSQRPT as R left it
+    int converged = 0;     // 1 converged, 2 limit reached
+    bool lowered = false;  // some step lowered the sum
+    bool started = false;  // the model had values at the start
+    bool retried = false;  // the first search went astray, a more careful one found this
+    int report = 0;        // LSQRPT as R left it
+    int contradiction = 0; // a constraint, from 1, that those before it rule out: then there is no result
 };
 
 /* p: start values, n; y: observed values, m; w0: user weights, m: they must outlive the result. Result.p is

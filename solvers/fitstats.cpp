@@ -1,4 +1,5 @@
 // What a fit tells of its best point: errors, dependencies, covariance, goodness.
+#include "interp/base/fpfault.h"
 #include "interp/base/machine.h"
 #include "solvers/fitrun.h"
 
@@ -28,7 +29,8 @@ double rsquared(const fitrun& r) {
         error += r.resid[i] * r.resid[i];
         total += (r.y[i] - mean) * (r.y[i] - mean);
     }
-    return total == 0 ? 1 : 1 - error / total;
+    const double square = total == 0 ? 1 : 1 - error / total;
+    return fpfinite(square) ? square : MAXNEG; // where the sums overflow
 }
 
 } // namespace

@@ -27,6 +27,16 @@ TEST_F(SolverStatements, ConstraintSets) {
          "constraints C =\n     { A+B < 1,\n       2*A-B > 0 }\n"},
         {"a chain", "CONSTRAINTS C = { 0 < X < 1 }; TYPE C",
          "constraints C =\n     { X > 0,\n       X < 1 }\n"},
+        {"a chain with two names in the middle", "CONSTRAINTS C = { 1 < X + Y < 3 }; TYPE C",
+         "constraints C =\n     { X+Y > 1,\n       X+Y < 3 }\n"},
+        {"a chain between names", "CONSTRAINTS C = { A < X + 2 < B }; TYPE C",
+         "constraints C =\n     {-A+X > -2,\n       X-B < -2 }\n"},
+        {"a chain of equalities", "CONSTRAINTS C = { X = Y = 3 }; TYPE C",
+         "constraints C =\n     {-X+Y = 0,\n       Y = 3 }\n"},
+        {"a long chain", "CONSTRAINTS C = { 0 < X < Y < 2 }; TYPE C",
+         "constraints C =\n     { X > 0,\n      -X+Y > 0,\n       Y < 2 }\n"},
+        {"brackets", "CONSTRAINTS C = { X < (3), Y > 1 }",
+         "##Error: invalid character in CONSTRAINT statement\n"},
         {"the last number counts", "CONSTRAINTS C = { 2*3*X < 1 }; TYPE C",
          "constraints C =\n     { 3*X < 1 }\n"},
         {"a name twice", "CONSTRAINTS C = { X + X < 1 }; TYPE C", "constraints C =\n     { X < 1 }\n"},
@@ -97,6 +107,9 @@ TEST_F(SolverStatements, FitForms) {
          "Warning: FIT: MAXITER is 0, the parameters were not changed\n  A = 0\n"},
         {"no effect", "Z = 5; FIT (A,B,Z), F TO D; R = STDEST(3) > 1E300; TYPE R; TYPE Z",
          "Warning: FIT: parameter Z has no effect on the model\n  R = 1\n  Z = 5\n"},
+        {"constraints that contradict each other",
+         "CONSTRAINTS C = { A > 2, B < 1, A < 1 }; FIT (A,B), F TO D CONSTRAINTS C",
+         "##Error: FIT: no parameters meet all constraints: number 3 contradicts those before it\n"},
         {"nothing to fit", "FIT", "##Error: fit dialog not working yet\n"},
         {"no data", "FIT (A,B)", "##Error: FIT: no data to fit to: FIT (A,B), F TO M\n"},
         {"data", "FIT (A,B), F TO A", "##Error: FIT: fit data must be a matrix\n"},
@@ -126,6 +139,114 @@ TEST_F(SolverStatements, FitReport) {
           "weighted deviation fraction = ", "R squared = 9.956364e-01\n"})
         EXPECT_NE(said.find(text), std::string::npos) << text << "in\n" << said;
     EXPECT_EQ(run("LSQRPT = 1; MAXITER = 1; FIT (A,B), F TO D").substr(0, 16), "Begin iteration ");
+}
+
+// What a report says at the edges, and what it leaves out.
+TEST_F(SolverStatements, FitEdges) {
+    const struct {
+        const char *what, *statements;
+        std::vector<const char*> says, saysnot;
+    } rows[] = {
+        {"MAXITER 0",
+         "MAXITER = 0; FIT (A,B), F TO D",
+         {"\n0 iterations\nCONVERGED\nbest weighted sum of squares = 8.400000e+01\n",
+          "Warning: FIT: MAXITER is 0, the parameters were not changed\n"},
+         {}},
+        {"MAXITER 0 where the start breaks a constraint",
+         "MAXITER = 0; A = 5; CONSTRAINTS C = { A < 2 }; FIT (A,B), F TO D CONSTRAINTS C",
+         {"              2   ", "the parameters were moved to where they meet the constraints\n"},
+         {}},
+        {"a perfect fit",
+         "FIT (A,B), F TO D",
+         {"CONVERGED\nbest weighted sum of squares = 0.000000e+00\nweighted root mean square error = "
+          "0.000000e+00\n"
+          "weighted deviation fraction = 0.000000e+00\nR squared = 1.000000e+00\n"},
+         {"NOT", "Warning"}},
+        {"no more rows than parameters",
+         "FIT (A,B), F TO (D ROW 2); Q = SOSQ; TYPE Q",
+         {"  Q = 0\n", "depends on"},
+         {}},
+        {"one row too few: one degree of freedom",
+         "D(2,2) = 4; FIT A, F TO (D ROW 2); Q = STDEST(1); TYPE Q",
+         {"root mean square error = 0.000000e+00\n", "  Q = 0\n"},
+         {}},
+        {"a bound at the best point",
+         "CONSTRAINTS C = { B < 1.5 }; FIT (A,B), F TO D CONSTRAINTS C",
+         {"lagrange multiplier[1] = 2.5\n",
+          "Warning: FIT: parameter B stands on a constraint, its error does not hold\n"},
+         {"R squared", "no active", "lagrange multiplier[2]"}},
+        {"the same from that point",
+         "CONSTRAINTS C = { A < 100, B < 1.5 }; WARNSW = 0; FIT (A,B), F TO D CONSTRAINTS C; TYPE \"again\"; "
+         "A = A; "
+         "FIT (A,B), F TO D CONSTRAINTS C",
+         {"lagrange multiplier[2] = 2.5\n"},
+         {"R squared", "no active"}},
+        {"a bound that does not matter",
+         "CONSTRAINTS C = { B < 5 }; FIT (A,B), F TO D CONSTRAINTS C",
+         {"R squared = 1.000000e+00\nno active constraints\n"},
+         {"Warning"}},
+        {"a row without parameters that does not hold",
+         "Z = 2; CONSTRAINTS C = { Z < 1, B < 5 }; FIT (A,B), F TO D CONSTRAINTS C",
+         {"Warning: constraint 1 of C does not hold and has no parameter\n", "no active constraints\n"},
+         {}},
+        {"only such rows",
+         "Z = 0; CONSTRAINTS C = { Z < 1 }; FIT (A,B), F TO D CONSTRAINTS C",
+         {"R squared"},
+         {"active"}},
+        {"a name that is not fitted has its value at the start",
+         "Z = 1.5; CONSTRAINTS C = { B < Z }; FIT (A,B), F TO D CONSTRAINTS C; Q = B; TYPE Q",
+         {"  Q = 1.5\n"},
+         {}},
+        {"all weights 0",
+         "W = 0*(1:4); FIT (A,B), F TO D WITH WEIGHT W",
+         {"A has no effect", "B has no effect"},
+         {}},
+        {"a missing value",
+         "D(3,2) = 1E308*10; FIT (A,B), F TO D",
+         {"Warning: FIT: row 3, column 2 of the data has no value; COMPRESS leaves rows out\n"},
+         {}},
+        {"without weight it does not matter",
+         "D(3,2) = 1E308*10; W = 1&1&0&1; FIT (A,B), F TO D WITH WEIGHT W; Q = B; TYPE Q",
+         {"  Q = 2\n"},
+         {"Warning"}},
+        {"a parameter that has an argument's name",
+         "FUNCTION G(A) = A+B*A; FIT (A,B), G TO D; Q = ROUND(1E6*B); TYPE Q",
+         {"A has no effect", "  Q = 1428571\n"}, // B+1 = sum of xy over sum of squares = 34/14
+         {}},
+        {"a model that makes its data grow",
+         "FUNCTION G(X) = A+B*X+0*(D(NROWS(D)+1,1) _ 1); FIT (A,B), G TO D; Q = B; TYPE Q",
+         {"  Q = 2\n"},
+         {}},
+        {"switches out of range", "LSQRPT = 1E30; MAXITER = 1E30; FIT (A,B), F TO D", {"CONVERGED\n"}, {}},
+    };
+    for (const auto& r : rows) {
+        run("DELETEALL\nNAMESW = 1; LSQRPT = 8; LINEARSW = 1; MAXITER = 1000; WARNSW = 1\n" +
+            std::string(line));
+        const std::string said = run(r.statements);
+        for (const char* text : r.says)
+            EXPECT_NE(said.find(text), std::string::npos) << r.what << ":\n" << text << said;
+        const size_t from = said.find("again") == std::string::npos ? 0 : said.find("again");
+        for (const char* text : r.saysnot)
+            EXPECT_EQ(said.find(text, from), std::string::npos) << r.what << ":\n" << text << said;
+    }
+}
+
+// What was named stays as it was when a FIT is refused, or when its model fails before a first value.
+TEST_F(SolverStatements, ARefusedFitChangesNothing) {
+    for (const char* text :
+         {"CONSTRAINTS C = { A > 2, A < 1 }; FIT (A,B), F TO D CONSTRAINTS C",
+          "CONSTRAINTS C = { A + NOSUCH > 2 }; FIT (A,B), F TO D CONSTRAINTS C",
+          "FIT (A,B), F TO D WITH WEIGHT (1:3)", "FIT (A,B), F TO D WITH WEIGHT 0-(1:4)", "FIT (A,A), F TO D",
+          "FIT (A,B), F TO (1:3)", "FITNORM = 0-1; FIT (A,B), F TO D", "FIT (A,B), F TO D CONSTRAINTS D",
+          "FUNCTION G(X) = A + NOSUCH*X; FIT (A,B), G TO D",
+          "FUNCTION W(M) = 1; FIT (A,B), F TO D WITH WEIGHT W"}) {
+        run("DELETEALL\nNAMESW = 1; LSQRPT = 0; WARNSW = 1; MAXITER = 1000; FITNORM = 2\n" +
+            std::string(line) + "A = 7; B = 8; SOSQ = 3; COVP = 1:2; STDEST = 4; RESID = 5; RESIDSW = 1");
+        EXPECT_NE(run(text).find("##Error"), std::string::npos) << text;
+        EXPECT_EQ(run("TYPE A; TYPE B; TYPE SOSQ; TYPE NROWS(COVP); TYPE STDEST; TYPE RESID"),
+                  "  A = 7\n  B = 8\n  SOSQ = 3\n    = 2\n  STDEST = 4\n  RESID = 5\n")
+            << text;
+    }
 }
 
 // A model with known rates and noise: found again within its own errors, and the covariance of the linear
