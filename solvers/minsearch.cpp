@@ -203,7 +203,11 @@ nextstep search(minrun& r, linesearch& l) {
         if (next != LINESEARCH) return next;
     }
     for (int k = 0; k < ENDOFTRIALS; k++) {
-        if (minpolled(r)) return ENDED;
+        if (minpolled(r)) {
+            r.x = l.base;
+            r.f = l.f0;
+            return ENDED;
+        }
         const double length = moveto(r, l);
         if (!r.active.empty()) minrelax(r);
         if (k > 0 || !tested) f = minvalue(r, r.x);

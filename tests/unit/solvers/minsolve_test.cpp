@@ -522,6 +522,38 @@ TEST_F(mintest, kindsOfHessian) {
     }
 }
 
+// Q at any evaluation: the best point so far, inside the constraints.
+TEST_F(mintest, interruptedAnywhere) {
+    for (const bool constrained : {false, true})
+        for (int at = 1; at < 60; at++) {
+            parserreset();
+            int count = 0;
+            double best = MAXPOS;
+            const auto f = [&](const double* x) {
+                if (++count == at) parser.interrupted = true;
+                const double value = 100 * sq(x[1] - x[0] * x[0]) + sq(1 - x[0]);
+                if (x[0] + x[1] <= 1.5 + 1e-9) best = std::min(best, value);
+                return value;
+            };
+            minswitches sw;
+            sw.reptsw = 0;
+            const auto c = constrained ? rows(2, {1, 1}, {-1}, {1.5}) : solverconstraints{};
+            struct exact {
+                static void gradient(void*, const double* x, double* g) {
+                    g[0] = -400 * x[0] * (x[1] - x[0] * x[0]) - 2 * (1 - x[0]);
+                    g[1] = 200 * (x[1] - x[0] * x[0]);
+                }
+            };
+            testproblem t{f, 2};
+            const minresult r = minsolve({2, &t, call, exact::gradient}, sw, c, {-1.2, 1});
+            if (r.ecode != MININTERRUPTED) break; // it was over before
+            EXPECT_LE(r.f, best * (1 + 1e-6) + (constrained ? 1e-6 : 0)) << constrained << " " << at;
+            EXPECT_EQ(occurrences(out, "MINIMIZE INTERRUPTED BY Q\n"), 1) << at;
+            EXPECT_LE(constrained ? r.x[0] + r.x[1] : 0, 1.5 + 1e-8) << at;
+            out.clear();
+        }
+}
+
 TEST_F(mintest, exits) {
     const auto bowl = [](const double* x) { return sq(x[0]) + sq(x[1]); };
     minresult r = minimum(bowl, {1, 1}, rows(2, {1, 0, 1, 0}, {1, -1}, {2, 1}));
