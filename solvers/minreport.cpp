@@ -3,7 +3,7 @@
 #include "interp/base/machine.h"
 #include "interp/base/report.h"
 
-#include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -49,6 +49,13 @@ void printexit(const minresult& r, size_t n) {
     }
 }
 
+// Within what a search takes for no step at all.
+bool near(const std::vector<double>& a, const std::vector<double>& b) {
+    for (size_t i = 0; i < a.size(); i++)
+        if (!(std::fabs(a[i] - b[i]) <= 1e-3 * (std::fabs(b[i]) + 1))) return false;
+    return true;
+}
+
 } // namespace
 
 void minreport(const minresult& r, const minswitches& sw, bool constrained) {
@@ -72,9 +79,8 @@ void minreport(const minresult& r, const minswitches& sw, bool constrained) {
 
 void minwarnings(const minproblem& problem, const minresult& r, const std::vector<double>& start) {
     if (r.f >= MAXPOS) return tarnwarn("MINIMIZE: the function has no value at the start; try another one");
-    const bool flat = std::all_of(r.g.begin(), r.g.end(), [](double g) { return g == 0; });
-    if (r.ecode != MINCONVERGED || r.x != start || !flat || !r.active.empty()) return;
+    if (r.ecode != MINCONVERGED || !r.active.empty() || (r.iterations > 1 && !near(r.x, start))) return;
     std::vector<double> h = mintruehessian(problem, r.x);
     if (!(mininverse(h, r.x.size()) > 0))
-        tarnwarn("MINIMIZE: the gradient is zero at the start, which need not be an extremum");
+        tarnwarn("MINIMIZE: the function is flat where the search began, which need not be an extremum");
 }

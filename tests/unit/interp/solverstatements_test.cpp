@@ -311,7 +311,12 @@ TEST_F(SolverStatements, Minimize) {
          "##Error: MINIMIZE: the name HESSIAN is in use, KEEPHESS cannot take it\n"},
         {"a variable twice", "X = 0; Q = MINIMIZE(F,X,X)", "##Error: MINIMIZE: variable X is named twice\n"},
         {"a start that is a maximum", "FUNCTION G(X) = COS(X); X = 0; Q = MINIMIZE(G,X); TYPE Q",
-         "Warning: MINIMIZE: the gradient is zero at the start, which need not be an extremum\n  Q = 1\n"},
+         "Warning: MINIMIZE: the function is flat where the search began, which need not be an extremum\n  Q "
+         "= 1\n"},
+        {"a start far out in a tail", "FUNCTION G(X) = EXP(-X^2); X = 10; Q = MAXIMIZE(G,X); TYPE X > 9",
+         "Warning: MINIMIZE: the function is flat where the search began, which need not be an extremum\n    "
+         "= 1\n"},
+        {"a start at the minimum", "X = 1; Y = 3; Q = MINIMIZE(F,X,Y); R = Q < 1E-20; TYPE R", "  R = 1\n"},
         {"a start outside the domain",
          "FUNCTION G(X) = IF X < 5 THEN 1.7E308 ELSE X^2; X = 0; Q = MINIMIZE(G,X); TYPE X",
          "Warning: MINIMIZE: the function has no value at the start; try another one\n  X = 0\n"},
