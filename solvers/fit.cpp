@@ -71,6 +71,9 @@ solverconstraints constraintsof(const std::vector<int>& parms) {
     }
     const harray* m = matrixof(clause.conset);
     if (size_t(m->cols) != elementcount(parms) + 2) argtype("fitop");
+    if (elementcount(parms) > parms.size())
+        tarnwarn(
+            "FIT: a constraint matrix is read with one coefficient for all cells of a matrix of parameters");
     solverconstraints form = conmat2solver(m);
     form.width = int(parms.size()); // rows are read at the stride of the parameters as they are named
     return form;

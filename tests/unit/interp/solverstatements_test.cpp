@@ -197,6 +197,13 @@ TEST_F(SolverStatements, FitEdges) {
          "Z = 1.5; CONSTRAINTS C = { B < Z }; FIT (A,B), F TO D CONSTRAINTS C; Q = B; TYPE Q",
          {"  Q = 1.5\n"},
          {}},
+        {"a constraint matrix with a matrix of parameters",
+         "P = 0&0; FUNCTION G(X) = P(1)+P(2)*X; CM = 1&'0&'0&'2; FIT P, G TO D CONSTRAINTS CM; Q = "
+         "P(1)+P(2); TYPE Q",
+         {"Warning: FIT: a constraint matrix is read with one coefficient for all cells of a matrix of "
+          "parameters\n",
+          "  Q = 2\n"},
+         {}},
         {"all weights 0",
          "W = 0*(1:4); FIT (A,B), F TO D WITH WEIGHT W",
          {"A has no effect", "B has no effect"},
