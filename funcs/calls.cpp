@@ -91,7 +91,9 @@ void builtincall() {
     if (sym(f).type == UNKNOWN) derivfind(f, false);
     const int type = sym(f).type;
     if (type == USERFUNCTION || type == INITIALVALUE) return scalarcall(p, n, f);
-    if (type >= 0) tarnerror("%s is not a user-defined or builtin function", sym(f).name);
+    if (type >= 0)
+        tarnerror(furtherline{describe(f)}, "%s is not a user-defined or builtin function",
+                  nametext(f).c_str());
     if (type <= FIRSTVALUE || takesmatrixform(p, n, type)) return valuecall(p, n, type);
     scalarcall(p, n, f);
 }

@@ -165,6 +165,7 @@ std::string refusal(int token) {
     if (token == TOKEND)
         if (const char* open = unfinished()) return open;
     if (token == TOKCLOSE && !bracketwaits()) return what + " closes a bracket that was never opened";
+    if (token == TOKCLOSE && waits(TOKIF)) return "IF is without THEN";
     if (token == TOKTHEN) return waits(TOKIF) ? "THEN cannot stand here" : "THEN is without IF";
     if (token == TOKELSE) return waits(TOKTHEN) ? "ELSE cannot stand here" : "ELSE is without IF and THEN";
     if (isrelation(token) && tokentables.row[waiting()] == 16)
@@ -222,7 +223,7 @@ furtherline misplaced(int token) { return marked(refusal(token)); }
 furtherline nothingbefore(int token) {
     const int before = waiting();
     if (token == TOKCLOSE && !bracketwaits()) return misplaced(token);
-    if (token == TOKTHEN || token == TOKELSE) return misplaced(token);
+    if ((token == TOKTHEN && !waits(TOKIF)) || (token == TOKELSE && !waits(TOKTHEN))) return misplaced(token);
     if ((token == TOKEQUAL || token == TOKUNDERSCORE) && isword(before))
         return marked(std::string(tokenword(before)) + " is a word of the language, it cannot be a name");
     for (const auto& f : foreign)
@@ -257,6 +258,12 @@ furtherline noseparator(int idx) {
     };
     return marked("an operator or a comma is missing between " + name(before) + " and " + name(idx) +
                   (waiting() == TOKOPEN ? "; LIST(1,2,3) makes a matrix" : ""));
+}
+
+furtherline nothingtouse(int token) {
+    const std::string example = exampleof(token), word = tokenword(token);
+    return marked(example.empty() ? "a value is missing beside \"" + word + '"'
+                                  : word + " needs more, as in " + example);
 }
 
 furtherline leftover() {

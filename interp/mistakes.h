@@ -14,6 +14,7 @@ furtherline marked(const std::string& what);
 furtherline misplaced(int token);     // a token that cannot stand behind what waits on opstack
 furtherline nothingbefore(int token); // an operator or closing bracket where a value was due
 furtherline nothingbehind();          // the end of the statement where a value was due
+furtherline nothingtouse(int token);  // a word or sign that has found no value at all
 furtherline noseparator(int idx);     // a value right behind another
 furtherline leftover();               // operands that no operator or statement has taken
 furtherline statementform(int token); // how the statement or clause is written; empty if that is not known

@@ -80,7 +80,8 @@ bool endsforhead(const polishstate& p) {
 
 void openbracket() {
     if (parser.argptr + 1 >= ARGSTACKSIZE)
-        tarnerror("brackets are nested too deeply: %d is the limit", ARGSTACKSIZE - 1);
+        tarnerror("brackets are nested too deeply: %d is the limit; give the inner parts names",
+                  ARGSTACKSIZE - 1);
     parser.argcount[++parser.argptr] = 1;
 }
 
@@ -269,6 +270,9 @@ void refuseinfix(int token) {
 // An operator where an operand was due.
 step prefix(int token) {
     if (token == TOKEND) {
+        if (parser.oplevel == 0 && parser.funcmode != 0)
+            tarnsyntax(statementform(parser.funcmode == 1 ? TOKINITIAL : TOKFUNCTION), 2,
+                       "illegal function definition");
         if (parser.oplevel == 0 && parser.poltop >= 0)
             tarnsyntax(marked("a value is missing behind the comma"), 13, "illegal statement");
         if (parser.oplevel == 0) return FINISHED;

@@ -71,7 +71,7 @@ void notavailable(int token) {
 void process(int token) {
     const int top = parser.poltop;
     if (top < 0 && tokentables.col[parser.token] != 0 && !mayrunempty(token))
-        tarnsyntax(marked(std::string(tokenword(token)) + " has nothing to work on"), 7, "illegal statement");
+        tarnsyntax(nothingtouse(token), 7, "illegal statement");
     if (parser.funcmode != 0) return funcprocess(token);
     if (pending.count != 0 && !pendingkeeps(token)) pendingcompute();
     const processop op{token, top >= 0 ? parser.polstack[top] : 0, top >= 1 ? parser.polstack[top - 1] : 0};

@@ -230,6 +230,9 @@ furtherline meantby(size_t at) {
     if (letter.size() > 1)
         return further("%s can stand in texts and comments; names are made of A to Z, digits and periods",
                        letter.c_str());
+    if (static_cast<unsigned char>(letter[0]) < ' ')
+        return {"it is a control character, which no text holds"};
+    if (letter[0] & 0x80) return {"the byte is part of no letter in UTF-8: is the text in another code?"};
     return {};
 }
 

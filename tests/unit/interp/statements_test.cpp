@@ -373,7 +373,7 @@ TEST_F(Statements, BoundsOfTheStacks) {
         std::string statement, printed;
     } rows[] = {
         {"X = " + repeat("(", 200) + "1" + repeat(")", 200),
-         "##Error: brackets are nested too deeply: 15 is the limit\n"},
+         "##Error: brackets are nested too deeply: 15 is the limit; give the inner parts names\n"},
         {"TYPE 1" + repeat(",1", 300),
          "##Error: too many waiting operators in a statement: 199 is the limit; part it into several\n"},
         {repeat("-", 1000) + "1",
