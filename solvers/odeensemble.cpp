@@ -11,6 +11,8 @@
 
 namespace {
 
+static_assert(FLATLANES == ODELANES);
+
 constexpr int MOSTGIVENUP = 2;                // runs in a row, then it is not tried again
 constexpr size_t MOSTCELLS = size_t(1) << 23; // of output: 64 MB
 

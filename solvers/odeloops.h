@@ -17,6 +17,12 @@ struct odeloops {
     /* What one step may add to the error: within tol, by perchange times errfac times the move in one of the
      * last three steps, not below share of tol nor below rounding. */
     void (*allowance)(odestepper& s, double perchange, double share) = nullptr;
+    // The error of the blended formula and of the backward formula in this step, by what is allowed; each
+    // component keeps the larger of this and its error so far.
+    double (*blendederror)(odestepper& s) = nullptr;
+    double (*backwarderror)(odestepper& s) = nullptr;
+    // Solves by the factors of ODELANES lanes; the exchanges of rows have been made.
+    void (*lanesolve)(odestepper& s) = nullptr;
     // What the corrector leaves, by `allowed`.
     double (*residual)(odestepper& s, const double* allowed) = nullptr;
     // How far dy is from the derivative at the prediction, by tol.

@@ -9,10 +9,8 @@ inline double smaller(double x, double y) { return y < x ? y : x; }
 inline int componentsof(const odestepper& s) { return s.wide / REGISTERDOUBLES * REGISTERDOUBLES; }
 
 // Of numbers without a sign the bits are in the order of sizes, and what is no number comes last.
-inline int64_t larger(int64_t most, double error) {
-    const int64_t bits = __builtin_bit_cast(int64_t, error);
-    return bits > most ? bits : most;
-}
+inline int64_t bitsof(double x) { return __builtin_bit_cast(int64_t, x); }
+inline int64_t larger(int64_t most, double error) { return bitsof(error) > most ? bitsof(error) : most; }
 
 void adamspredict(odestepper& s) {
     const double *y0 = s.Y[0], *d0 = s.D[0], *d1 = s.D[1], *d2 = s.D[2];
@@ -77,6 +75,55 @@ void allowance(odestepper& s, double perchange, double share) {
     }
 }
 
+double blendederror(odestepper& s) {
+    const double *y = s.y, *y0 = s.Y[0], *y1 = s.Y[1], *y2 = s.Y[2], *allowed = s.allowed;
+    double* error = s.error;
+    const double g0 = s.gap[0], g1 = s.gap[1], g2 = s.gap[2], g3 = s.gap[3];
+    const int n = componentsof(s);
+    int64_t worst = 0;
+#pragma GCC ivdep
+    for (int i = 0; i < n; i++) {
+        const double gap = g0 * y[i] + g1 * y0[i] + g2 * y1[i] + g3 * y2[i];
+        error[i] = __builtin_bit_cast(double, larger(bitsof(error[i]), magnitude(gap / allowed[i])));
+        worst = larger(worst, error[i]);
+    }
+    return __builtin_bit_cast(double, worst);
+}
+
+double backwarderror(odestepper& s) {
+    const double *y = s.y, *guess = s.ypred, *allowed = s.allowed;
+    double* error = s.error;
+    const int n = componentsof(s);
+    int64_t worst = 0;
+#pragma GCC ivdep
+    for (int i = 0; i < n; i++) {
+        const double gap = 3.0 / 22 * magnitude(y[i] - guess[i]);
+        error[i] = __builtin_bit_cast(double, larger(bitsof(error[i]), magnitude(gap / allowed[i])));
+        worst = larger(worst, error[i]);
+    }
+    return __builtin_bit_cast(double, worst);
+}
+
+void lanesolve(odestepper& s) {
+    const int n = s.n / ODELANES;
+    for (int i = 0; i < n; i++) {
+        double *b = s.newton + i * ODELANES, sum[ODELANES];
+        const double* row = s.lanefactors + i * n * ODELANES;
+        for (int l = 0; l < ODELANES; l++) sum[l] = b[l];
+        for (int j = 0; j < i; j++)
+            for (int l = 0; l < ODELANES; l++) sum[l] += row[j * ODELANES + l] * s.newton[j * ODELANES + l];
+        for (int l = 0; l < ODELANES; l++) b[l] = sum[l];
+    }
+    for (int i = n - 1; i >= 0; i--) {
+        double *b = s.newton + i * ODELANES, sum[ODELANES];
+        const double* row = s.lanefactors + i * n * ODELANES;
+        for (int l = 0; l < ODELANES; l++) sum[l] = b[l];
+        for (int j = i + 1; j < n; j++)
+            for (int l = 0; l < ODELANES; l++) sum[l] -= row[j * ODELANES + l] * s.newton[j * ODELANES + l];
+        for (int l = 0; l < ODELANES; l++) b[l] = sum[l] / row[i * ODELANES + l];
+    }
+}
+
 double residual(odestepper& s, const double* allowed) {
     const double *y = s.y, *dy = s.dy, *base = s.ybase, *scale = allowed;
     double* error = s.error;
@@ -100,5 +147,5 @@ double derivativemove(odestepper& s) {
     return __builtin_bit_cast(double, worst);
 }
 
-const odeloops loops{REGISTERDOUBLES, adamspredict, stiffpredict, adamscorrect,
-                     truncation,      allowance,    residual,     derivativemove};
+const odeloops loops{REGISTERDOUBLES, adamspredict,  stiffpredict, adamscorrect, truncation,    allowance,
+                     blendederror,    backwarderror, lanesolve,    residual,     derivativemove};

@@ -140,6 +140,18 @@ double rowsumnorm(const odestepper& s) {
     return norm;
 }
 
+// The factors of a lane to where all lanes are solved together; lanes that are not in use have those of the
+// first.
+void shareout(odestepper& s, size_t lane) {
+    const size_t entries = size_t(equations(s)) * size_t(equations(s));
+    s.lanelu.resize(entries);
+    for (size_t e = 0; e < entries; e++) {
+        s.lanelu[e].x[lane] = s.lu[lane * entries + e];
+        for (int l = s.used; lane == 0 && l < ODELANES; l++) s.lanelu[e].x[l] = s.lu[e];
+    }
+    s.lanefactors = s.lanelu.data()->x;
+}
+
 // Of J - 1/beta, kept for later steps, until the next Jacobian; false when it is singular.
 bool factor(odestepper& s) {
     const size_t n = size_t(equations(s));
@@ -149,13 +161,38 @@ bool factor(odestepper& s) {
         for (size_t i = 0; i < n; i++) lu[i * n + i] -= 1 / s.cnew;
         ludecomp(lu, int(n), &s.pivots[l * n]);
         if (s.pivots[l * n + n - 1] == 0) return false;
+        if (s.lanes > 1) shareout(s, l);
     }
     return s.factored = true;
 }
 
+void repeatfirst(const odestepper& s, double* v) {
+    for (int i = 0; i < s.n; i += s.lanes)
+        for (int l = s.used; l < s.lanes; l++) v[i + l] = v[i];
+}
+
+void seriesbylane(odestepper& s) {
+    const int n = equations(s);
+    std::vector<double> v(static_cast<size_t>(n));
+    for (int l = 0; l < s.used; l++) {
+        for (int k = 0; k < n; k++) v[size_t(k)] = s.newton[k * s.lanes + l];
+        neumann(&s.jac[size_t(l) * size_t(n) * size_t(n)], n, s.cnew, v.data());
+        for (int k = 0; k < n; k++) s.newton[k * s.lanes + l] = v[size_t(k)];
+    }
+    repeatfirst(s, s.newton);
+}
+
+void solvelanes(odestepper& s) {
+    const int n = equations(s);
+    for (int l = 0; l < s.used; l++)
+        for (int k = 0; k < n - 1; k++)
+            std::swap(s.newton[k * s.lanes + l], s.newton[s.pivots[size_t(l * n + k)] * s.lanes + l]);
+    repeatfirst(s, s.newton);
+    s.loops->lanesolve(s);
+}
+
 // One Newton pass; false when the matrix is singular.
 bool newtonpass(odestepper& s) {
-    const int n = equations(s);
     const double beta = s.cnew;
     if (s.newjac) {
         s.factored = false;
@@ -163,18 +200,14 @@ bool newtonpass(odestepper& s) {
     }
     const bool series = std::fabs(beta) * s.jnorm < 0.02;
     if (!series && !s.factored && !factor(s)) return false;
-    for (int l = 0; l < s.used; l++) {
-        const size_t block = size_t(l) * size_t(n) * size_t(n);
-        double* v = s.newton.data();
-        for (int k = 0, i = l; k < n; k++, i += s.lanes) v[k] = (s.y[i] - s.ybase[i]) / beta - s.dnew[i];
-        if (series)
-            neumann(&s.jac[block], n, beta, v);
-        else
-            lusolve(&s.lu[block], n, &s.pivots[size_t(l) * size_t(n)], v);
-        for (int k = 0, i = l; k < n; k++, i += s.lanes) s.y[i] += v[k];
-    }
-    for (int i = 0; i < s.n; i += s.lanes)
-        for (int l = s.used; l < s.lanes; l++) s.y[i + l] = s.y[i];
+    for (int i = 0; i < s.n; i++) s.newton[i] = (s.y[i] - s.ybase[i]) / beta - s.dnew[i];
+    if (s.lanes > 1)
+        series ? seriesbylane(s) : solvelanes(s);
+    else if (series)
+        neumann(s.jac.data(), s.n, beta, s.newton);
+    else
+        lusolve(s.lu.data(), s.n, s.pivots.data(), s.newton);
+    for (int i = 0; i < s.n; i++) s.y[i] += s.newton[i];
     return true;
 }
 
@@ -199,19 +232,11 @@ void allowances(odestepper& s) {
     s.loops->allowance(s, a.perchange, atfloor ? 1 : a.share);
 }
 
-/* The error that the formula itself makes in this step of the stiff mode; the truncation test sees of the
- * blended formula only the part of the third order. */
-double formulaerror(const odestepper& s, int i) {
-    if (s.method == ODETU) return 3.0 / 22 * std::fabs(s.y[i] - s.ypred[i]);
-    return std::fabs(s.gap[0] * s.y[i] + s.gap[1] * s.Y[0][i] + s.gap[2] * s.Y[1][i] + s.gap[3] * s.Y[2][i]);
-}
-
+/* The truncation test sees of the blended formula only the part of the third order, so the error that the
+ * formula itself makes is tested too. */
 void accumulationtest(odestepper& s) {
     allowances(s);
-    for (int i = 0; i < s.n; i++) {
-        keepworst(formulaerror(s, i) / s.allowed[i], s.error[i]);
-        keepworst(s.error[i], s.truncerr);
-    }
+    s.truncerr = s.method == ODETU ? s.loops->backwarderror(s) : s.loops->blendederror(s);
 }
 
 // What rounding alone leaves of component i of the stiff corrector.
@@ -497,12 +522,12 @@ void odestepsize(odestepper& s, int n) {
     s.n = n;
     s.loops = &odeloopsbest();
     s.wide = (n + s.loops->width - 1) / s.loops->width * s.loops->width;
-    double** const vectors[] = {&s.y,    &s.dy,   &s.Y[0],  &s.Y[1],  &s.Y[2], &s.Y[3],    &s.D[0], &s.D[1],
-                                &s.D[2], &s.dnew, &s.ypred, &s.ybase, &s.tol,  &s.allowed, &s.error};
+    double** const vectors[] = {&s.y,    &s.dy,      &s.Y[0],  &s.Y[1],  &s.Y[2],  &s.Y[3],
+                                &s.D[0], &s.D[1],    &s.D[2],  &s.dnew,  &s.ypred, &s.ybase,
+                                &s.tol,  &s.allowed, &s.error, &s.newton};
     const size_t lines = (size_t(n) + 7) / 8, count = size_t(n);
     s.memory.assign(lines * std::size(vectors), {});
     for (size_t k = 0; k < std::size(vectors); k++) *vectors[k] = s.memory[k * lines].x;
-    s.newton.assign(count, 0);
     s.pivots.assign(count, 0);
 }
 

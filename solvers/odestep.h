@@ -26,13 +26,15 @@ enum oderequest {
 
 enum odemethod { ODEAUTO = 0, ODEADAMS = 1, ODESHRAGER = 2, ODETU = 3 };
 
+inline constexpr int ODELANES = 8; // systems that go side by side, where it is not one
+
 struct odestepper {
     // exchanged with the driver
     int request = ODESTART;
     int n = 0; // components: the equations of all lanes
-    int lanes = 1,
-        used = 1;    // component k * lanes + l is equation k of system l; from `used` on the first again
-    double tcur = 0; // time of y
+    // Component k * lanes + l is equation k of system l; those from `used` on repeat the first.
+    int lanes = 1, used = 1;
+    double tcur = 0;           // time of y
     double tout = 0, tend = 0; // next output time; time not to be passed
     double *y = nullptr, *dy = nullptr;
     std::vector<double> jac; // by lanes in use; there when it is wanted first
@@ -65,7 +67,8 @@ struct odestepper {
 
     // the step being tried
     double *ypred = nullptr, *ybase = nullptr, *tol = nullptr, *allowed = nullptr, *error = nullptr;
-    std::vector<double> newton, lu; // of one lane; by lanes as jac
+    double* newton = nullptr;
+    std::vector<double> lu; // by lanes as jac
     std::vector<int> pivots;
     double pred[4] = {}, corr[4] = {}; // coefficients of the predictor and of the known part
     double cnew = 0;                   // coefficient of the new derivative in the corrector
@@ -85,9 +88,11 @@ struct odestepper {
 
     // the vectors above that are pointers: each begins on a line of the cache
     struct alignas(64) line {
-        double x[8];
+        double x[ODELANES];
     };
     std::vector<line> memory;
+    std::vector<line> lanelu; // the entries of lu, all lanes of each side by side
+    const double* lanefactors = nullptr;
     const odeloops* loops = nullptr;
     int wide = 0; // n rounded up to whole registers
 
