@@ -1,10 +1,12 @@
 #include "funcs/builtin.h"
 
+#include "funcs/refusal.h"
 #include "interp/base/fpfault.h"
 #include "interp/base/operand.h"
 #include "interp/base/report.h"
 
 #include <cassert>
+#include <cstring>
 
 namespace {
 
@@ -48,13 +50,23 @@ double callrow(const scalarrow& row, const double* given, int n) {
     }
 }
 
-[[noreturn]] void throwfault(spfaultkind kind, const char* text) {
+// `typed` is the name that was called, or null: it stands behind words that do not hold it.
+[[noreturn]] void throwfault(spfaultkind kind, const char* text, const char* typed) {
     switch (kind) {
     case SPRANGEERR: argrange(text);
     case SPTYPEERR: argtype(text);
     case SPSHAPEERR: argshape(text);
-    default: tarnerror("%s", text);
+    default: break;
     }
+    const bool named = !typed || strstr(text, typed);
+    tarnerror(named ? furtherline{} : further("in a call of %s", typed), "%s", text);
+}
+
+// The name of the builtin of that code, or null.
+const char* builtinname(int code) {
+    for (const symbol& s : symtab.at)
+        if (s.type == code && s.name[0] != 0) return s.name;
+    return nullptr;
 }
 
 } // namespace
@@ -77,6 +89,7 @@ double scalarbuiltin(int code, const double* args, int n) {
     const scalarrow* row = scalarbuiltinrow(code);
     if (!row) {
         tarnwarn("function not available--zero returned");
+        if (const char* name = builtinname(code)) tarnwarn("%s", notinthisversion(name).text.c_str());
         return 0;
     }
     return fpcheck(spchecked(callrow(*row, args, n), code));
@@ -91,17 +104,6 @@ double callargs::scalar(int k, double absent) const {
         tarnerror("scalar %s has not yet been defined", sym(entry).name);
     return sym(entry).val.rval;
 }
-
-namespace {
-
-// The name of the builtin of that code, or null.
-const char* builtinname(int code) {
-    for (const symbol& s : symtab.at)
-        if (s.type == code && s.name[0] != 0) return s.name;
-    return nullptr;
-}
-
-} // namespace
 
 void spfaultreport(int code) {
     const spfaultlist noted = spfaults;
@@ -118,6 +120,6 @@ void spfaultreport(int code) {
         else if (fault.kind == SPWARN)
             tarnwarn("%s", fault.text);
         else
-            throwfault(fault.kind, fault.text);
+            throwfault(fault.kind, fault.text, typed);
     }
 }

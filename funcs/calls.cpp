@@ -3,6 +3,7 @@
 #include "funcs/builtin.h"
 #include "funcs/define.h"
 #include "funcs/deriv.h"
+#include "funcs/refusal.h"
 #include "funcs/value.h"
 #include "interp/base/hooks.h"
 #include "interp/base/operand.h"
@@ -39,12 +40,24 @@ void replacecall(int p, int n, int result) {
     parser.argcount[parser.argptr + parser.closed] = 1;
 }
 
+// Runs a builtin's routine; behind an error in it stands which call it was.
+template <class Routine> void inbuiltin(int p, int n, Routine routine) {
+    try {
+        routine();
+    } catch (const recoveryjump& jump) {
+        if (jump.value == -1) tellcall(p, n);
+        throw;
+    }
+}
+
 void valuecall(int p, int n, int code) {
     checkargs(p);
     const valuerow* row = valuebuiltinrow(code);
-    if (!row && code > LASTVALUE) tarnerror("%hd is an invalid builtin function code", short(code));
-    if (!row) tarnerror("invalid string function");
-    const int result = row->call(callargs{p, n, code});
+    const furtherline more = row ? furtherline{} : notinthisversion(sym(parser.polstack[p]).name);
+    if (!row && code > LASTVALUE) tarnerror(more, "%hd is an invalid builtin function code", short(code));
+    if (!row) tarnerror(more, "invalid string function");
+    int result = 0;
+    inbuiltin(p, n, [&] { result = row->call(callargs{p, n, code}); });
     replacecall(p, n, result);
 }
 
@@ -67,7 +80,10 @@ void scalarcall(int p, int n, int f) {
             checkargs(p);
             argtype(sym(f).name);
         }
-        result = value(p);
+        if (code < 0)
+            inbuiltin(p, n, [&] { result = value(p); });
+        else
+            result = value(p);
     }
     replacecall(p, n, symtabtempscalar(0, 0, result));
 }

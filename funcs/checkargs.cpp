@@ -1,6 +1,6 @@
 #include "funcs/calls.h"
 #include "funcs/deriv.h"
-#include "funcs/matrixoperand.h"
+#include "funcs/refusal.h"
 #include "funcs/trinode.h"
 #include "interp/base/operand.h"
 #include "interp/base/parser.h"
@@ -65,15 +65,6 @@ int typeofoperand(int entry, int kind) {
     return sym(entry).type;
 }
 
-[[noreturn]] void refuseargument(const char* name, int k, const char* expected, int entry) {
-    try {
-        tarnerror("function %s argument %hd: expected %s", name, short(k), expected);
-    } catch (const recoveryjump&) {
-        tellundefined(entry);
-        throw;
-    }
-}
-
 } // namespace
 
 void checkargs(int p) {
@@ -89,6 +80,7 @@ void checkargs(int p) {
     for (int k = 1; k <= given; k++) {
         const slotrow& slot = slotof(std::abs(signature[k]));
         if (!slot.accepts(typeofoperand(parser.polstack[p + k], slot.kind)))
-            refuseargument(callee.name, k, slot.expected, parser.polstack[p + k]);
+            tarnerror(wrongkind(parser.polstack[p + k], callee), "function %s argument %hd: expected %s",
+                      callee.name, short(k), slot.expected);
     }
 }

@@ -16,7 +16,6 @@ namespace {
 using vec = std::vector<double>;
 
 double mean(const vec& x) {
-    if (x.empty()) return 0;
     double sum = 0, rest = 0;
     for (const double t : x) sum += t;
     const double m = sum / double(x.size());
@@ -37,7 +36,7 @@ double centralmoment(const vec& x, double k) {
         const double d = t - m;
         sum += k == 2 ? d * d : k == 3 ? d * d * d : k == 4 ? d * d * d * d : std::pow(d, k);
     }
-    return x.empty() ? 0 : fpcheck(sum / double(x.size()));
+    return fpcheck(sum / double(x.size()));
 }
 
 // With n - 1 below, and the correction for the rounding of the mean (T. F. Chan and others, Amer. Statist. 37
@@ -57,7 +56,7 @@ double absolutedeviation(const vec& x) {
     const double m = mean(x);
     double sum = 0;
     for (const double t : x) sum += std::fabs(t - m);
-    return x.empty() ? 0 : fpcheck(sum / double(x.size()));
+    return fpcheck(sum / double(x.size()));
 }
 double skewness(const vec& x) {
     const double m2 = centralmoment(x, 2);
@@ -71,14 +70,14 @@ double kurtosis(const vec& x) {
 /* The quantile p of sorted or unsorted x: between the order statistics around 1 + p (n - 1), in proportion
  * (definition 7 of R. J. Hyndman, Y. Fan, Amer. Statist. 50 (1996) 361). Orders x in part. */
 double quantile(vec& x, double p) {
-    if (x.empty()) return 0;
     const double place = p * double(x.size() - 1);
     const size_t low = size_t(place);
     std::nth_element(x.begin(), x.begin() + long(low), x.end());
     const double below = x[low], part = place - double(low);
     if (part == 0) return below;
     const double above = *std::min_element(x.begin() + long(low) + 1, x.end());
-    return below + part * (above - below);
+    const double gap = above - below;
+    return fpfinite(gap) ? below + part * gap : (1 - part) * below + part * above;
 }
 double median(const vec& x) {
     vec copy = x;
@@ -100,8 +99,9 @@ double momentorder(const callargs& a, double k) {
     return k;
 }
 
-// A statistic by its code, on one column.
+// A statistic by its code, on one column, which must not be empty.
 double evaluated(const callargs& a, const vec& x) {
+    if (x.empty()) argshape(a.name());
     switch (a.code) {
     case -420:
     case -667: return mean(x);
@@ -128,6 +128,7 @@ double ofcolumn(const callargs& a) { return evaluated(a, column(matrixoperand(a[
 // Of each column, as a row.
 int ofcolumns(const callargs& a) {
     const matrixoperand m(a[1]);
+    if (m.count() == 0) argshape(a.name());
     vec row(m.cols());
     for (size_t j = 0; j < m.cols(); j++) row[j] = evaluated(a, column(m, j));
     return symtabmatrix(0, 0, matrixfrom(1, m.cols(), row.data()));
@@ -142,6 +143,7 @@ double moment(const callargs& a) {
 // MQUANTILE(M, Q): a row for each probability in Q, a column for each of M.
 int mquantile(const callargs& a) {
     const matrixoperand m(a[1]), q(a[2]);
+    if (m.count() == 0) argshape(a.name());
     vec x, result(q.count() * m.cols());
     for (size_t j = 0; j < m.cols(); j++) {
         x = column(m, j);

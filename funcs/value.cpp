@@ -6,6 +6,7 @@
 #include "funcs/deriv.h"
 #include "funcs/flatimpl.h"
 #include "funcs/operators.h"
+#include "funcs/refusal.h"
 #include "funcs/rootint.h"
 #include "funcs/trinode.h"
 #include "interp/base/fpfault.h"
@@ -166,7 +167,7 @@ double builtinvalue(int p, int code, int n) {
     if (code <= CODEINTEGRAL)
         tarnerror("SUM, PRODUCT, ROOT, INTEGRAL, and EVAL can only appear in function bodies");
     const numberrow* row = numberbuiltinrow(code);
-    if (!row) tarnerror("not a function");
+    if (!row) tarnerror(notinthisversion(sym(parser.polstack[p]).name), "not a function");
     return fpcheck(spchecked(row->call({p, n, code}), code));
 }
 
@@ -178,7 +179,9 @@ double walkfunction(int p, int f, int n) {
         const char* name = sym(f).name;
         conout("##Error: incorrect # of args(%d) supplied for %s\n", 2 * n - nformals, name);
         logout("##Error: incorrect # of args(%d) supplied for %s\n", 2 * n - nformals, name);
-        tarnerror("Bad user-defined function call");
+        tarnerror(further("%s takes %d argument%s, and %d %s given", nametext(f).c_str(), nformals,
+                          nformals == 1 ? "" : "s", n, n == 1 ? "was" : "were"),
+                  "Bad user-defined function call");
     }
     const double result = evalscalar(funcbody(f), p);
     return sym(f).val.rval = result;

@@ -42,6 +42,7 @@ char delimiterof(const callargs& a, int argument) {
 }
 
 void readtable(const callargs& a, csvtable& t, char delimiter) {
+    if (!namesfile(a[1])) argtype(a.name());
     const std::string path = datapath(a[1], "csv");
     std::error_code fault;
     if (std::filesystem::is_character_file(path, fault) || !readwhole(path.c_str(), t.bytes))

@@ -172,6 +172,7 @@ struct readargs {
 };
 
 readargs readarguments(const callargs& a) {
+    if (!namesfile(a[1])) argtype(a.name());
     return {datapath(a[1], "dat"), std::trunc(a.scalar(2, 1000)), std::trunc(a.scalar(3, 1))};
 }
 
@@ -256,6 +257,10 @@ int readonward(const callargs& a) {
 constexpr valuerow rows[] = {{-625, read}, {-758, readonward}};
 
 } // namespace
+
+bool namesfile(int idx) {
+    return idx > 0 && (isstringtype(idx) || isalpha(static_cast<unsigned char>(sym(idx).name[0])));
+}
 
 std::string datapath(int idx, const char* ext) {
     const char* directory = report.filedir.c_str();

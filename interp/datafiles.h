@@ -24,3 +24,4 @@ void csvrows();        // of READCSV, CSVNAMES and CSVTEXT
 // none, below FILEDIR. A name is typed in any case and read in capitals: where no file has it so, one in
 // small letters is taken.
 std::string datapath(int idx, const char* ext);
+bool namesfile(int idx); // is the operand a string or a name?

@@ -44,7 +44,10 @@ void helphandler(const processop&) {
         newtoken(token, index);
         if (token == TOKSTRING || token == TOKNUMBER) tempfree(index);
     }
-    if (const std::string meant = otherword(topic); !meant.empty()) return tarnprint("%s\n", meant.c_str());
+    const int known = symtablookup(topic.c_str());
+    const bool builtin = known > 0 && sym(known).type < 0;
+    const std::string meant = builtin ? "" : otherword(topic);
+    if (!meant.empty()) return tarnprint("%s\n", meant.c_str());
     if (!console.help(topic.c_str()))
         tarnerror(further("TARN.HLP should stand in %s", report.tarnpath.c_str()), "cannot open help file");
 }

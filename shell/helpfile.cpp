@@ -59,7 +59,7 @@ bool helpopen(helpbook& book, const std::string& path) {
 }
 
 long helpfind(const helpbook& book, const std::string& name) {
-    const auto wanted = lowered(name);
+    const auto wanted = name == "#" ? "number sign" : lowered(name); // as the index spells it
     const auto place =
         std::lower_bound(book.index.begin(), book.index.end(), wanted,
                          [](const auto& entry, const std::string& s) { return entry.first < s; });

@@ -26,7 +26,8 @@ struct helptopic {
 
 bool helpopen(helpbook& book, const std::string& path);
 
-// The topic's place in the file; a name that is not there gives minus its place in the index, less 1.
+// The topic's place in the file; a name that is not there gives minus its place in the index, less 1. "#" is
+// "number sign" in the index, which such a line would end.
 long helpfind(const helpbook& book, const std::string& name);
 helptopic helpread(const helpbook& book, size_t offset);
 // For a name that is not there: the topics that begin like it, from helpfind's place forwards, then

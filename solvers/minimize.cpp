@@ -134,7 +134,8 @@ minbinding operandsof(const callargs& a) {
     for (int k = 2; k <= a.n; k++) {
         const int idx = a[k];
         const bool last = k == a.n && idx > 0 && sym(idx).type == CONSETTYPE;
-        if (idx <= 0 || (sym(idx).type != SCALAR && !ismatrix(idx) && !last)) argtype("minimize");
+        const bool parameter = idx > 0 && sym(idx).type == SCALAR && !istemporary(idx);
+        if (idx <= 0 || (!parameter && !ismatrix(idx) && !last)) argtype("minimize");
         if (std::find(b.operands.begin(), b.operands.end(), idx) != b.operands.end())
             tarnerror("MINIMIZE: variable %s is named twice", sym(idx).name);
         b.operands.push_back(idx);

@@ -9,6 +9,8 @@
 
 namespace {
 
+constexpr double MAXSTEPS = 1e6; // of a recurrence
+
 /* Where the integrand of U Gamma(a) = integral of exp(-x t) t^(a-1) (1+t)^(b-a-1) dt (DLMF 13.4.4) is highest
  * in s = log t: the root of x t = a + (b-a-1) t/(1+t), positive for a > 0. */
 double peak(double a, double b, double x) {
@@ -46,7 +48,7 @@ logvalue integral(double a, double b, double x) {
 // U for any a that is not 0, -1, ..: integrals at a > 1, then down in a, the stable way (DLMF 13.3.7).
 bool recur(double a, double b, double x, logvalue* u) {
     const double steps = a >= 1 ? 0 : std::ceil(1 - a);
-    if (steps > 1e6) {
+    if (steps > MAXSTEPS) {
         spnote(SPERR, "CHU: no convergence");
         return false;
     }
@@ -79,6 +81,10 @@ bool polynomial(double n, dd b, double x, dd* factor, dd* e, widevalue* v) {
     *factor = 1;
     *e = 0;
     if (std::fabs(x) < 1 && (zero < 0 || static_cast<double>(zero) >= n)) {
+        if (n > MAXSTEPS) {
+            spnote(SPERR, "CHU: no convergence");
+            return false;
+        }
         for (double k = 0; k < n; k++) {
             *factor *= -(b + k);
             if (const double size = std::fabs(factor->hi); size > 1e250 || size < 1e-250) {

@@ -8,6 +8,7 @@
 #include "special/gamma.h"
 #include "special/zeta.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -116,7 +117,8 @@ spcomplex clngam(spcomplex z) {
 
 spcomplex c9lgmc(spcomplex z) {
     if (isnotanumber(z)) return {NAN, NAN};
-    if (z.im == 0 && z.re <= 0 && z.re == std::floor(z.re)) {
+    const bool pole = z.im == 0 && z.re <= 0 && z.re == std::floor(z.re);
+    if (pole || std::max(std::fabs(z.re), std::fabs(z.im)) < MINPOS) {
         rangewarn("C9LGMC");
         return {MAXPOS, 0};
     }

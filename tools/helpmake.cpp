@@ -24,6 +24,10 @@ struct menuline {
     std::string text, target;
 };
 
+// A line with # at its head ends the index, and # parts the fields of a menu: the sign goes by its name,
+// which the reader knows.
+std::string indexname(const std::string& name) { return name == "#" ? "number sign" : name; }
+
 struct topic {
     int level = 1; // 1 chapter, 2 section, 3 entry
     std::vector<std::string> names;
@@ -38,6 +42,11 @@ std::string trimmed(const std::string& s) {
 
 std::string lowered(std::string s) {
     for (char& c : s) { c = static_cast<char>(std::tolower(static_cast<unsigned char>(c))); }
+    return s;
+}
+
+std::string uppered(std::string s) {
+    for (char& c : s) { c = static_cast<char>(std::toupper(static_cast<unsigned char>(c))); }
     return s;
 }
 
@@ -63,11 +72,12 @@ std::string plain(const std::string& s) {
 
 // Names of the system are written in capitals; what is not one stands for what the user puts there.
 bool isname(const std::string& word) {
-    return !word.empty() && word[0] != '.' && word[0] != '#' && // a line with # at its head ends the index
+    return !word.empty() && word[0] != '.' &&
            std::none_of(word.begin(), word.end(), [](unsigned char c) { return std::islower(c) != 0; });
 }
 
-// The names in a heading such as "SIN(X), COS(X)" or "`MAXITER`": the words before brackets, blanks and "=".
+// The names in a heading such as "SIN(X), COS(X)" or "`MAXITER` *": the words before brackets, blanks and
+// "=".
 std::vector<std::string> headingnames(const std::string& heading) {
     std::vector<std::string> names;
     std::string word;
@@ -81,7 +91,8 @@ std::vector<std::string> headingnames(const std::string& heading) {
             continue;
         }
         depth += (c == '(' || c == '[') - (c == ')' || c == ']');
-        taken = taken || (!word.empty() && (c == '(' || c == '[' || c == ' ' || c == '='));
+        const bool letters = !word.empty() && std::isalnum(static_cast<unsigned char>(word.back())) != 0;
+        taken = taken || (!word.empty() && (c == '(' || c == '[' || c == ' ' || (c == '=' && letters)));
         if (!taken && c != ' ') { word += c; }
     }
     return names;
@@ -109,7 +120,9 @@ struct gatherer {
     topic* out = nullptr;
     std::string paragraph;
     bool code = false;
-    int table = 0; // 0 outside tables, 1 in one, 2 in one whose first column gives names
+    int table = 0;                    // 0 outside tables, 1 in one, 2 in one whose first column gives names
+    std::vector<std::string> columns; // headings of the table
+    std::vector<topic> rows;          // of tables of names in a section: each is an entry
 
     void flush() {
         if (!paragraph.empty()) {
@@ -150,9 +163,11 @@ struct gatherer {
             cells.push_back(trimmed(s.substr(at, bar - at)));
         }
         if (table == 0) {
-            table = cells[0] == "Name" || cells[0] == "Call" ? 2 : 1;
+            table = cells[0] == "Name" ? 2 : 1;
+            columns = cells;
             return;
         }
+        if (table == 2 && out->level == 2) return rowtopic(cells);
         if (table == 2) {
             const auto names = headingnames(cells[0]);
             out->names.insert(out->names.end(), names.begin(), names.end());
@@ -160,6 +175,19 @@ struct gatherer {
         std::string text;
         for (const std::string& cell : cells) { text += (text.empty() || cell.empty() ? "" : ": ") + cell; }
         wrap(plain(text), "    ", out->lines);
+    }
+
+    // An entry of its own: the names, then each cell behind its column's heading.
+    void rowtopic(const std::vector<std::string>& cells) {
+        topic t;
+        t.level = 3;
+        t.names = headingnames(cells[0]);
+        t.lines = {plain(cells[0]), ""};
+        for (std::size_t k = 1; k < cells.size(); k++) {
+            if (!cells[k].empty()) { wrap(plain(columns[k] + ": " + cells[k]), "  ", t.lines); }
+        }
+        t.lines.emplace_back();
+        rows.push_back(std::move(t));
     }
 };
 
@@ -169,7 +197,7 @@ struct book {
 
     void enter(topic t) {
         for (const std::string& name : t.names) {
-            if (byname.emplace(name, topics.size()).first->second != topics.size()) {
+            if (byname.emplace(indexname(name), topics.size()).first->second != topics.size()) {
                 throw std::runtime_error("two topics are called \"" + name + "\"");
             }
         }
@@ -188,12 +216,7 @@ void seealso(topic& t) {
     list = trimmed(list.substr(5));
     if (!list.empty() && list.back() == '.') { list.pop_back(); }
     t.lines.resize(at - 1);
-    for (const std::string& name : headingnames(list)) {
-        std::string shown = name;
-        std::transform(shown.begin(), shown.end(), shown.begin(),
-                       [](unsigned char c) { return std::toupper(c); });
-        t.menu.push_back({shown, name});
-    }
+    for (const std::string& name : headingnames(list)) { t.menu.push_back({uppered(name), name}); }
 }
 
 void readpage(const std::string& path, book& b) {
@@ -201,23 +224,29 @@ void readpage(const std::string& path, book& b) {
     if (!in) { throw std::runtime_error("cannot read " + path); }
     std::vector<topic> found;
     gatherer text;
+    const auto endtopic = [&] { // the entries of its tables follow it
+        text.flush();
+        for (topic& row : text.rows) { found.push_back(std::move(row)); }
+        text.rows.clear();
+    };
     for (std::string line; std::getline(in, line);) {
         const auto marks = text.code ? 0 : line.find_first_not_of('#');
         if (marks == std::string::npos || marks < 1 || marks > 3 || line[marks] != ' ') {
             if (!found.empty()) { text.add(line); }
             continue;
         }
-        if (!found.empty()) { text.flush(); }
+        if (!found.empty()) { endtopic(); }
         topic t;
         t.level = static_cast<int>(marks);
         const std::string heading = trimmed(line.substr(marks));
         t.names = t.level == 3 ? headingnames(heading) : std::vector<std::string>{lowered(plain(heading))};
-        t.lines = {plain(heading), ""};
+        wrap(plain(heading), "", t.lines);
+        t.lines.emplace_back();
         found.push_back(std::move(t));
         text.out = &found.back();
     }
     if (found.empty()) { throw std::runtime_error(path + " has no heading"); }
-    text.flush();
+    endtopic();
     std::size_t chapter = 0, section = 0;
     for (std::size_t k = 0; k < found.size(); k++) {
         seealso(found[k]);
@@ -228,15 +257,36 @@ void readpage(const std::string& path, book& b) {
             section = k;
         } else if (found[k].level == 3) {
             for (const std::string& each : found[k].names) {
-                std::string upper = each;
-                std::transform(upper.begin(), upper.end(), upper.begin(),
-                               [](unsigned char c) { return std::toupper(c); });
-                found[section].menu.push_back({upper, each});
+                found[section].menu.push_back({uppered(each), each});
             }
             found[k].menu.push_back({found[section].lines[0], found[section].names[0]});
         }
     }
+    for (topic& t : found) {
+        if (t.level == 2) { t.menu.push_back({found[chapter].lines[0], found[chapter].names[0]}); }
+    }
     for (topic& t : found) { b.enter(std::move(t)); }
+}
+
+// The topic that shows every name.
+topic indextopic(const book& b) {
+    constexpr std::size_t COLUMN = 13;
+    topic t;
+    t.level = 2;
+    t.names = {"index"};
+    t.lines = {"Index", "", "HELP with one of these names, or the name alone behind the prompt below.", "",
+               ""};
+    std::vector<std::string> shown;
+    for (const auto& [name, which] : b.byname) {
+        std::string word = b.topics[which].level == 3 ? uppered(name) : name;
+        if (word.size() < 2 * COLUMN) { shown.push_back(word); }
+    }
+    for (const std::string& word : shown) {
+        const std::size_t width = (word.size() / COLUMN + 1) * COLUMN;
+        if (t.lines.back().size() + width > WIDTH + 2) { t.lines.emplace_back(); }
+        t.lines.back() += word + std::string(width - word.size(), ' ');
+    }
+    return t;
 }
 
 // The topic that lists the chapters.
@@ -248,6 +298,7 @@ topic toptopic(const book& b) {
     for (const topic& each : b.topics) {
         if (each.level == 1) { t.menu.push_back({each.lines[0], each.names[0]}); }
     }
+    t.menu.push_back({"Index of all names", "index"});
     return t;
 }
 
@@ -257,7 +308,7 @@ std::string topicbytes(const topic& t) {
         s += (line.empty() || (line[0] != '{' && line[0] != '#') ? "" : " ") + line + EOL;
     }
     s += std::string("{2") + EOL;
-    for (const menuline& entry : t.menu) { s += entry.text + "#" + entry.target + EOL; }
+    for (const menuline& entry : t.menu) { s += entry.text + "#" + indexname(entry.target) + EOL; }
     return s + "}" + EOL;
 }
 
@@ -288,7 +339,7 @@ void checkmenus(const book& b) {
     for (const topic& t : b.topics) {
         if (t.menu.size() > MAXMENU) { wrong += "\n  \"" + t.names[0] + "\" has more than 97 entries"; }
         for (const menuline& entry : t.menu) {
-            if (b.byname.count(entry.target) == 0) {
+            if (b.byname.count(indexname(entry.target)) == 0) {
                 wrong +=
                     "\n  \"" + t.names[0] + "\" points to \"" + entry.target + "\", which no page describes";
             }
@@ -303,6 +354,7 @@ int main(int argc, char** argv) {
     try {
         book b;
         for (int k = 2; k < argc; k++) { readpage(argv[k], b); }
+        b.enter(indextopic(b));
         b.enter(toptopic(b));
         checkmenus(b);
         std::ofstream out(argc > 1 ? argv[1] : "", std::ios::binary);

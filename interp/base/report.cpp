@@ -61,6 +61,8 @@ void tellerror(const std::string& text) {
 }
 
 [[noreturn]] void fail(const std::string& text, const furtherline& more = {}) {
+    report.lasterror = text;
+    report.explained = !more.text.empty();
     if (heldback()) throw recoveryjump{-1};
     if (!report.recoveryset) conout("%%%%error: setjmp not initialized: exiting...\n");
     report.errors++;
@@ -178,6 +180,7 @@ void tarnwarn(const char* format, ...) {
     va_start(args, format);
     const std::string text = "Warning: " + formatted(format, args) + "\n";
     va_end(args);
+    report.explained = true;
     show(text);
     if (report.batch) console.errortext(text.c_str());
 }

@@ -21,6 +21,8 @@ struct reportstate {
     bool held = false;              // ...but something would have been
     bool batch = false;             // errors and warnings also go to standard error
     int errors = 0;                 // errors reported since the start
+    std::string lasterror;          // the words of the last one
+    bool explained = false;         // a warning has followed it
     std::string filedir;            // the default directory of files: FILEDIR behind its leading blanks
     std::string tarnpath;           // the directory of the start-up files, ending in a separator
 };

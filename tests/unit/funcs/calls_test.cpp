@@ -156,7 +156,8 @@ TEST_F(callstest, codesWithoutRoutine) {
         sym(f).val.argd[0] = -100;
         return f;
     };
-    EXPECT_EQ(result(unchecked(-398), {scalar(1)}), "Warning: function not available--zero returned\n0");
+    EXPECT_EQ(result(unchecked(-398), {scalar(1)}),
+              "Warning: function not available--zero returned\nWarning: PROBE is not in this version\n0");
     EXPECT_EQ(result(unchecked(-470), {scalar(1)}), "##Error: not a function\n");
     EXPECT_EQ(result(unchecked(-502), {scalar(1)}),
               "##Error: SUM, PRODUCT, ROOT, INTEGRAL, and EVAL can only appear in function bodies\n");

@@ -430,7 +430,7 @@ TEST_F(SolverStatements, SimplexAndLinearPrograms) {
         run("DELETEALL\nMAXITER = 2000; TOLSOS = 1E-14");
         const std::string said = run(r.statements);
         if (r.output)
-            EXPECT_EQ(said, r.output) << r.what;
+            EXPECT_EQ(fixedwords(said), r.output) << r.what;
         else
             EXPECT_NE(said.find("  R = 1\n"), std::string::npos) << r.what << said;
         EXPECT_EQ(run("TYPE 1+1"), "    = 2\n") << r.what;
