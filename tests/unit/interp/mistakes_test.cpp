@@ -120,7 +120,7 @@ TEST_F(Mistakes, AreToldWithNamesAndChangeNothing) {
             << row.statements << differences(before, after);
         before = std::move(after);
     }
-    EXPECT_EQ(run("TYPE X + 1"), "    = 6\n");
+    EXPECT_EQ(run("TYPE Y + 1"), "    = 3.5\n");
 }
 
 // What WARNSW silences: everything but the fixed words.
@@ -132,6 +132,21 @@ TEST_F(Mistakes, AreToldInFixedWordsAloneWithoutWarnings) {
             fixed.erase(at, fixed.find('\n', at) - at + 1);
         EXPECT_EQ(run(row.statements), fixed) << row.statements;
     }
+}
+
+// What hangs on the machine: no help file, no editor, no memory, the end of the input.
+TEST_F(Mistakes, OfTheMachineAreToldToo) {
+    EXPECT_EQ(run("HELP SIN"),
+              "##Error: cannot open help file\nWarning: TARN.HLP should stand in " TARNSTARTDIR "\n");
+    EXPECT_EQ(run("EDIT FILE \"a\""), "Warning: the editor could not be started on a.do\n");
+    EXPECT_EQ(run("Q = SHAPE(40000,40000,1)"),
+              "##Error: Too many elements requested in 'xalloc()'\n"
+              "Warning: a 40000 by 40000 matrix; 1073741822 elements are the limit\n");
+    type({"Q = 1", "R = \"open", "Q = 2"});
+    EXPECT_TRUE(live.output.ends_with("##Error: the input ended inside a statement\n"
+                                      "Warning: a string is not closed\n* \n") ||
+                live.output.ends_with("Warning: a string is not closed\n* "))
+        << live.output;
 }
 
 // A do-file that fails tells its lines, and those of the files that have called it.
