@@ -28,6 +28,11 @@ TEST_F(HelpFile, TopicsMenusAndNeighbours) {
     EXPECT_EQ(helpfind(book, "aa"), -1);
     EXPECT_EQ(helpfind(book, "alpi"), -2);
     EXPECT_EQ(helpfind(book, "z"), -4);
+    write("1\r\nnumber sign:40\r\n" + std::string(40, ' '));
+    ASSERT_TRUE(helpopen(book, path));
+    EXPECT_EQ(helpfind(book, "#"), 40) << "the index cannot spell it";
+    write(good);
+    ASSERT_TRUE(helpopen(book, path));
     const helptopic near = helpnear(book, "ALPS");
     EXPECT_EQ(near.lines[0], "Choice <ALPS> not found in helpfile. ");
     ASSERT_EQ(near.menu.size(), 2u);
