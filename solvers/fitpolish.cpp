@@ -26,12 +26,17 @@ bool finaljacobian(fitrun& r) {
 // tell: weighted and summed.
 double roundingsquares(const fitrun& r) {
     constexpr double unit = 0x1p-52;
-    double noise = 0;
-    for (int i = 0; i < r.m; i++) {
-        double size = std::fabs(r.fbest[i]);
-        for (int j = 0; j < r.n; j++)
-            size += std::fabs(r.jac[size_t(j) * size_t(r.m) + size_t(i)] * r.pbest[j]);
-        noise += r.w[i] * size * unit * size * unit;
+    const size_t m = size_t(r.m);
+    double noise = 0, size[BLOCK];
+    for (size_t from = 0; from < m; from += BLOCK) {
+        const size_t count = std::min(BLOCK, m - from);
+        for (size_t i = 0; i < count; i++) size[i] = std::fabs(r.fbest[from + i]);
+        for (size_t j = 0; j < size_t(r.n); j++) {
+            const double* column = r.jac + j * m + from;
+            const double p = r.pbest[j];
+            for (size_t i = 0; i < count; i++) size[i] += std::fabs(column[i] * p);
+        }
+        for (size_t i = 0; i < count; i++) noise += r.w[from + i] * (size[i] * unit) * (size[i] * unit);
     }
     return noise;
 }
@@ -74,10 +79,11 @@ bool polish(fitrun& r, const std::vector<double>& step) {
         more |= std::fabs(step[j]) > 1e-9 * std::fabs(p[j]);
         p[j] += step[j];
     }
-    const double sum = fitsosq(r, p, 2, more), noise = roundingsquares(r);
-    const double most =
-        std::max(r.bestsosq * (1 + 1e-9), r.bestsosq + 2 * std::sqrt(r.bestsosq * noise) + noise);
-    if (!(sum <= most)) return false;
+    const double sum = fitsosq(r, p, 2, more);
+    if (!(sum <= r.bestsosq * (1 + 1e-9))) {
+        const double noise = roundingsquares(r);
+        if (!(sum <= r.bestsosq + 2 * std::sqrt(r.bestsosq * noise) + noise)) return false;
+    }
     r.pbest = p;
     std::swap(r.fbest, r.ftrial);
     r.bestsosq = std::min(sum, r.bestsosq);
