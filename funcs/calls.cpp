@@ -29,7 +29,7 @@ bool takesmatrixform(int p, int n, int code) {
     if (!matrixgiven(p, n)) return false;
     if (code > FIRSTCOLUMNCODE || code < LASTCOLUMNCODE) return true;
     const int first = parser.polstack[p + 1];
-    return ismatrix(first) && static_cast<harray*>(sym(first).val.ptr)->cols > 1;
+    return ismatrix(first) && matrixof(first)->cols > 1;
 }
 
 void replacecall(int p, int n, int result) {

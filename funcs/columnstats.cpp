@@ -1,7 +1,7 @@
 /* Statistics of columns, and indices of information and diversity of a set of counts or shares. */
 #include "funcs/builtin.h"
-#include "funcs/linearcalls.h"
 #include "funcs/matrixoperand.h"
+#include "funcs/matrixresult.h"
 #include "funcs/rows.h"
 #include "interp/base/fpfault.h"
 #include "interp/base/report.h"
@@ -84,12 +84,6 @@ double median(const vec& x) {
     return quantile(copy, 0.5);
 }
 
-vec column(const matrixoperand& m, size_t j) {
-    vec x(m.rows());
-    for (size_t i = 0; i < m.rows(); i++) x[i] = m.cell()[i * m.cols() + j + 1];
-    return x;
-}
-
 double probability(const callargs& a, double p) {
     if (!(p >= 0 && p <= 1)) argrange(a.name());
     return p;
@@ -123,15 +117,15 @@ double evaluated(const callargs& a, const vec& x) {
     }
 }
 
-double ofcolumn(const callargs& a) { return evaluated(a, column(matrixoperand(a[1]), 0)); }
+double ofcolumn(const callargs& a) { return evaluated(a, columnof(matrixoperand(a[1]), 0)); }
 
 // Of each column, as a row.
 int ofcolumns(const callargs& a) {
     const matrixoperand m(a[1]);
     if (m.count() == 0) argshape(a.name());
     vec row(m.cols());
-    for (size_t j = 0; j < m.cols(); j++) row[j] = evaluated(a, column(m, j));
-    return symtabmatrix(0, 0, matrixfrom(1, m.cols(), row.data()));
+    for (size_t j = 0; j < m.cols(); j++) row[j] = evaluated(a, columnof(m, j));
+    return matrixresult(1, m.cols(), row);
 }
 
 // MOMENT has no other form in the call path: a matrix of several columns is taken as one column.
@@ -146,11 +140,11 @@ int mquantile(const callargs& a) {
     if (m.count() == 0) argshape(a.name());
     vec x, result(q.count() * m.cols());
     for (size_t j = 0; j < m.cols(); j++) {
-        x = column(m, j);
+        x = columnof(m, j);
         for (size_t k = 0; k < q.count(); k++)
             result[k * m.cols() + j] = quantile(x, probability(a, q.cell()[k + 1]));
     }
-    return symtabmatrix(0, 0, matrixfrom(q.count(), m.cols(), result.data()));
+    return matrixresult(q.count(), m.cols(), result);
 }
 
 int sumsq(const callargs& a) {

@@ -1,7 +1,7 @@
 /* Builtins on complex matrices: two columns (real and imaginary part) for each column of numbers. */
 #include "funcs/builtin.h"
-#include "funcs/linearcalls.h"
 #include "funcs/matrixoperand.h"
+#include "funcs/matrixresult.h"
 #include "funcs/rows.h"
 #include "interp/base/report.h"
 

@@ -60,7 +60,7 @@ readiness refresh(flatunit& unit) {
     for (flatmatrix& m : unit.matrices) {
         if (m.symbol < 0) continue; // an argument's
         if (sym(m.symbol).type != MATRIX) return FLATSTALE;
-        m.m = static_cast<const harray*>(sym(m.symbol).val.ptr);
+        m.m = matrixof(m.symbol);
     }
     return FLATREADY;
 }

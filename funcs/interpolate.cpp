@@ -1,8 +1,8 @@
 /* Builtins that interpolate in tables: rows of an abscissa and an ordinate, and grids with the abscissas of
  * their columns in the first row and those of their rows in the first column. */
 #include "funcs/builtin.h"
-#include "funcs/linearcalls.h"
 #include "funcs/matrixoperand.h"
+#include "funcs/matrixresult.h"
 #include "funcs/rows.h"
 #include "interp/base/fpfault.h"
 #include "interp/base/report.h"
@@ -55,7 +55,7 @@ template <typename F> int overpoints(const callargs& a, const F& f) {
     const matrixoperand points(a[2]);
     vec result(points.count());
     for (size_t k = 0; k < result.size(); k++) result[k] = f(points.cell()[k + 1]);
-    return symtabmatrix(0, 0, matrixfrom(points.rows(), points.cols(), result.data()));
+    return matrixresult(points.rows(), points.cols(), result);
 }
 
 double choice(const callargs& a, int k, double absent, double most) {
@@ -215,13 +215,13 @@ template <typename F> int overpairs(const callargs& a, const F& f) {
         if (x.cols() != 2) argshape(a.name());
         vec result(x.rows());
         for (size_t i = 0; i < x.rows(); i++) result[i] = f(x.cell()[2 * i + 1], x.cell()[2 * i + 2]);
-        return symtabmatrix(0, 0, matrixfrom(x.rows(), 1, result.data()));
+        return matrixresult(x.rows(), 1, result);
     }
     const matrixoperand y(a[3]);
     if (x.rows() != y.rows() || x.cols() != y.cols()) argshape(a.name());
     vec result(x.count());
     for (size_t k = 0; k < x.count(); k++) result[k] = f(x.cell()[k + 1], y.cell()[k + 1]);
-    return symtabmatrix(0, 0, matrixfrom(x.rows(), x.cols(), result.data()));
+    return matrixresult(x.rows(), x.cols(), result);
 }
 
 // INTERP2(G, X, Y): bilinear in each cell of the grid.

@@ -1,9 +1,9 @@
 /* Builtins of linear algebra: inverse, decompositions, linear equations, norms. The factorisations are those
  * of funcs/linalg.h; here they get their operands, their layout and their words. */
-#include "funcs/linearcalls.h"
 #include "funcs/builtin.h"
 #include "funcs/linalg.h"
 #include "funcs/matrixoperand.h"
+#include "funcs/matrixresult.h"
 #include "funcs/operators.h"
 #include "funcs/rows.h"
 #include "funcs/scratch.h"
@@ -21,11 +21,6 @@ namespace {
 using vec = std::vector<double>;
 
 vec copied(const matrixoperand& m) { return vec(m.cell() + 1, m.cell() + 1 + m.count()); }
-
-// A new temporary of that shape; what is not finite is repaired and counted.
-int temporary(size_t rows, size_t cols, const vec& x) {
-    return symtabmatrix(0, 0, matrixfrom(rows, cols, x.data()));
-}
 
 void needsquare(const matrixoperand& m, const char* name) {
     if (m.rows() != m.cols()) argshape(name);
@@ -96,7 +91,7 @@ int svd(const callargs& a) {
     vec block = s.w;
     block.insert(block.end(), s.u.begin(), s.u.end());
     block.insert(block.end(), s.v.begin(), s.v.end());
-    return temporary(1 + m.rows() + m.cols(), s.w.size(), block);
+    return matrixresult(1 + m.rows() + m.cols(), s.w.size(), block);
 }
 
 /* Two rows with the real and imaginary parts of the eigenvalues, n rows with the real parts of the vectors
@@ -123,7 +118,7 @@ int eigen(const callargs& a) {
             block[(2 + n + i) * n + j] = vi[i * n + from];
         }
     }
-    return temporary(2 * n + 2, n, block);
+    return matrixresult(2 * n + 2, n, block);
 }
 
 // Rows k.. of the columns from.. of r (n columns) turned by the reflection in v and beta.
@@ -161,7 +156,7 @@ int qrfac(const callargs& a) {
         for (size_t i = 0; i < m; i++) block[i * n + k] = sign * q[i * p + k] + 0.0; // no -0
         for (size_t j = k; j < n; j++) block[(m + k) * n + j] = sign * std::ldexp(r[k * n + j], exponent);
     }
-    return temporary(m + p, n, block);
+    return matrixresult(m + p, n, block);
 }
 
 double rank(const callargs& a) {
@@ -281,13 +276,6 @@ constexpr numberrow numbers[] = {{-403, det},   {-421, cond}, {-422, rank},
 constexpr valuerow values[] = {{-601, inv}, {-602, svd}, {-607, eigen}, {-608, lineq}, {-757, qrfac}};
 
 } // namespace
-
-harrayptr matrixfrom(size_t rows, size_t cols, const double* x) {
-    harrayptr result(harrayraw(uint32_t(rows), uint32_t(cols)));
-    double* cell = cells(result.get()) + 1;
-    for (size_t k = 0; k < rows * cols; k++) cell[k] = fpcheck(x[k]);
-    return result;
-}
 
 void linearrows() {
     builtinadd(numbers, int(std::size(numbers)));

@@ -75,19 +75,17 @@ int withrows(const matrixoperand& m, const std::vector<uint32_t>& rows) {
     return symtabmatrix(0, 0, std::move(result));
 }
 
-// The number of a column from an argument, or an error with that format.
-size_t columnargument(const callargs& a, int k, double absent, const matrixoperand& m, const char* function) {
-    const double c = std::trunc(a.scalar(k, absent));
+// The number of a column (1) from argument k; an error with those words if m has no such column.
+size_t columnargument(const callargs& a, int k, const matrixoperand& m, const char* words) {
+    const double c = std::trunc(a.scalar(k, 1));
     if (c >= 1 && c <= double(m.cols())) return size_t(c);
-    const short shown = short(std::clamp(c, -32768.0, 32767.0));
-    if (!strcmp(function, "SORT")) tarnerror("SORT: sorting column: %hd out of range", shown);
-    tarnerror("%s: column number %hd out of range", function, shown);
+    tarnerror("%s %hd out of range", words, short(std::clamp(c, -32768.0, 32767.0)));
 }
 
 // SORT(M, k): the rows in ascending order of column k (1).
 int sortmatrix(const callargs& a) {
     const matrixoperand m(a[1]);
-    const size_t k = columnargument(a, 2, 1, m, "SORT"), width = m.cols();
+    const size_t k = columnargument(a, 2, m, "SORT: sorting column:"), width = m.cols();
     scratch<sortkey> keys = sortedrows(m.cell() + k, m.rows(), width);
     harrayptr result(harrayraw(m.m->rows, m.m->cols));
     double* to = cells(result.get()) + 1;
@@ -106,7 +104,7 @@ int sortmatrix(const callargs& a) {
 // COMPRESS(M, k): without the rows that hold 0 in column k (1).
 int compress(const callargs& a) {
     const matrixoperand m(a[1]);
-    const size_t k = columnargument(a, 2, 1, m, "COMPRESS");
+    const size_t k = columnargument(a, 2, m, "COMPRESS: column number");
     std::vector<uint32_t> rows;
     for (size_t i = 0; i < m.rows(); i++)
         if (m.cell()[i * m.cols() + k] != 0) rows.push_back(uint32_t(i));
@@ -116,7 +114,8 @@ int compress(const callargs& a) {
 // RDUP(M, k): of rows that agree in column k (in all columns, without k) the first alone, in their order.
 int rdup(const callargs& a) {
     const matrixoperand m(a[1]);
-    const size_t from = a[2] ? columnargument(a, 2, 1, m, "RDUP") : 1, width = a[2] ? 1 : m.cols();
+    const size_t from = a[2] ? columnargument(a, 2, m, "RDUP: column number") : 1,
+                 width = a[2] ? 1 : m.cols();
     std::vector<uint32_t> order(m.rows()), kept;
     std::iota(order.begin(), order.end(), 0u);
     const auto row = [&](uint32_t i) { return m.cell() + from + i * m.cols(); };

@@ -110,7 +110,7 @@ struct tablelookup {
     explicit tablelookup(const callargs& a) {
         const int k = a[1] > 0 && ismatrix(a[1]) ? 1 : 2;
         if (a[k] <= 0 || !ismatrix(a[k])) argtype(a.name());
-        table = static_cast<const harray*>(sym(a[k]).val.ptr);
+        table = matrixof(a[k]);
         if (table->rows < 1 || table->cols < 2) argshape(a.name());
         x = a.scalar(3 - k);
         ascending = at(table, 1, 1) <= at(table, table->rows, 1);

@@ -30,7 +30,7 @@ matrixoperand::matrixoperand(int entry) {
     if (entry == 0) return;
     if (entry > 0 && ismatrix(entry)) {
         if (!sym(entry).val.ptr) pendingfinish();
-        m = static_cast<harray*>(sym(entry).val.ptr);
+        m = matrixof(entry);
         return;
     }
     if (entry > 0 && !isscalar(entry))

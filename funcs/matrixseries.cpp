@@ -2,8 +2,8 @@
 #include "funcs/builtin.h"
 #include "funcs/dft.h"
 #include "funcs/linalg.h"
-#include "funcs/linearcalls.h"
 #include "funcs/matrixoperand.h"
+#include "funcs/matrixresult.h"
 #include "funcs/rows.h"
 #include "funcs/scratch.h"
 #include "interp/base/fpfault.h"
@@ -21,10 +21,6 @@ using vec = std::vector<double>;
 using cvec = std::vector<std::complex<double>>;
 
 constexpr size_t DIRECTLAGS = 256; // shorter series are correlated by plain sums
-
-int temporary(size_t rows, size_t cols, const vec& x) {
-    return symtabmatrix(0, 0, matrixfrom(rows, cols, x.data()));
-}
 
 void needdftcolumns(const matrixoperand& m) {
     if (m.cols() < 1 || m.cols() > 4) tarnerror("DFT functions require a 1, 2, 3, or 4 column matrix");
@@ -97,12 +93,6 @@ int realforward(const callargs& a) {
     return symtabmatrix(0, 0, std::move(result));
 }
 
-vec column(const matrixoperand& m, size_t j) {
-    vec x(m.rows());
-    for (size_t i = 0; i < m.rows(); i++) x[i] = m.cell()[1 + i * m.cols() + j];
-    return x;
-}
-
 vec centred(vec x) {
     double sum = 0, rest = 0;
     for (const double t : x) sum += t;
@@ -157,7 +147,7 @@ vec scaled(vec x) {
 int crosslags(const callargs& a, bool correlation) {
     const matrixoperand mx(a[1]), my(a[2]);
     if (mx.cols() != 1 || my.cols() != 1 || mx.rows() != my.rows() || mx.rows() == 0) argshape(a.name());
-    vec x = centred(column(mx, 0)), y = centred(column(my, 0));
+    vec x = centred(columnof(mx, 0)), y = centred(columnof(my, 0));
     if (correlation) x = scaled(std::move(x)), y = scaled(std::move(y));
     const vec sums = laggedsums(x, y);
     const size_t n = x.size();
@@ -167,7 +157,7 @@ int crosslags(const callargs& a, bool correlation) {
         result[2 * k] = double(k) - double(n);
         result[2 * k + 1] = fpdiv(sums[k], below);
     }
-    return temporary(sums.size(), 2, result);
+    return matrixresult(sums.size(), 2, result);
 }
 int crosscorr(const callargs& a) { return crosslags(a, true); }
 int crosscov(const callargs& a) { return crosslags(a, false); }
@@ -178,7 +168,7 @@ int corr(const callargs& a) {
     const size_t n = m.rows(), cols = m.cols();
     std::vector<vec> x(cols);
     for (size_t j = 0; j < cols; j++) {
-        x[j] = scaled(centred(column(m, j)));
+        x[j] = scaled(centred(columnof(m, j)));
         const double size = std::sqrt(sumofsquares(x[j]));
         for (double& t : x[j]) t = size > 0 ? t / size : 0;
     }
@@ -189,7 +179,7 @@ int corr(const callargs& a) {
             for (size_t i = 0; i < n; i++) sum += x[j][i] * x[k][i];
             result[j * cols + k] = j == k && sum > 0 ? 1 : std::clamp(sum, -1.0, 1.0);
         }
-    return temporary(cols, cols, result);
+    return matrixresult(cols, cols, result);
 }
 
 /* DECONV(A, B): X with as many rows as A whose convolution with B begins with A. The Toeplitz matrix of B is
@@ -206,7 +196,7 @@ int deconv(const callargs& a) {
         x[i] = sum / b.cell()[1];
         if (!fpfinite(x[i])) tarnerror("DECONV: singular toeplitz matrix");
     }
-    return temporary(n, 1, x);
+    return matrixresult(n, 1, x);
 }
 
 vec equalbuckets(const matrixoperand& m, double count) {
@@ -247,7 +237,7 @@ int histo(const callargs& a) {
         const size_t above = size_t(std::upper_bound(bounds.begin(), bounds.end(), x) - bounds.begin());
         result[2 * (std::min(above, k) - 1) + 1]++;
     }
-    return temporary(k, 2, result);
+    return matrixresult(k, 2, result);
 }
 
 /* BARGRAPH(M, w): the outline of bars for the rows (x, height) of M, as a curve of four points a bar; of one
@@ -275,7 +265,7 @@ int bargraph(const callargs& a) {
             curve.push_back(x[i] + side * width);
             curve.push_back(height);
         }
-    return temporary(4 * n, 2, curve);
+    return matrixresult(4 * n, 2, curve);
 }
 
 /* EGCD(a, b...): the greatest common divisor g of integers (scalars, or the elements of matrices), then for
@@ -306,7 +296,7 @@ int egcd(const callargs& a) {
     }
     for (double& x : result) x += 0.0;
     result[0] = g;
-    return temporary(result.size(), 1, result);
+    return matrixresult(result.size(), 1, result);
 }
 
 constexpr valuerow values[] = {{-603, forward},   {-604, backward}, {-605, realforward}, {-609, deconv},

@@ -56,15 +56,14 @@ void repeatop(int op, int a, int b) {
         tarnerror(furtherline{describe(b)},
                   "in A^^B or A^^'B, A must be a scalar or a matrix and B must be a scalar");
     const uint32_t n = copycount(scalaroperand(b));
-    harrayptr m = ismatrix(a) ? repeatmatrix(op, static_cast<harray*>(sym(a).val.ptr), n)
-                              : repeatscalar(op, scalaroperand(a), n);
+    harrayptr m = ismatrix(a) ? repeatmatrix(op, matrixof(a), n) : repeatscalar(op, scalaroperand(a), n);
     polpush(symtabmatrix(a, b, std::move(m)));
 }
 
 // The matrix of a temporary may become the result; its entry then owns nothing any more.
 bool mayreuse(int idx, uint32_t rows, uint32_t cols) {
     if (!istemporary(idx) || !ismatrix(idx)) return false;
-    const harray* m = static_cast<harray*>(sym(idx).val.ptr);
+    const harray* m = matrixof(idx);
     return m->rows == rows && m->cols == cols;
 }
 
@@ -73,7 +72,7 @@ harrayptr celloperation(int op, int a, int b) {
     const uint32_t rows = std::max(x.m->rows, y.m->rows), cols = std::max(x.m->cols, y.m->cols);
     checkproduct(rows, cols);
     const int given = mayreuse(a, rows, cols) ? a : mayreuse(b, rows, cols) ? b : 0;
-    harrayptr result = elementwise(op, x.m, y.m, given ? static_cast<harray*>(sym(given).val.ptr) : nullptr);
+    harrayptr result = elementwise(op, x.m, y.m, given ? matrixof(given) : nullptr);
     if (given) {
         sym(given).type = SCALAR;
         sym(given).val.rval = 0;
@@ -86,8 +85,8 @@ std::string factor(int idx) {
 }
 
 [[noreturn]] void refuseproduct(int a, int b) {
-    const harray* x = static_cast<harray*>(sym(a).val.ptr);
-    const harray* y = static_cast<harray*>(sym(b).val.ptr);
+    const harray* x = matrixof(a);
+    const harray* y = matrixof(b);
     const bool same = x->rows == y->rows && x->cols == y->cols;
     tarnerror(further("%s times %s: the first must have as many columns as the second has rows%s",
                       factor(a).c_str(), factor(b).c_str(),
@@ -98,10 +97,10 @@ std::string factor(int idx) {
 void matrixop(int op, int a, int b) {
     harrayptr result;
     if (op == TOKPOWER && isscalar(b)) {
-        result = matrixpower(static_cast<harray*>(sym(a).val.ptr), scalaroperand(b));
+        result = matrixpower(matrixof(a), scalaroperand(b));
     } else if (op == TOKTIMES && ismatrix(a) && ismatrix(b)) {
-        const harray* x = static_cast<harray*>(sym(a).val.ptr);
-        const harray* y = static_cast<harray*>(sym(b).val.ptr);
+        const harray* x = matrixof(a);
+        const harray* y = matrixof(b);
         if (x->cols != y->rows) refuseproduct(a, b);
         result = matmul(x, y);
     } else {

@@ -63,7 +63,7 @@ bool operandexpression(int idx, expression& e) {
     e.nleaves = e.nsteps = 1;
     e.steps[0] = 0;
     if (ismatrix(idx)) {
-        const harray* m = static_cast<harray*>(sym(idx).val.ptr);
+        const harray* m = matrixof(idx);
         e.leaves[0] = {m, istemporary(idx) ? idx : 0, 0};
         e.rows = m->rows;
         e.cols = m->cols;

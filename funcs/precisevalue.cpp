@@ -206,7 +206,7 @@ preciseevaluator::number preciseevaluator::userfunction(int f, scope& inner) {
 
 preciseevaluator::number preciseevaluator::element(int matrix, const std::vector<number>& subscripts) {
     if (subscripts.empty() || subscripts.size() > 2) refuse();
-    const harray* m = static_cast<const harray*>(sym(matrix).val.ptr);
+    const harray* m = matrixof(matrix);
     const double row = std::trunc(subscripts[0].v.hi),
                  col = subscripts.size() > 1 ? std::trunc(subscripts[1].v.hi) : 1;
     if (!(row >= 1 && row <= m->rows && col >= 1 && col <= m->cols)) refuse();

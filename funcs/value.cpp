@@ -609,7 +609,7 @@ const char* entryname(int entry) { return entry > 0 ? sym(entry).name : "express
 
 harray* matrixarg(int entry) {
     if (entry <= 0 || !ismatrix(entry)) tarnerror("%s is not a matrix", entryname(entry));
-    return static_cast<harray*>(sym(entry).val.ptr);
+    return matrixof(entry);
 }
 
 void* matrixorstringarg(int entry) {

@@ -12,8 +12,6 @@
 
 namespace {
 
-const harray* matrixof(int idx) { return static_cast<const harray*>(sym(idx).val.ptr); }
-
 // One side of a target: a subscript matrix, or all rows or columns when there is none.
 struct extent {
     const harray* subscripts = nullptr;

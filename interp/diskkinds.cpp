@@ -49,7 +49,7 @@ void installtext(int idx, void* value) { fill(idx, STRINGTYPE, value); }
 
 // ---- matrices ----
 
-void writematrix(savewriter& out, int idx) { putmatrix(out, static_cast<const harray*>(sym(idx).val.ptr)); }
+void writematrix(savewriter& out, int idx) { putmatrix(out, matrixof(idx)); }
 void* readmatrix(savereader& in) { return getmatrix(in); }
 void installmatrix(int idx, void* value) { fill(idx, MATRIX, value); }
 void dropmatrix(void* value) { harrayfree(static_cast<harray*>(value)); }

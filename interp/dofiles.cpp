@@ -267,9 +267,7 @@ bool readon() {
     tarnerror(furtherline{describe(idx)}, "for-loop variable must be a scalar");
 }
 
-double loopvalue(const forloop& f) {
-    return cells(static_cast<const harray*>(sym(f.values).val.ptr))[f.index];
-}
+double loopvalue(const forloop& f) { return cells(matrixof(f.values))[f.index]; }
 
 void setloopvariable(forloop& f) {
     if (sym(f.var).type != SCALAR || f.name != sym(f.var).name) {
@@ -301,7 +299,7 @@ bool nextpass() {
     if (!matrix)
         tarnerror(further("a loop over an expression, such as M + 0, has a matrix of its own"),
                   "the matrix of a FOR loop was deleted by its body");
-    if (f.index >= harraycount(static_cast<const harray*>(sym(f.values).val.ptr))) return false;
+    if (f.index >= harraycount(matrixof(f.values))) return false;
     f.index++;
     setloopvariable(f);
     beginpass(f);
@@ -467,7 +465,7 @@ void forop() {
     loop->var = polpop();
     const int type = sym(loop->var).type;
     if (type != UNKNOWN && type != SCALAR) badvariable(loop->var);
-    loop->limit = harraycount(static_cast<const harray*>(sym(loop->values).val.ptr));
+    loop->limit = harraycount(matrixof(loop->values));
     if (loop->limit == 0) return tempfree(loop->values);
     loop->name = sym(loop->var).name;
     sym(loop->var).type = SCALAR;

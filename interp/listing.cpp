@@ -119,8 +119,7 @@ void showconstant(int idx) {
 void showscalar(int idx) { shownumber("  ", sym(idx), shownames()); }
 
 void showmatrix(int idx) {
-    if (const auto* m = static_cast<const harray*>(sym(idx).val.ptr))
-        matrixprint(sym(idx).name, m, matrixlooknow());
+    if (const auto* m = matrixof(idx)) matrixprint(sym(idx).name, m, matrixlooknow());
 }
 
 void showfunction(int idx) {

@@ -89,9 +89,7 @@ void beginrange(innerloop& l) {
     }
 }
 
-const harray* valuesof(const innerloop& l) {
-    return l.matrix ? static_cast<const harray*>(sym(l.matrix).val.ptr) : l.range.get();
-}
+const harray* valuesof(const innerloop& l) { return l.matrix ? matrixof(l.matrix) : l.range.get(); }
 
 // The next pass of an inner loop; false when there is none.
 inline bool turn(innerloop& l) {
@@ -109,7 +107,7 @@ bool beginloop(innerloop& l) {
 
 // The next pass of the loop itself.
 inline bool turn(forloop& f) {
-    const harray* values = static_cast<const harray*>(sym(f.values).val.ptr);
+    const harray* values = matrixof(f.values);
     if (f.index >= harraycount(values)) return false;
     sym(f.var).val.rval = cells(values)[++f.index];
     return true;

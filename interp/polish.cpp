@@ -24,34 +24,6 @@ struct polishstate {
     int index;    // symbol of the current token
 };
 
-// Statements and clauses that may end where an operand could stand.
-bool mayendbare(int token) {
-    switch (token) {
-    case TOKTYPE:
-    case TOKDRAW:
-    case TOKEXIT:
-    case TOKVIEW:
-    case TOKTITLE:
-    case TOKXAXIS:
-    case TOKYAXIS:
-    case TOKAXIS:
-    case TOKFIT:
-    case TOKFRAME:
-    case TOKIMAGE:
-    case TOKFRAMEBOX:
-    case TOKIMAGEBOX:
-    case TOKRETURN:
-    case TOKPLOT:
-    case TOKHELP:
-    case TOKSTOP:
-    case TOKEDIT:
-    case TOKWAIT:
-    case TOKCLOSEVIEW:
-    case TOKDELETEALL: return true;
-    default: return false;
-    }
-}
-
 int optop() { return parser.opstack[parser.oplevel]; }
 
 [[gnu::cold]] void debugtoken(int token, int index) {

@@ -18,39 +18,18 @@ constexpr int PROCESSCASES = int(std::size(processtable));
 // Statements and units that may be performed with nothing on polstack.
 bool mayrunempty(int token) {
     switch (token) {
-    case TOKTYPE:
-    case TOKDRAW:
     case TOKSAVE:
-    case TOKEXIT:
-    case TOKVIEW:
-    case TOKTITLE:
-    case TOKXAXIS:
-    case TOKYAXIS:
-    case TOKAXIS:
-    case TOKFIT:
     case TOKCONSTRAINTS:
     case TOKWINDOW:
-    case TOKFRAME:
-    case TOKIMAGE:
     case TOKFRACT:
     case TOKINCHES:
     case TOKFFRACT:
     case TOKFINCHES:
     case TOKWORLD:
-    case TOKFRAMEBOX:
-    case TOKIMAGEBOX:
-    case TOKRETURN:
-    case TOKPLOT:
-    case TOKHELP:
-    case TOKSTOP:
-    case TOKEDIT:
-    case TOKWAIT:
     case TOKSAVEOVER:
     case TOKSAVEALL:
-    case TOKSAVEALLOVER:
-    case TOKCLOSEVIEW:
-    case TOKDELETEALL: return true;
-    default: return false;
+    case TOKSAVEALLOVER: return true;
+    default: return mayendbare(token);
     }
 }
 
@@ -62,6 +41,33 @@ bool mayrunempty(int token) {
 }
 
 } // namespace
+
+bool mayendbare(int token) {
+    switch (token) {
+    case TOKTYPE:
+    case TOKDRAW:
+    case TOKEXIT:
+    case TOKVIEW:
+    case TOKTITLE:
+    case TOKXAXIS:
+    case TOKYAXIS:
+    case TOKAXIS:
+    case TOKFIT:
+    case TOKFRAME:
+    case TOKIMAGE:
+    case TOKFRAMEBOX:
+    case TOKIMAGEBOX:
+    case TOKRETURN:
+    case TOKPLOT:
+    case TOKHELP:
+    case TOKSTOP:
+    case TOKEDIT:
+    case TOKWAIT:
+    case TOKCLOSEVIEW:
+    case TOKDELETEALL: return true;
+    default: return false;
+    }
+}
 
 void notavailable(int token) {
     const char* const word = tokenword(token);

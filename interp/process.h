@@ -13,6 +13,7 @@ void needoperands(int count);              // error unless polstack holds so man
 void dropoperands(int count);              // pops them; they are not released
 void freeoperands(int count);              // pops and releases them
 void replaceoperands(int count, int idx);  // pops them, already released, and pushes the result
+bool mayendbare(int token);                // statements that may end where an operand could stand
 [[noreturn]] void notavailable(int token); // "... is not available in this build"
 
 // At start: the rows of each module of this room that has some.

@@ -20,8 +20,6 @@
 
 namespace {
 
-const harray* matrixof(int idx) { return static_cast<const harray*>(sym(idx).val.ptr); }
-
 int newsubmtx(int matrix, int rows, int cols) {
     const int node = trialloc(-matrix, -rows, -cols);
     return symtabtemp(0, 0, nullptr, SUBMTX, node);

@@ -53,15 +53,15 @@ runstate run;
 bool isnumeric(int idx) { return idx > 0 && (isscalar(idx) || ismatrix(idx)); }
 
 // The value of an operand as a temporary matrix; a temporary is moved.
-int matrixof(int idx) {
+int ownmatrix(int idx) {
     if (isscalar(idx)) return scalartemp(idx);
     if (istemporary(idx)) return idx;
-    return symtabmatrix(0, 0, harrayptr(harraydup(static_cast<harray*>(sym(idx).val.ptr))));
+    return symtabmatrix(0, 0, harrayptr(harraydup(matrixof(idx))));
 }
 
 void keepresult(const processop& op) {
     if (op.token != TOKTYPE || clause.fileflag > 0 || !isnumeric(op.ptop)) return run.type.handler(op);
-    const int kept = matrixof(op.ptop);
+    const int kept = ownmatrix(op.ptop);
     tempfree(run.result);
     run.result = kept;
     while (parser.poltop >= 0) {

@@ -23,8 +23,6 @@ struct fitclauses {
 };
 fitclauses fit;
 
-harray* matrixof(int idx) { return static_cast<harray*>(sym(idx).val.ptr); }
-
 // ---- clauses
 
 void weightclause(const processop& op) {

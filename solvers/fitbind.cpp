@@ -15,8 +15,6 @@
 
 namespace {
 
-harray* matrixof(int idx) { return static_cast<harray*>(sym(idx).val.ptr); }
-
 // ---- parameters
 
 void expandparameters(fitbinding& b) {

@@ -38,7 +38,7 @@ struct dualstate {
     std::vector<double> g, diag;   // the dual matrix (see symsweep.h) and its diagonal
     std::vector<double> u, prev, multipliers;
     std::vector<char> active;
-    symsweepwork<double> work;
+    symsweepwork work;
 };
 
 // c_i' v

@@ -27,7 +27,7 @@ struct fitrun {
     std::vector<double> normal, ptpdia, damped; // J'WJ (see symsweep.h), its diagonal, the diagonal in use
     std::vector<double> dgrad;                  // J'W resid
     std::vector<char> pivots;
-    symsweepwork<double> work;
+    symsweepwork work;
     double eps = EPSMIN, bestsosq = 0, oldsosq = 0;
     int iteration = 1, converged = 0;
     long evaluations = 0;

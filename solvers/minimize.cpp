@@ -21,8 +21,6 @@
 
 namespace {
 
-harray* matrixof(int idx) { return static_cast<harray*>(sym(idx).val.ptr); }
-
 struct minvariable {
     int symbol = 0, element = 0; // element 0: the scalar itself, else the cell of the matrix
 };

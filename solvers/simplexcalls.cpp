@@ -16,8 +16,6 @@
 
 namespace {
 
-harray* matrixof(int idx) { return static_cast<harray*>(sym(idx).val.ptr); }
-
 struct simplexfunction {
     int f, n;
     flatptr program; // null for a builtin

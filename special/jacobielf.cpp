@@ -87,40 +87,28 @@ double jacobidn(double u, double m) { return cappedorpole("JACOBIDN", jacobiall(
 
 namespace {
 
-double ratio(const char* name, double p, double q) {
+// The ratio that the last two letters of a name stand for, n being 1: sc = sn/cn (Abramowitz and
+// Stegun 16.3).
+double ratio(const char (&name)[9], double u, double m) {
+    const jacobivalues v = jacobiall(u, m);
+    const auto part = [&v](char letter) {
+        return letter == 'S' ? v.sn : letter == 'C' ? v.cn : letter == 'D' ? v.dn : 1.0;
+    };
+    const double p = part(name[6]), q = part(name[7]);
     return q == 0 ? outofrange(name, MAXPOS) : cappedorpole(name, p / q);
 }
 
 } // namespace
 
-double jacobins(double u, double m) { return ratio("JACOBINS", 1, jacobiall(u, m).sn); }
-double jacobinc(double u, double m) { return ratio("JACOBINC", 1, jacobiall(u, m).cn); }
-double jacobind(double u, double m) { return ratio("JACOBIND", 1, jacobiall(u, m).dn); }
-
-double jacobisc(double u, double m) {
-    const jacobivalues v = jacobiall(u, m);
-    return ratio("JACOBISC", v.sn, v.cn);
-}
-double jacobisd(double u, double m) {
-    const jacobivalues v = jacobiall(u, m);
-    return ratio("JACOBISD", v.sn, v.dn);
-}
-double jacobics(double u, double m) {
-    const jacobivalues v = jacobiall(u, m);
-    return ratio("JACOBICS", v.cn, v.sn);
-}
-double jacobicd(double u, double m) {
-    const jacobivalues v = jacobiall(u, m);
-    return ratio("JACOBICD", v.cn, v.dn);
-}
-double jacobids(double u, double m) {
-    const jacobivalues v = jacobiall(u, m);
-    return ratio("JACOBIDS", v.dn, v.sn);
-}
-double jacobidc(double u, double m) {
-    const jacobivalues v = jacobiall(u, m);
-    return ratio("JACOBIDC", v.dn, v.cn);
-}
+double jacobins(double u, double m) { return ratio("JACOBINS", u, m); }
+double jacobinc(double u, double m) { return ratio("JACOBINC", u, m); }
+double jacobind(double u, double m) { return ratio("JACOBIND", u, m); }
+double jacobisc(double u, double m) { return ratio("JACOBISC", u, m); }
+double jacobisd(double u, double m) { return ratio("JACOBISD", u, m); }
+double jacobics(double u, double m) { return ratio("JACOBICS", u, m); }
+double jacobicd(double u, double m) { return ratio("JACOBICD", u, m); }
+double jacobids(double u, double m) { return ratio("JACOBIDS", u, m); }
+double jacobidc(double u, double m) { return ratio("JACOBIDC", u, m); }
 
 double jacobiam(double u, double m) {
     if (!std::isfinite(u * std::sqrt(1 + std::fabs(m)))) return outofrange("JACOBIAM", 0);

@@ -4,6 +4,8 @@
  * Never:   evaluates, prints a result, or shares storage. */
 #pragma once
 
+#include "interp/base/symtab.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -37,6 +39,8 @@ struct harraydelete {
 };
 using harrayptr = std::unique_ptr<harray, harraydelete>; // the owner of a matrix that is being made
 
+// The matrix that an entry of type MATRIX holds; null while its value is pending (funcs/pending.h).
+inline harray* matrixof(int idx) { return static_cast<harray*>(sym(idx).val.ptr); }
 int symtabmatrix(int free1, int free2, harrayptr m); // wraps m as a temporary MATRIX entry
 
 void* xalloc(long num, int size); // zeroed; negative num: null instead of an error

@@ -192,9 +192,9 @@ TEST_F(FlatTest, CodeFollowsItsWorld) {
     EXPECT_EQ(call("F", {3}), 41) << "a global's value";
     define("G(X) = X+2");
     EXPECT_EQ(twice("F", 3), 51) << "a callee's definition";
-    cells(static_cast<harray*>(sym(m).val.ptr))[1] = 100;
+    cells(matrixof(m))[1] = 100;
     EXPECT_EQ(call("F", {3}), 150) << "a matrix's cell";
-    harrayfree(static_cast<harray*>(sym(m).val.ptr));
+    harrayfree(matrixof(m));
     matrix("M", 1, 1, {7});
     EXPECT_EQ(call("F", {3}), 57) << "another matrix";
     symtabdelete(symtablookup("A"));

@@ -66,7 +66,6 @@ inline harrayptr filled(uint32_t rows, uint32_t cols, const std::vector<double>&
 inline int matrix(uint32_t rows, uint32_t cols, const std::vector<double>& x) {
     return symtabmatrix(0, 0, filled(rows, cols, x));
 }
-inline harray* matrixof(int idx) { return static_cast<harray*>(sym(idx).val.ptr); }
 
 // A value as text, to be compared whole: "2x2: 1 2 3 4", a string, or a number.
 inline std::string shown(int idx) {

@@ -222,14 +222,14 @@ TEST_F(ValueTest, AssignmentsInBodies) {
     EXPECT_EQ(sym(symtablookup("A")).val.rval, 3);
     define("G(X) = M(2,3) _ X");
     EXPECT_EQ(call("G", {7}), 7);
-    const harray* m = static_cast<const harray*>(sym(symtablookup("M")).val.ptr);
+    const harray* m = matrixof(symtablookup("M"));
     ASSERT_EQ(m->rows, 2u);
     ASSERT_EQ(m->cols, 3u);
     EXPECT_EQ(at(m, 2, 3), 7);
     EXPECT_EQ(at(m, 1, 1), 0);
     define("H(X) = M(X) _ 5");
     call("H", {4});
-    m = static_cast<const harray*>(sym(symtablookup("M")).val.ptr);
+    m = matrixof(symtablookup("M"));
     EXPECT_EQ(m->rows, 4u);
     EXPECT_EQ(at(m, 4, 1), 5);
     EXPECT_EQ(at(m, 2, 3), 7) << "grown cells keep their subscripts";

@@ -73,7 +73,7 @@ TEST_F(listing, strings) {
 
 TEST_F(listing, matrixFollowsTheSystemVariables) {
     const int m = matrix("M", 1, 3);
-    for (int k = 1; k <= 3; k++) cells(static_cast<harray*>(sym(m).val.ptr))[k] = k;
+    for (int k = 1; k <= 3; k++) cells(matrixof(m))[k] = k;
     EXPECT_EQ(type(m), "\n   M: a  1 by 3 matrix\n\n  1:          1            2            3\n\n");
     scalar("CUTOFF", 0.5);
     scalar("LINELEN", 1); // 25 is the least

@@ -84,7 +84,7 @@ std::string values() {
         all += name + std::string(" ");
         if (type == SCALAR) all += bits(sym(idx).val.rval);
         if (type != MATRIX) continue;
-        const harray* m = static_cast<const harray*>(sym(idx).val.ptr);
+        const harray* m = matrixof(idx);
         for (size_t k = 1; k <= harraycount(m); k++) all += bits(cells(m)[k]);
     }
     return all;

@@ -102,10 +102,10 @@ TEST_F(Statements, Ranges) {
     });
     harnessrun("X = 0:1:0.1; N = 0:100000:0.1");
     EXPECT_EQ(scalarval(symtablookup("X")), 0.0);
-    const harray* x = static_cast<const harray*>(sym(symtablookup("X")).val.ptr);
+    const harray* x = matrixof(symtablookup("X"));
     EXPECT_EQ(x->rows, 11u);
     EXPECT_EQ(at(x, 11, 1), 1.0) << "the end is exact";
-    EXPECT_EQ(static_cast<const harray*>(sym(symtablookup("N")).val.ptr)->rows, 1000001u);
+    EXPECT_EQ(matrixof(symtablookup("N"))->rows, 1000001u);
 }
 
 TEST_F(Statements, ListsJoinsAndTransposes) {

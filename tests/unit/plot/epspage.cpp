@@ -138,7 +138,7 @@ int plainwindow(const char* name) {
     return idx;
 }
 
-harrayptr matrixof(uint32_t rows, uint32_t cols, std::initializer_list<double> values) {
+harrayptr matrixwith(uint32_t rows, uint32_t cols, std::initializer_list<double> values) {
     harrayptr m(harraynew(rows, cols));
     std::copy(values.begin(), values.end(), cells(m.get()) + 1);
     return m;
@@ -148,7 +148,7 @@ int newcurve(int win, const char* name, int kind, std::initializer_list<double> 
     const int idx = symtabenter(name);
     curve c;
     c.kind = int16_t(kind);
-    c.data = matrixof(uint32_t(xy.size() / 2), 2, xy);
+    c.data = matrixwith(uint32_t(xy.size() / 2), 2, xy);
     if (kind != TOKDRAW) c.wclipsw = 0;
     curveenter(idx, std::move(c));
     joinring(idx, win);

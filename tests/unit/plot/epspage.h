@@ -42,7 +42,7 @@ std::string plotfilepath(); // where plotpage writes; the file is gone afterward
 int plainwindow(const char* name);
 int newcurve(int win, const char* name, int kind, std::initializer_list<double> xy);
 int newtitle(int win, const char* name, const char* text);
-harrayptr matrixof(uint32_t rows, uint32_t cols, std::initializer_list<double> values);
+harrayptr matrixwith(uint32_t rows, uint32_t cols, std::initializer_list<double> values);
 
 epsbox inkbox(const epspage& page); // of all marks
 epsbox inkbox(const epsmark& mark);

@@ -233,12 +233,12 @@ TEST_F(scenepages, ACircleIsRound) {
 TEST_F(scenepages, ErrorBarsReachAsFarAsTheWorldSays) {
     curve& c = curveof(newcurve(win, "C1", TOKDRAW, {5, 5}));
     c.ptsize = SIZEBYPOINT;
-    c.ptsizes = matrixof(1, 3, {1, 2, 0.02});
+    c.ptsizes = matrixwith(1, 3, {1, 2, 0.02});
     c.pointtype = 18; // 1 up, 2 down: the image is 0.45 high for 10
     expectbox(inkbox(plotpage("PSL")), 0.49, 0.51, 0.375 - 0.09, 0.375 + 0.045);
     c.pointtype = 17; // 1 right, 2 left
     expectbox(inkbox(plotpage("PSL")), 0.5 - 0.12, 0.5 + 0.06, 0.365, 0.385);
-    c.ptsizes = matrixof(1, 1, {1});
+    c.ptsizes = matrixwith(1, 1, {1});
     expectbox(inkbox(plotpage("PSL")), 0.44, 0.56, 0.375, 0.375);
 }
 
@@ -254,7 +254,7 @@ TEST_F(scenepages, ADecadeHasItsTicksAtTheLogarithms) {
     for (int decade = 0; decade < 2; decade++)
         for (int k = 1; k <= 9; k++)
             EXPECT_NEAR(ticks[size_t(9 * decade + k - 1)], 0.2 + 0.3 * (decade + std::log10(k)), NEAR);
-    c.data = matrixof(1, 2, {5, 5});
+    c.data = matrixwith(1, 2, {5, 5});
     EXPECT_TRUE(plotpage("PSL").marks.empty());
 }
 
@@ -275,7 +275,7 @@ TEST_F(scenepages, SizesGoByRowAndBeginAgain) {
     c.linetype = 0;
     c.pointtype = 4;
     c.ptsize = SIZEBYPOINT;
-    c.ptsizes = matrixof(2, 1, {0.02, 0.04});
+    c.ptsizes = matrixwith(2, 1, {0.02, 0.04});
     const epspage page = plotpage("PSL");
     std::vector<double> widths;
     for (const epsmark& mark : page.marks)
@@ -440,7 +440,7 @@ TEST_F(scenepages, OddEscapesDoNoHarm) {
 TEST_F(scenepages, LabelsTellThePresentWindow) {
     curve& c = curveof(newcurve(win, "A1", TOKXAXIS, {0, 0, 10, 0}));
     c.linetype = 0;
-    c.labels = matrixof(2, 1, {0, 10});
+    c.labels = matrixwith(2, 1, {0, 10});
     c.hplace = 0;
     c.vplace = 1;
     const epsbox digits = inkbox(plotpage("PSL"));
@@ -448,7 +448,7 @@ TEST_F(scenepages, LabelsTellThePresentWindow) {
     EXPECT_NEAR(digits.midx(), 0.5, 0.01);
     w().wxmin = 100, w().wxmax = 110; // "100" is wider than "0"
     EXPECT_LT(inkbox(plotpage("PSL")).x0, digits.x0);
-    c.labels = matrixof(3, 2, {7, 2, 8, 9, 9, 0}); // rows 9 and 0 of the data are not there
+    c.labels = matrixwith(3, 2, {7, 2, 8, 9, 9, 0}); // rows 9 and 0 of the data are not there
     EXPECT_GT(inkbox(plotpage("PSL")).x0, 0.7);
 }
 

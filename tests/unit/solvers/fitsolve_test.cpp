@@ -346,7 +346,7 @@ TEST_F(fittest, sweptInverseIsTheInverse) {
         for (int j = i + 1; j < n; j++) a[i * n + j] = full[i * n + j];
     }
     std::vector<char> active(n, 1);
-    symsweepwork<double> work;
+    symsweepwork work;
     symsweepall(n, a.data(), diagonal.data(), 1e-9, active, work);
     symsweepremove(n, a.data(), 2, active);
     symsweepadd(n, a.data(), diagonal.data(), 1e-9, 2, active, work);
