@@ -1,31 +1,16 @@
+#include "funcs/eigenimpl.h"
 #include "funcs/linalg.h"
 #include "funcs/vectorloops.h"
 
 #include <algorithm>
-#include <array>
 #include <cfloat>
-#include <climits>
 #include <cmath>
-#include <complex>
-#include <numeric>
 #include <utility>
 
 namespace {
 
 constexpr int MAXSWEEPS = 30;
 constexpr double ZEROELEMENT = 1.044776e-31; // an element no larger counts as zero in the reduction
-
-using cplx = std::complex<double>;
-
-/* h is reduced in place to Hessenberg and then to quasi-triangular form; row j of zt is column j of the
- * transformation, so that both sides of a similarity run along rows. */
-struct eigenwork {
-    size_t n;
-    std::vector<double>& h;
-    std::vector<double> zt, scale;
-    double* row(size_t i) { return &h[i * n]; }
-    double& at(size_t i, size_t j) { return h[i * n + j]; }
-};
 
 // Rows and columns scaled by powers of two until their norms agree; no rounding.
 void balance(eigenwork& w) {
@@ -234,198 +219,53 @@ void nearshift(double& x, double& y, double& prod) {
     prod = 0;
 }
 
+// Where the block that ends at row en begins: the element before its first row counts as zero, and becomes
+// so.
+size_t blockstart(eigenwork& w, size_t en, double norm) {
+    for (size_t l = en; l > 0; l--) {
+        double s = std::fabs(w.at(l - 1, l - 1)) + std::fabs(w.at(l, l));
+        if (s == 0) s = norm;
+        if (std::fabs(w.at(l, l - 1)) > DBL_EPSILON * s) continue;
+        w.at(l, l - 1) = 0;
+        return l;
+    }
+    return 0;
+}
+
+// A step of other shifts than those of the corner, for a block that does not settle.
+void exceptionalshift(eigenwork& w, size_t en, double& shift, double& x, double& y, double& prod) {
+    shift += x;
+    for (size_t i = 0; i <= en; i++) w.at(i, i) -= x;
+    const double s = std::fabs(w.at(en, en - 1)) + std::fabs(w.at(en - 1, en - 2));
+    x = y = 0.75 * s;
+    prod = -0.4375 * s * s;
+}
+
 bool quasitriangular(eigenwork& w, double norm, std::vector<double>& wr, std::vector<double>& wi) {
     double shift = 0;
     std::vector<reflection> done;
     size_t left =
         MAXSWEEPS * std::max<size_t>(10, w.n); // shared: one that settles late may use what others left
-    for (long last = long(w.n) - 1; last >= 0;) {
-        const size_t en = size_t(last);
-        for (int sweeps = 0;; sweeps++) {
-            size_t l = en;
-            for (; l > 0; l--) {
-                double s = std::fabs(w.at(l - 1, l - 1)) + std::fabs(w.at(l, l));
-                if (s == 0) s = norm;
-                if (std::fabs(w.at(l, l - 1)) <= DBL_EPSILON * s) {
-                    w.at(l, l - 1) = 0;
-                    break;
-                }
-            }
+    for (long last = long(w.n) - 1, sweeps = 0; last >= 0; sweeps++) {
+        const size_t en = size_t(last), l = blockstart(w, en, norm);
+        if (l + 1 >= en) {
             if (l == en) {
                 wr[en] = w.at(en, en) += shift;
                 wi[en] = 0;
-                last--;
-                break;
-            }
-            if (l + 1 == en) {
+            } else {
                 settlepair(w, en, shift, wr, wi);
-                last -= 2;
-                break;
             }
-            if (left-- == 0) return false;
-            double x = w.at(en, en), y = w.at(en - 1, en - 1), prod = w.at(en, en - 1) * w.at(en - 1, en);
-            nearshift(x, y, prod);
-            if (sweeps % 10 == 9) { // exceptional shift
-                shift += x;
-                for (size_t i = 0; i <= en; i++) w.at(i, i) -= x;
-                const double s = std::fabs(w.at(en, en - 1)) + std::fabs(w.at(en - 1, en - 2));
-                x = y = 0.75 * s;
-                prod = -0.4375 * s * s;
-            }
-            doublestep(w, l, en, x, y, prod, done);
+            last = long(l) - 1;
+            sweeps = -1;
+            continue;
         }
+        if (left-- == 0) return false;
+        double x = w.at(en, en), y = w.at(en - 1, en - 1), prod = w.at(en, en - 1) * w.at(en - 1, en);
+        nearshift(x, y, prod);
+        if (sweeps % 10 == 9) exceptionalshift(w, en, shift, x, y, prod);
+        doublestep(w, l, en, x, y, prod, done);
     }
     return true;
-}
-
-/* The vector of one eigenvalue of the quasi-triangular form, by substitution from row `top` down to the
- * first; re and im hold it (im stays 0 for a real one). */
-struct backsubstitution {
-    eigenwork& w;
-    const std::vector<double>& wi;
-    double least; // a divisor no smaller than this
-    std::vector<double> re, im;
-
-    cplx residual(size_t i, size_t from, size_t to, bool complex) {
-        const double* t = w.row(i) + from;
-        const size_t k = to - from + 1;
-        return {dotproduct(k, t, &re[from]), complex ? dotproduct(k, t, &im[from]) : 0};
-    }
-    cplx divided(cplx a, cplx b) const { return a / (std::abs(b) < least ? cplx(least, 0) : b); }
-    // Two equations, m row by row, by elimination from the largest coefficient: only the last pivot may be
-    // lifted, or the two unknowns would not fit each other.
-    std::pair<cplx, cplx> pairsolved(std::array<cplx, 4> m, cplx f, cplx g) const {
-        const size_t big = size_t(
-            std::max_element(m.begin(), m.end(), [](cplx a, cplx b) { return std::abs(a) < std::abs(b); }) -
-            m.begin());
-        if (big >= 2) { // from the second row
-            std::swap(m[0], m[2]);
-            std::swap(m[1], m[3]);
-            std::swap(f, g);
-        }
-        if (big % 2) { // for the second unknown
-            std::swap(m[0], m[1]);
-            std::swap(m[2], m[3]);
-        }
-        const cplx pivot = std::abs(m[0]) < least ? cplx(least) : m[0], l = m[2] / pivot;
-        const cplx second = divided(g - l * f, m[3] - l * m[1]), first = (f - m[1] * second) / pivot;
-        return big % 2 ? std::pair(second, first) : std::pair(first, second);
-    }
-    void put(size_t i, cplx x) {
-        re[i] = x.real();
-        im[i] = x.imag();
-    }
-    void rescale(size_t from, size_t to) {
-        double most = 0;
-        for (size_t i = from; i <= from + 1 && i <= to; i++)
-            most = std::max({most, std::fabs(re[i]), std::fabs(im[i])});
-        if (most < 0x1p300) return;
-        for (size_t i = from; i <= to; i++) {
-            re[i] /= most;
-            im[i] /= most;
-        }
-    }
-    void solve(size_t next, size_t top, cplx lambda) { // rows next - 1 down to 0
-        const bool complex = lambda.imag() != 0;
-        for (size_t i = next; i-- > 0;) {
-            const cplx r = residual(i, next, top, complex);
-            if (wi[i] == 0) {
-                put(i, divided(-residual(i, i + 1, top, complex), w.at(i, i) - lambda));
-                rescale(i, top);
-                next = i;
-                continue;
-            }
-            const size_t k = i - 1; // the pair of rows k and i
-            const cplx f = -residual(k, i + 1, top, complex);
-            const auto [xk, xi] =
-                pairsolved({w.at(k, k) - lambda, w.at(k, i), w.at(i, k), w.at(i, i) - lambda}, f, -r);
-            put(k, xk);
-            put(i, xi);
-            rescale(k, top);
-            next = k;
-            i = k;
-        }
-    }
-};
-
-// Each component times its power of two, and all times one that brings the largest near 1: none is lost on
-// the way.
-void rescaled(const std::vector<double>& scale, std::vector<double>& re, std::vector<double>& im) {
-    const auto exponent = [&](size_t i) { return std::ilogb(std::max(std::fabs(re[i]), std::fabs(im[i]))); };
-    int most = INT_MIN;
-    for (size_t i = 0; i < re.size(); i++)
-        if (re[i] != 0 || im[i] != 0) most = std::max(most, exponent(i) + std::ilogb(scale[i]));
-    if (most == INT_MIN) return;
-    for (size_t i = 0; i < re.size(); i++) {
-        re[i] = std::ldexp(re[i], std::ilogb(scale[i]) - most);
-        im[i] = std::ldexp(im[i], std::ilogb(scale[i]) - most);
-    }
-}
-
-// Unit length; of a complex vector the largest component real.
-void normalise(std::vector<double>& re, std::vector<double>& im, bool complex) {
-    double most = 0;
-    cplx largest = 1;
-    for (size_t i = 0; i < re.size(); i++) {
-        const double size = complex ? std::hypot(re[i], im[i]) : std::fabs(re[i]);
-        if (size > most) {
-            most = size;
-            largest = {re[i], im[i]};
-        }
-    }
-    if (most == 0) return;
-    double sum = 0;
-    for (size_t i = 0; i < re.size(); i++)
-        sum += (re[i] / most) * (re[i] / most) + (complex ? (im[i] / most) * (im[i] / most) : 0);
-    const double length = most * std::sqrt(sum);
-    const cplx turn = complex ? std::conj(largest / most) : cplx(1, 0);
-    for (size_t i = 0; i < re.size(); i++) {
-        const cplx z = cplx(re[i] / length, im[i] / length) * turn;
-        re[i] = z.real();
-        im[i] = complex ? z.imag() : 0;
-    }
-}
-
-void eigenvectors(eigenwork& w, double norm, const std::vector<double>& wr, const std::vector<double>& wi,
-                  std::vector<double>& vr, std::vector<double>& vi) {
-    const size_t n = w.n;
-    backsubstitution b{w, wi, std::max(DBL_EPSILON * norm, DBL_MIN), {}, {}};
-    vr.assign(n * n, 0);
-    vi.assign(n * n, 0);
-    std::vector<double> re(n), im(n);
-    for (size_t en = 0; en < n; en++) {
-        const bool complex = wi[en] != 0;
-        const size_t top = complex ? en + 1 : en; // of a pair the first has the positive imaginary part
-        const cplx lambda(wr[en], wi[en]);
-        b.re.assign(n, 0);
-        b.im.assign(n, 0);
-        if (complex) {
-            const double a = w.at(en, en), up = w.at(en, top), down = w.at(top, en), d = w.at(top, top);
-            const bool upper = std::fabs(up) >= std::fabs(down);
-            b.put(en, upper ? cplx(up) : lambda - d);
-            b.put(top, upper ? lambda - a : cplx(down));
-        } else {
-            b.re[en] = 1;
-        }
-        b.solve(en, top, lambda);
-        std::fill(re.begin(), re.end(), 0.0);
-        std::fill(im.begin(), im.end(), 0.0);
-        for (size_t k = 0; k <= top; k++) {
-            axpy(n, b.re[k], &w.zt[k * n], re.data());
-            if (complex) axpy(n, b.im[k], &w.zt[k * n], im.data());
-        }
-        rescaled(w.scale, re, im);
-        normalise(re, im, complex);
-        for (size_t i = 0; i < n; i++) {
-            vr[i * n + en] = re[i];
-            vi[i * n + en] = im[i];
-            if (complex) {
-                vr[i * n + top] = re[i];
-                vi[i * n + top] = -im[i];
-            }
-        }
-        en = top;
-    }
 }
 
 struct eigensolution {

@@ -1,4 +1,5 @@
 #include "funcs/value.h"
+#include "funcs/valueimpl.h"
 
 #include "funcs/builtin.h"
 #include "funcs/calls.h"
@@ -7,7 +8,6 @@
 #include "funcs/flatimpl.h"
 #include "funcs/operators.h"
 #include "funcs/refusal.h"
-#include "funcs/rootint.h"
 #include "funcs/trinode.h"
 #include "interp/base/fpfault.h"
 #include "interp/base/hooks.h"
@@ -26,36 +26,10 @@ evalstate eval;
 
 namespace {
 
-// Codes of builtins that the evaluator serves itself.
-constexpr int CODEABS = -23, CODEKREAD = -78, FIRSTNUMBERCODE = -400, CODEINTEGRAL = -500, CODEEVAL = -501,
-              CODESUM = -502, CODEROOT = -503, CODEPRODUCT = -504, CODETYPEOF = -505, FIRSTVALUECODE = -600;
-
 constexpr size_t STACKRESERVE =
     192 * 1024;                // left for printing the error and for routines that call no deeper
 constexpr int LOGDEPTH = 1000; // nesting at which the log is put on disk
-constexpr const char* MATRIXMISUSE = "illegal use of matrix in user function";
-
 double evalnode(int ref, int p);
-
-// The cells of a frame; a recursion that fills them ends as one that fills the machine stack.
-int pushcell(double x) {
-    if (parser.scalartop > SCALARSTACKSIZE) stackexhausted();
-    parser.scalar[parser.scalartop] = x;
-    return -parser.scalartop++;
-}
-void pushentry(int entry) {
-    if (parser.poltop + 1 >= POLSTACKSIZE) stackexhausted();
-    parser.polstack[++parser.poltop] = int16_t(entry);
-}
-
-// The stacks' tops as they were, restored on leaving.
-struct stackmark {
-    int poltop = parser.poltop, scalartop = parser.scalartop;
-    ~stackmark() {
-        parser.poltop = poltop;
-        parser.scalartop = scalartop;
-    }
-};
 
 // Counts nesting; deep recursion may end in a fault of the machine, and the log is to be on disk by then.
 struct depthcount {
@@ -66,12 +40,6 @@ struct depthcount {
     }
     ~depthcount() { eval.evaldepth--; }
 };
-
-double evalscalar(int ref, int p) {
-    const double x = evalref(ref, p);
-    if (eval.matrixflag) tarnerror(MATRIXMISUSE);
-    return x;
-}
 
 // The entry behind a reference: a formal's is in the frame, everything else stands for itself.
 int resolved(int ref, int p) { return isformalref(ref) ? parser.polstack[p + ref - FORMALBASE] : ref; }
@@ -119,22 +87,6 @@ bool isrunningstate(int idx) {
 }
 
 // ---- builtins
-
-// Mandatory and possible arguments of a signature; false when arguments are not checked.
-bool argumentrange(int callee, int& least, int& most) {
-    const signed char* slots = sym(callee).val.argd;
-    if (slots[0] < 0) return false;
-    most = slots[0];
-    least = int(std::count_if(slots + 1, slots + 1 + most, [](signed char s) { return s > 0; }));
-    return true;
-}
-
-void checkcount(int callee, int n) {
-    int least, most;
-    if (argumentrange(callee, least, most) && (n < least || n > most))
-        tarnerror("function %s takes %hd arguments; %hd are mandatory", sym(callee).name, short(most),
-                  short(least));
-}
 
 double complexmodulus(int entry) {
     const harray* m = matrixarg(entry);
@@ -204,42 +156,6 @@ double userfunction(int p, int f, int n) {
         if (outcome == FLATREPEAT) return repeatedwalk(p, f, n);
     }
     return walkfunction(p, f, n);
-}
-
-/* Which of a function's formals (the first 32) are called in its body, or passed on to be called. Kept until
- * another definition is made; `open` are the functions whose answer is being sought. */
-struct calledformals {
-    uint32_t mask[SYMTABSIZE];
-    uint32_t made[SYMTABSIZE]; // value of trinodes.made for which the mask stands
-};
-calledformals called;
-
-uint32_t findcalled(int f, std::vector<int>& open) {
-    if (std::find(open.begin(), open.end(), f) != open.end() || funcheader(f) >= 0) return 0;
-    if (called.made[f] == trinodes.made) return called.mask[f];
-    open.push_back(f);
-    uint32_t mask = 0;
-    const auto add = [&](int ref) {
-        if (isformalref(ref) && ref <= FORMALBASE + 32) mask |= 1u << (ref - FORMALBASE - 1);
-    };
-    treewalk(funcbody(f), [&](int at) {
-        const trinode n = tri(at);
-        if (n.op != TREECALL) return true;
-        add(n.right);
-        const bool user =
-            issymbolref(n.right) && (sym(n.right).type == USERFUNCTION || sym(n.right).type == INITIALVALUE);
-        const uint32_t passed = user ? findcalled(n.right, open) : 0;
-        int k = 0;
-        for (int cell = n.left; cell < 0 && k < 32; cell = tri(cell).left, k++)
-            if (passed >> k & 1) add(tri(cell).right);
-        return true;
-    });
-    open.pop_back();
-    if (open.empty()) { // else the answer may lack what an open function would add
-        called.mask[f] = mask;
-        called.made[f] = trinodes.made;
-    }
-    return mask;
 }
 
 /* A function's name as an argument yields its last value, unless the callee needs the function itself: then
@@ -333,8 +249,6 @@ double runningstatecall(int callee, int call, int p) {
     return result;
 }
 
-double operatorcall(int code, int call, int p);
-
 double callnode(int call, int p) {
     const int calleeref = tri(call).right;
     const int callee = resolved(calleeref, p);
@@ -406,99 +320,6 @@ double assignnode(int target, int right, int p) {
     return x;
 }
 
-// ---- SUM, PRODUCT, ROOT, INTEGRAL, EVAL
-
-/* The dummy is a global symbol that is a scalar while the operator runs. An error leaves a scalar or a new
- * name as it stands at that moment; anything else that the name stood for comes back. */
-struct dummyscope {
-    symbol& s;
-    const int16_t type;
-    const double rval; // the bytes of the value, whatever it is
-    explicit dummyscope(int idx) : s(sym(idx)), type(s.type), rval(s.val.rval) {
-        pushcell(type);
-        pushcell(rval);
-        s.type = SCALAR;
-        if (!isscalartype(type)) s.val.rval = UNDEFINEDMARK;
-    }
-    dummyscope(const dummyscope&) = delete;
-    void restore() {
-        s.val.rval = rval;
-        s.type = type;
-    }
-    ~dummyscope() {
-        if (type != UNKNOWN && type != SCALAR) restore();
-    }
-};
-
-double sumloop(int code, double* x, double low, double high, int body, int p) {
-    double r = code == CODESUM ? 0 : 1;
-    uint32_t rounds = 0;
-    for (*x = low; *x <= high; *x += 1.0) {
-        const double term = evalscalar(body, p);
-        r = fpcheck(code == CODESUM ? r + term : r * term);
-        if ((++rounds & 0xFFFF) == 0 && console.breakpending()) throw recoveryjump{6};
-    }
-    return r;
-}
-
-double rootloop(double* x, double low, double high, int body, int p) {
-    double root;
-    const auto f = [=](double at) {
-        *x = at;
-        return evalscalar(body, p);
-    };
-    if (rootfind(
-            f, [] { tarnprint("calling value() to evalute f(MAXPOS)\n"); }, low, high, root))
-        return root;
-    tarnwarn("rootf: no root found");
-    return *x = MAXPOS;
-}
-
-double integralloop(double* x, double low, double high, int body, int p) {
-    uint32_t rounds = 0;
-    return fpcheck(integralof(
-        [=](double at) mutable {
-            *x = at;
-            if ((++rounds & 0xFFFF) == 0 && console.breakpending()) throw recoveryjump{6};
-            return evalscalar(body, p);
-        },
-        low, high));
-}
-
-double boundedoperator(int code, double* x, const int* arg, int n, int p) {
-    const double low = evalref(arg[1], p);
-    const double high = evalref(arg[2], p);
-    if (low == UNDEFINEDMARK || high == UNDEFINEDMARK)
-        tarnerror("undefined bound argument for ROOT, SUM, PRODUCT, INTEGRAL");
-    const bool counts = code == CODESUM || code == CODEPRODUCT;
-    if (counts && (low + 1 == low || high - 1 == high))
-        tarnerror("magnitude of lower or upper bound for SUM, PRODUCT too large");
-    if (n > 4) tarnerror("too many arguments for ROOT, SUM, PRODUCT, or INTEGRAL");
-    if (counts) return sumloop(code, x, low, high, arg[3], p);
-    return code == CODEROOT ? rootloop(x, low, high, arg[3], p) : integralloop(x, low, high, arg[3], p);
-}
-
-double operatorcall(int code, int call, int p) {
-    int arg[5] = {}, n = 0;
-    for (int cell = tri(call).left; cell < 0; cell = tri(cell).left, n++)
-        if (n < 5) arg[n] = tri(cell).right;
-    if (!issymbolref(arg[0])) tarnerror("1st operator argument must not be an expression");
-    if (n < (code == CODEEVAL ? 3 : 4)) checkcount(tri(call).right, n);
-    const stackmark mark;
-    dummyscope dummy(arg[0]);
-    double* x = &sym(arg[0]).val.rval;
-    double result;
-    if (code == CODEEVAL) {
-        const double at = evalscalar(arg[1], p);
-        *x = at;
-        result = evalscalar(arg[2], p);
-    } else {
-        result = boundedoperator(code, x, arg, n, p);
-    }
-    dummy.restore();
-    return result;
-}
-
 double arithmetic(int op, double a, double b) {
     switch (op) {
     case TREEPOWER: return fppow(a, b);
@@ -547,6 +368,22 @@ double evalnode(int ref, int p) {
 
 } // namespace
 
+double evalscalar(int ref, int p) {
+    const double x = evalref(ref, p);
+    if (eval.matrixflag) tarnerror(MATRIXMISUSE);
+    return x;
+}
+
+void checkcount(int callee, int n) {
+    const signed char* slots = sym(callee).val.argd;
+    const int most = slots[0];
+    if (most < 0) return; // arguments are not checked
+    const auto least = std::count_if(slots + 1, slots + 1 + most, [](signed char s) { return s > 0; });
+    if (n < least || n > most)
+        tarnerror("function %s takes %hd arguments; %hd are mandatory", sym(callee).name, short(most),
+                  short(least));
+}
+
 void stackexhausted() { tarnerror("stack space too low; check infinite recursion, termination necessary."); }
 
 double value(int p) {
@@ -590,12 +427,6 @@ double evalref(int ref, int p) {
     if (entry > 0) return evalsymbol(entry);
     eval.matrixflag = 0;
     return parser.scalar[-entry];
-}
-
-bool formaliscalled(int f, int k) {
-    std::vector<int> open;
-    if (called.made[f] == trinodes.made) return k <= 32 && (called.mask[f] >> (k - 1) & 1);
-    return k <= 32 && (findcalled(f, open) >> (k - 1) & 1);
 }
 
 bool calledassolution(int idx) {

@@ -367,56 +367,6 @@ bool scantoken(int& number, int& index) {
     return true;
 }
 
-// The next place where delivery has to stop and look.
-void findstop(tokenstream& s) {
-    s.stop = s.tokens.size();
-    for (const auto& c : s.cuts)
-        if (c.from >= s.next && c.from < s.stop) s.stop = c.from;
-}
-
-// True when delivery can go on behind a cut; false at the end.
-bool passcuts(tokenstream& s) {
-    for (bool moved = true; moved;) {
-        moved = false;
-        for (const auto& c : s.cuts)
-            if (s.next >= c.from && s.next < c.to) {
-                s.next = c.to;
-                moved = true;
-            }
-    }
-    findstop(s);
-    return s.next < s.tokens.size();
-}
-
-int streamname(tokenrecord& t, const tokenstream& s) {
-    const char* name = s.texts[size_t(t.text)].c_str();
-    if (strcmp(sym(t.index).name, name) != 0) t.index = int16_t(symtabenter(name));
-    return t.index;
-}
-
-void recordagain(tokenrecord t, const tokenstream& from, tokenstream& to) {
-    if (t.text >= 0) {
-        to.texts.push_back(from.texts[size_t(t.text)]);
-        t.text = int32_t(to.texts.size() - 1);
-    }
-    to.tokens.push_back(t);
-}
-
-void streamtoken(tokenstream& s, int& number, int& index) {
-    scanner.start = s.next;
-    tokenrecord& t = s.tokens[s.next++];
-    number = t.number;
-    if (number == TOKNUMBER)
-        index = symtabconst(t.value);
-    else if (number == TOKSTRING)
-        index = stringsymbol(s.texts[size_t(t.text)]);
-    else if (t.text >= 0)
-        index = streamname(t, s);
-    else if (number == TOKOPEN || number == TOKCLOSE)
-        scanner.bracket = char(t.index);
-    if (scanner.record) recordagain(t, s, *scanner.record);
-}
-
 } // namespace
 
 void scannerreset() { scanner.pushnumber = -1; }
@@ -431,7 +381,7 @@ void newtoken(int& number, int& index) {
     index = 0;
     for (;;) {
         if (tokenstream* s = scanner.stream) {
-            if (s->next < s->stop || passcuts(*s)) return streamtoken(*s, number, index);
+            if (streamready(*s)) return streamtoken(*s, number, index);
             getline();
         } else {
             while (here() == ' ' || here() == '\t') line.cursor++;
@@ -450,7 +400,7 @@ void pushtoken(int number, int index) {
 
 int skimtoken() {
     tokenstream* s = scanner.stream;
-    if (s && (s->next < s->stop || passcuts(*s))) {
+    if (s && streamready(*s)) {
         scanner.start = s->next;
         return s->tokens[s->next++].number;
     }
@@ -468,8 +418,7 @@ void scanseek(size_t position) {
         line.cursor = position;
         return;
     }
-    scanner.stream->next = position;
-    findstop(*scanner.stream);
+    streamseek(*scanner.stream, position);
 }
 
 void scancut(size_t from, size_t to) {
@@ -478,8 +427,7 @@ void scancut(size_t from, size_t to) {
         if (line.cursor > from) line.cursor = line.cursor >= to ? line.cursor - (to - from) : from;
         return;
     }
-    scanner.stream->cuts.push_back({from, to});
-    findstop(*scanner.stream);
+    streamcut(*scanner.stream, from, to);
 }
 
 void scanblank(size_t position) {
@@ -500,13 +448,5 @@ void skiplineend() {
 }
 
 void scanforget() {
-    tokenstream* s = scanner.stream;
-    if (!s) return;
-    std::erase_if(s->cuts, [s](const tokenstream::cut& c) { return c.to <= s->next; });
-}
-
-void streamrewind(tokenstream& s) {
-    s.next = 0;
-    s.cuts.clear();
-    s.stop = s.tokens.size();
+    if (scanner.stream) streamforget(*scanner.stream);
 }

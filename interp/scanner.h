@@ -1,33 +1,13 @@
 /* interp/scanner.h - statement text to tokens.
- * Owns:    the pushback, the place where the last token began, the recorded tokens that stand in for text.
+ * Owns:    the pushback, the place where the last token began.
  * Callers: polish, and those who read a statement's tail themselves: IF, FOR, CONSTRAINTS, HELP, subscripts.
  * Never:   parses. Every token is a number (see tokens.h) and a symbol index. */
 #pragma once
 
 #include "interp/source.h"
+#include "interp/tokenstream.h"
 
 #include <cstddef>
-#include <cstdint>
-#include <string>
-#include <vector>
-
-// Tokens recorded once and delivered again at each pass of a FOR loop, in place of its text.
-struct tokenrecord {
-    int16_t number;
-    int16_t index; // name, keyword: the symbol; bracket, semicolon: its character
-    int32_t text;  // place in texts of a string, or of a name, to find it anew if it was deleted; else -1
-    double value;  // of a number
-};
-struct tokenstream {
-    std::vector<tokenrecord> tokens;
-    std::vector<std::string> texts;
-    size_t next = 0; // the token to be delivered
-    size_t stop = 0; // where delivery has to look at cuts: the start of the nearest one, or the end
-    struct cut {
-        size_t from, to;
-    };
-    std::vector<cut> cuts; // parts left out of this pass (the branch of an IF that is not taken)
-};
 
 struct scannerstate {
     int pushnumber = -1; // one token of pushback; -1: none
@@ -56,5 +36,3 @@ void scancut(size_t from, size_t to); // leaves [from, to) out of what is still 
 void scanblank(size_t position);      // leaves out the bracket there
 void skiplineend();                   // passes over blanks and one line end, if it stands there
 void scanforget();                    // nothing before the next token will be read again
-
-void streamrewind(tokenstream& s); // to the start of a pass, with no cuts
