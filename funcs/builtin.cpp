@@ -38,16 +38,7 @@ double callrow(const scalarrow& row, const double* given, int n) {
     int m = 0;
     if (row.flags & COUNTED) x[m++] = n;
     for (int k = 0; k < 7; k++) x[m++] = k < n ? given[k] : SCALARABSENT[k];
-    switch (row.arity) {
-    case 0: return row.f0();
-    case 1: return row.f1(x[0]);
-    case 2: return row.f2(x[0], x[1]);
-    case 3: return row.f3(x[0], x[1], x[2]);
-    case 4: return row.f4(x[0], x[1], x[2], x[3]);
-    case 5: return row.f5(x[0], x[1], x[2], x[3], x[4]);
-    case 6: return row.f6(x[0], x[1], x[2], x[3], x[4], x[5]);
-    default: return row.f7(x[0], x[1], x[2], x[3], x[4], x[5], x[6]);
-    }
+    return scalarrowcall(row, x, m);
 }
 
 // `typed` is the name that was called, or null: it stands behind words that do not hold it.

@@ -53,6 +53,21 @@ struct scalarrow {
         : code(int16_t(c)), arity(-1), flags(int8_t(fl)), fn(f) {}
 };
 
+// The routine on n arguments, none missing; what it yields is not checked.
+inline double scalarrowcall(const scalarrow& row, const double* x, int n) {
+    switch (row.arity) {
+    case 0: return row.f0();
+    case 1: return row.f1(x[0]);
+    case 2: return row.f2(x[0], x[1]);
+    case 3: return row.f3(x[0], x[1], x[2]);
+    case 4: return row.f4(x[0], x[1], x[2], x[3]);
+    case 5: return row.f5(x[0], x[1], x[2], x[3], x[4]);
+    case 6: return row.f6(x[0], x[1], x[2], x[3], x[4], x[5]);
+    case 7: return row.f7(x[0], x[1], x[2], x[3], x[4], x[5], x[6]);
+    default: return row.fn(x, n);
+    }
+}
+
 // The arguments of one call, on polstack behind the callee.
 struct callargs {
     int p; // polstack position of the callee

@@ -223,43 +223,49 @@ bool flatunitcompiler::callsfunctions(int ref) {
     return answer > 0;
 }
 
-// The entry evaluates the source's functions one after the other; a further routine is one function's body.
+// One function's body, for callers that bind its formals like this.
+void flatunitcompiler::compilefunction(flatcompiler& c, flatroutine& made, const flatroutinekey& key) {
+    std::vector<flatval> formals;
+    for (int b : key.binding)
+        formals.push_back(b == 0  ? c.nextargument()
+                          : b > 0 ? flatval{FLATMATRIXVALUE, b - 1}
+                                  : flatval{FLATFUNCTIONVALUE, -b});
+    made.function = key.function;
+    c.envs.push_back({made.function, formals, ++c.serials});
+    const int r = c.finite(funcbody(made.function));
+    c.use(r, 0);
+    c.put(FLATRETURN, "nr", made.function, r);
+}
+
+// The source's functions one after the other.
+void flatunitcompiler::compileentry(flatcompiler& c) {
+    std::vector<flatval> formals;
+    for (int arg = 0; arg < source.nargs; arg++)
+        formals.push_back(arg < MOSTFLATARGS && source.matrixargs >> arg & 1
+                              ? flatval{FLATMATRIXVALUE, matrix(-1 - arg)}
+                              : c.nextargument());
+    for (int s : source.symbols) c.inputs[s] = c.nextargument().ref;
+    for (int f : source.functions) {
+        if (formalcount(f) != source.nargs) throw flatrefused{};
+        guard(f);
+        c.envs.push_back({f, formals, ++c.serials});
+        const int r = c.finite(funcbody(f));
+        c.envs.pop_back();
+        c.use(r, 0);
+        c.put(FLATSTORE, "nr", f, r);
+        stored.insert(f);
+        unit.outputs.push_back(r);
+    }
+}
+
+// The entry is routine 0; a further one is one function's body.
 void flatunitcompiler::compileroutine(int k) {
     flatroutine made;
     flatcompiler c(*this, made, k);
-    const auto number = [&] {
-        c.argregs.push_back(c.newreg(0, true));
-        return flatval{FLATNUMERIC, c.argregs.back()};
-    };
-    std::vector<flatval> formals;
-    if (k > 0) {
-        for (int b : keys[size_t(k)].binding)
-            formals.push_back(b == 0  ? number()
-                              : b > 0 ? flatval{FLATMATRIXVALUE, b - 1}
-                                      : flatval{FLATFUNCTIONVALUE, -b});
-        made.function = keys[size_t(k)].function;
-        c.envs.push_back({made.function, formals, ++c.serials});
-        const int r = c.finite(funcbody(made.function));
-        c.use(r, 0);
-        c.put(FLATRETURN, "nr", made.function, r);
-    } else {
-        for (int arg = 0; arg < source.nargs; arg++)
-            formals.push_back(arg < MOSTFLATARGS && source.matrixargs >> arg & 1
-                                  ? flatval{FLATMATRIXVALUE, matrix(-1 - arg)}
-                                  : number());
-        for (int s : source.symbols) c.inputs[s] = number().ref;
-        for (int f : source.functions) {
-            if (formalcount(f) != source.nargs) throw flatrefused{};
-            guard(f);
-            c.envs.push_back({f, formals, ++c.serials});
-            const int r = c.finite(funcbody(f));
-            c.envs.pop_back();
-            c.use(r, 0);
-            c.put(FLATSTORE, "nr", f, r);
-            stored.insert(f);
-            unit.outputs.push_back(r);
-        }
-    }
+    if (k > 0)
+        compilefunction(c, made, keys[size_t(k)]);
+    else
+        compileentry(c);
     made.nargs = int(c.argregs.size());
     c.finish();
     if (unit.routines.size() <= size_t(k)) unit.routines.resize(size_t(k) + 1);

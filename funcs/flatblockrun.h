@@ -108,7 +108,7 @@ bool calln(const blockrun& run, const flatop& o, const flatop* data) {
     double x[most];
     for (int i = 0; i < n; i++) {
         for (int k = 0; k < o.b; k++) x[k] = arg[k].x[arg[k].varies ? i : 0];
-        d[i] = flatrowcall(row, x, o.b);
+        d[i] = scalarrowcall(row, x, o.b);
     }
     return finite(d, n);
 }

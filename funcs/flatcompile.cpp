@@ -18,6 +18,11 @@ flatcompiler::flatcompiler(flatunitcompiler& u, flatroutine& r, int k) : unit(u)
     openscope(false);
 }
 
+flatval flatcompiler::nextargument() {
+    argregs.push_back(newreg(0, true));
+    return {FLATNUMERIC, argregs.back()};
+}
+
 int flatcompiler::newreg(int level, bool finite) {
     regs.push_back({level, finite, false, false, {}});
     return int(regs.size()) - 1;

@@ -63,6 +63,8 @@ struct flatplacement {
     std::vector<int> reg, label;
 };
 
+struct flatcompiler;
+
 struct flatroutinekey {
     int function;
     std::vector<int> binding; // by formal: 0 a number, 1 + matrix, or minus a function's symbol
@@ -83,6 +85,8 @@ struct flatunitcompiler {
     int matrix(int symbolorarg);
     int row(const scalarrow* r);
     int routine(const flatroutinekey& key);
+    void compilefunction(flatcompiler& c, flatroutine& made, const flatroutinekey& key);
+    void compileentry(flatcompiler& c);
     void compileroutine(int k);
     void compile();
     void complete();
@@ -108,6 +112,7 @@ struct flatcompiler {
     // registers and instructions
     int here() const { return int(scopes.size()) - 1; }
     int newreg(int level, bool finite);
+    flatval nextargument(); // of the routine, in a register
     void needfinite(int r);
     void use(int r, int level);
     void put(int level, int op, const char* kinds, int x, int y = 0, int z = 0);

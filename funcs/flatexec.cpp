@@ -13,20 +13,6 @@
 
 flatmachine flat;
 
-double flatrowcall(const scalarrow& row, const double* x, int n) {
-    switch (row.arity) {
-    case 0: return row.f0();
-    case 1: return row.f1(x[0]);
-    case 2: return row.f2(x[0], x[1]);
-    case 3: return row.f3(x[0], x[1], x[2]);
-    case 4: return row.f4(x[0], x[1], x[2], x[3]);
-    case 5: return row.f5(x[0], x[1], x[2], x[3], x[4]);
-    case 6: return row.f6(x[0], x[1], x[2], x[3], x[4], x[5]);
-    case 7: return row.f7(x[0], x[1], x[2], x[3], x[4], x[5], x[6]);
-    default: return row.fn(x, n);
-    }
-}
-
 namespace {
 
 struct givenup {}; // thrown through the methods of ROOT and INTEGRAL
@@ -69,7 +55,7 @@ bool execution::calln(const flatop& o) {
     double x[MOSTARGS];
     for (int k = 0; k < o.b; k++) x[k] = frame[dataword(pc, k)];
     pc += (o.b + 2) / 3;
-    return fpfinite(frame[o.dst] = flatrowcall(*unit.rows[o.a], x, o.b));
+    return fpfinite(frame[o.dst] = scalarrowcall(*unit.rows[o.a], x, o.b));
 }
 
 bool execution::element(const flatop& o) {

@@ -189,7 +189,6 @@ flatresult flatexecutelanes(const flatunit& unit, flatlane* frame, int used);
 
 flatresult flatloopblocks(const flatunit& unit, const flatroutine& routine, const flatloop& loop,
                           double* frame, double low);
-double flatrowcall(const scalarrow& row, const double* x, int n); // all its arguments, none missing
 
 // ---- for the evaluator
 

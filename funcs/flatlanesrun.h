@@ -53,7 +53,7 @@ inline bool calln(const flatunit& unit, flatlane* r, const flatop& o, const flat
         double x[most];
         for (int k = 0; k < o.b; k++)
             x[k] = r[k % 3 == 0 ? data[k / 3].dst : k % 3 == 1 ? data[k / 3].a : data[k / 3].b].x[i];
-        return flatrowcall(*unit.rows[o.a], x, o.b);
+        return scalarrowcall(*unit.rows[o.a], x, o.b);
     });
 }
 

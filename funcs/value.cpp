@@ -14,6 +14,7 @@
 #include "interp/base/operand.h"
 #include "interp/base/report.h"
 #include "interp/base/symtab.h"
+#include "interp/base/tokens.h"
 #include "values/harray.h"
 
 #include <algorithm>
@@ -320,23 +321,14 @@ double assignnode(int target, int right, int p) {
     return x;
 }
 
+static_assert(int(TREEPOWER) == TOKPOWER && int(TREEOR) == TOKOR); // trees are built of tokens
+
 double arithmetic(int op, double a, double b) {
     switch (op) {
-    case TREEPOWER: return fppow(a, b);
-    case TREETIMES: return fpcheck(a * b);
-    case TREEDIVIDE: return fpdiv(a, b);
-    case TREEPLUS: return fpcheck(a + b);
-    case TREEMINUS: return fpcheck(a - b);
-    case TREEEQUAL: return a == b;
-    case TREELESS: return a < b;
-    case TREELESSEQ: return a <= b;
-    case TREEGREATEREQ: return a >= b;
-    case TREEGREATER: return a > b;
-    case TREEAND: return a != 0 && b != 0;
-    case TREEOR: return a != 0 || b != 0;
     case TREENOT: return a == 0;
     case TREENEGATE: return -a;
-    default: return a; // TREEIDENTITY
+    case TREEIDENTITY: return a;
+    default: return scalarop(a, b, op);
     }
 }
 

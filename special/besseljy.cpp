@@ -131,49 +131,64 @@ std::complex<double> hratio(double mu, double x) {
     return pq + cx(0, 1) / x * a / f;
 }
 
+// J and its derivative from order nu down to mu = nu - down, from J = 1e-200 upwards in size; powers of 1e100
+// that were taken out.
+struct downward {
+    double j, slope, scale = 0;
+};
+downward recurdown(double nu, int down, double r, double j, double slope) {
+    downward d{j, slope};
+    double factor = nu * r;
+    for (int k = 0; k < down; k++) {
+        const double t = factor * d.j + d.slope;
+        factor -= r;
+        d.slope = factor * t - d.j;
+        d.j = t;
+        if (std::fabs(d.j) > 1e100) {
+            d.j *= 1e-100;
+            d.slope *= 1e-100;
+            d.scale -= 100;
+        }
+    }
+    if (d.j == 0) d.j = 1e-216;
+    return d;
+}
+
+// Y of order mu + up from those of mu and mu + 1.
+double recurup(double mu, int up, double r, double y, double next) {
+    for (int k = 1; k <= up; k++) {
+        const double t = (mu + k) * 2 * r * next - y;
+        y = next;
+        next = t;
+        if (std::isinf(t)) break;
+    }
+    return y;
+}
+
 // Steed's method as in A. R. Barnett et al., Comput. Phys. Commun. 8 (1974) 377; x >= 2.
 void steed(double nu, double x, double* j, double* y) {
     const int down = nu < x ? 0 : static_cast<int>(nu - x + 1.5);
     const double mu = nu - down, r = 1 / x;
     int sign;
     const double h = jratio(nu, x, &sign);
-    double rj = sign * 1e-200, rjp = h * rj;
-    const double first = rj;
-    double factor = nu * r, scale = 0; // scale: powers of 1e100 taken out
-    for (int k = 0; k < down; k++) {
-        const double t = factor * rj + rjp;
-        factor -= r;
-        rjp = factor * t - rj;
-        rj = t;
-        if (std::fabs(rj) > 1e100) {
-            rj *= 1e-100;
-            rjp *= 1e-100;
-            scale -= 100;
-        }
-    }
-    if (rj == 0) rj = 1e-216;
-    const double f = rjp / rj;
+    const double first = sign * 1e-200;
+    const downward d = recurdown(nu, down, r, first, h * first);
+    const double f = d.slope / d.j;
     const std::complex<double> pq = hratio(mu, x);
     const double p = pq.real(), q = pq.imag();
     const double gam = (p - f) / q;
     double jmu = std::sqrt(2 / PI * r / ((p - f) * gam + q));
-    if (rj < 0) jmu = -jmu;
+    if (d.j < 0) jmu = -jmu;
     double ymu = jmu * gam;
     double ynext;
     if (std::fabs(gam) > 1e100 || !std::isfinite(gam)) { // J is 0 as far as we can see
-        ymu = std::copysign(std::sqrt(2 / PI * r / q), -rjp);
+        ymu = std::copysign(std::sqrt(2 / PI * r / q), -d.slope);
         ynext = ymu * (mu * r - p);
     } else {
         ynext = mu * r * ymu - jmu * (p * gam + q);
     }
-    *j = (jmu / rj) * first * std::pow(10.0, scale);
-    for (int k = 1; k <= down; k++) {
-        const double t = (mu + k) * 2 * r * ynext - ymu;
-        ymu = ynext;
-        ynext = t;
-        if (std::isinf(t)) break;
-    }
-    *y = ymu;
+    *j = (jmu / d.j) * first * std::pow(10.0, d.scale);
+    *y = recurup(mu, down, r, ymu, ynext);
 }
 
 // Y of order nu and nu + 1 from x in (0, 2).

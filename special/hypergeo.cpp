@@ -152,6 +152,26 @@ double hgeof(double a, double b, double c, double x) {
 
 namespace {
 
+// The tables of Levin's u-transform, the newest entries last: numerators above, denominators below.
+struct levintables {
+    std::vector<dd> above, below;
+    // The transform with one more partial sum, that up to term number n.
+    dd with(dd sum, dd term, double n) {
+        const dd weight = dd(1) / (term * n), shrink = dd(n - 1) / dd(n);
+        above.push_back(sum * weight);
+        below.push_back(weight);
+        const size_t top = above.size() - 1;
+        dd power = dd(1) / dd(n);           // shrink^(j-2)/n
+        for (size_t j = 1; j <= top; j++) { // E. J. Weniger, Comput. Phys. Rep. 10 (1989) 189, 7.2-8
+            const dd factor = j == 1 ? dd(1) : power * (n - double(j));
+            above[top - j] = above[top - j + 1] - factor * above[top - j];
+            below[top - j] = below[top - j + 1] - factor * below[top - j];
+            if (j > 1) power *= shrink;
+        }
+        return above[0] / below[0];
+    }
+};
+
 /* Levin's u-transform of the series at 1, whose terms fall like k^(-s-1), s = sum b - sum a > 0 (D. Levin,
  * Int. J. Comput. Math. B3 (1973) 371), from a term where the fall is regular. */
 bool levinsum(const parameters& a, const parameters& b, widevalue* value) {
@@ -161,7 +181,7 @@ bool levinsum(const parameters& a, const parameters& b, widevalue* value) {
     for (const dd& p : b) start = std::max(start, 3 * std::fabs(p.hi));
     if (start > 20000) return false;
     dd term = 1, sum = 1;
-    std::vector<dd> above, below;
+    levintables tables;
     double best = HUGE_VAL;
     dd last = 0, result = 0;
     for (int k = 0; k < start + orders; k++) {
@@ -172,19 +192,7 @@ bool levinsum(const parameters& a, const parameters& b, widevalue* value) {
         sum += term;
         if (k < start) continue;
         if (term.hi == 0) break;
-        const double n = k + 1; // the recurrence of E. J. Weniger, Comput. Phys. Rep. 10 (1989) 189, 7.2-8
-        const dd weight = dd(1) / (term * n), shrink = dd(n - 1) / dd(n);
-        above.push_back(sum * weight);
-        below.push_back(weight);
-        const size_t top = above.size() - 1;
-        dd power = dd(1) / dd(n); // shrink^(j-2)/n
-        for (size_t j = 1; j <= top; j++) {
-            const dd factor = j == 1 ? dd(1) : power * (n - double(j));
-            above[top - j] = above[top - j + 1] - factor * above[top - j];
-            below[top - j] = below[top - j + 1] - factor * below[top - j];
-            if (j > 1) power *= shrink;
-        }
-        const dd now = above[0] / below[0];
+        const dd now = tables.with(sum, term, k + 1);
         const double change = std::fabs((now - last).hi);
         if (change < best) {
             best = change;

@@ -264,6 +264,30 @@ bool taylorstep(const equation& e, dd x, dd y, dd h, std::vector<dd>& f) {
     return false;
 }
 
+// F^(k)/k! at a point where the series serves, all with one power of two taken out.
+bool derivatives(std::vector<dd> a, std::vector<dd> b, dd at, std::vector<dd>& f, int64_t* scale) {
+    widevalue v;
+    dd factor = 1;
+    for (size_t k = 0; k < f.size(); k++) {
+        if (!hypersum(a, b, at, &v)) return false;
+        if (k == 0) *scale = v.power;
+        if (std::llabs(v.power - *scale) > 900) return false;
+        f[k] = ddscale(v.m, static_cast<int>(v.power - *scale)) * factor;
+        for (dd& p : a) factor *= p, p += 1.0;
+        for (dd& p : b) factor /= p, p += 1.0;
+        factor /= dd(double(k + 1));
+    }
+    return true;
+}
+
+// The size of f is brought near 1; the power of two that was taken out.
+int rescale(std::vector<dd>& f) {
+    int own = 0;
+    std::frexp(std::max(std::fabs(f[0].hi), 1e-300), &own);
+    for (dd& t : f) t = ddscale(t, -own);
+    return own;
+}
+
 } // namespace
 
 bool hypcontinue(const std::vector<dd>& a, const std::vector<dd>& b, dd x, dd oneminusx, widevalue* value) {
@@ -278,19 +302,8 @@ bool hypcontinue(const std::vector<dd>& a, const std::vector<dd>& b, dd x, dd on
     dd y = dd(1) - at;
     const equation e(a, b);
     std::vector<dd> f(e.order);
-    std::vector<dd> as = a, bs = b;
-    widevalue v;
-    dd factor = 1;
     int64_t scale = 0;
-    for (size_t k = 0; k < e.order; k++) { // F^(k)/k! at the start
-        if (!hypersum(as, bs, at, &v)) return false;
-        if (k == 0) scale = v.power;
-        if (std::llabs(v.power - scale) > 900) return false;
-        f[k] = ddscale(v.m, static_cast<int>(v.power - scale)) * factor;
-        for (dd& p : as) factor *= p, p += 1.0;
-        for (dd& p : bs) factor /= p, p += 1.0;
-        factor /= dd(double(k + 1));
-    }
+    if (!derivatives(a, b, at, f, &scale)) return false;
     double share = 0.5;
     for (int steps = 0; steps < 20000; steps++) {
         const double radius = std::min(std::fabs(at.hi), y.hi);
@@ -309,10 +322,7 @@ bool hypcontinue(const std::vector<dd>& a, const std::vector<dd>& b, dd x, dd on
         }
         at += h;
         y = y - h;
-        int own = 0; // keep the size near 1
-        std::frexp(std::max(std::fabs(f[0].hi), 1e-300), &own);
-        for (dd& t : f) t = ddscale(t, -own);
-        scale += own;
+        scale += rescale(f);
     }
     return false;
 }
