@@ -6,6 +6,7 @@
 #include "interp/base/operand.h"
 #include "interp/base/report.h"
 #include "special/fault.h"
+#include "values/harray.h"
 
 #include <algorithm>
 

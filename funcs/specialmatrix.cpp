@@ -7,7 +7,6 @@
 #include "interp/base/report.h"
 #include "special/combin.h"
 #include "special/hbpower.h"
-#include "special/physint.h"
 #include "special/primes.h"
 #include "special/quadrature.h"
 

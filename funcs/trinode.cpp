@@ -1,6 +1,5 @@
 #include "funcs/trinode.h"
 
-#include "interp/base/parser.h"
 #include "interp/base/report.h"
 
 #include <new>

@@ -3,7 +3,6 @@
 
 #include "funcs/builtin.h"
 #include "funcs/calls.h"
-#include "funcs/define.h"
 #include "funcs/deriv.h"
 #include "funcs/flatimpl.h"
 #include "funcs/operators.h"

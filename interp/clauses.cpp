@@ -2,7 +2,6 @@
 // reads them.
 #include "interp/base/operand.h"
 #include "interp/base/report.h"
-#include "interp/base/symtab.h"
 #include "interp/base/tokens.h"
 #include "interp/mistakes.h"
 #include "interp/process.h"

@@ -5,7 +5,7 @@
 #pragma once
 
 #include "interp/loopimpl.h"
-#include "interp/scanner.h"
+#include "interp/tokenstream.h"
 
 struct looprefused {}; // there is no code for this statement
 

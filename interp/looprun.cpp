@@ -1,7 +1,6 @@
 // Compiled loop bodies at work.
 #include "funcs/operators.h"
 #include "funcs/value.h"
-#include "interp/assign.h"
 #include "interp/base/fpfault.h"
 #include "interp/base/parser.h"
 #include "interp/base/report.h"

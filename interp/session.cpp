@@ -16,7 +16,6 @@
 #include "interp/polish.h"
 #include "interp/rooms.h"
 #include "interp/startup.h"
-#include "values/harray.h"
 
 #include <new>
 

@@ -2,7 +2,6 @@
 #include "interp/base/parser.h"
 #include "interp/base/report.h"
 #include "interp/base/tokens.h"
-#include "interp/process.h"
 #include "interp/rooms.h"
 #include "interp/tokenfil.h"
 #include "plot/clauses.h"

@@ -1,12 +1,10 @@
 // The reduction of a call: signatures, scalar and matrix forms, subscripts, functions over rows.
 #include "funcs/calls.h"
 
-#include "funcs/deriv.h"
 #include "funcs/trinode.h"
 #include "funcs/value.h"
 #include "interp/base/hooks.h"
 #include "unit/funcs/session.h"
-#include "values/stringarray.h"
 
 namespace {
 

@@ -1,6 +1,5 @@
 // Functions of complex numbers, laid out in matrices of two columns.
 #include "funcs/calls.h"
-#include "funcs/rows.h"
 #include "support/datarows.h"
 #include "unit/funcs/session.h"
 

@@ -1,6 +1,5 @@
 // Scalar functions of one and two arguments: values, defaults of arguments, faults, the generator.
 #include "funcs/ran.h"
-#include "funcs/rows.h"
 #include "support/datarows.h"
 #include "unit/funcs/session.h"
 

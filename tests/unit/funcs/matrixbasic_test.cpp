@@ -1,5 +1,4 @@
 // Builtins that look at a matrix or lay it out anew.
-#include "funcs/rows.h"
 #include "unit/funcs/session.h"
 #include "values/stringarray.h"
 

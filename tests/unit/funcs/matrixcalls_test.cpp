@@ -1,5 +1,4 @@
 // Builtins on matrices by their statements' results: linear algebra, arrangement, statistics of columns.
-#include "funcs/rows.h"
 #include "unit/funcs/session.h"
 
 namespace {

@@ -1,6 +1,5 @@
 // Series: Fourier transforms of any length, lags, histograms; interpolation in tables and grids.
 #include "funcs/dft.h"
-#include "funcs/rows.h"
 #include "unit/funcs/session.h"
 
 #include <cmath>

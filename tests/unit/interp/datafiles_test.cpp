@@ -1,7 +1,6 @@
 // READ, READON, KREAD, KREADS and the delimited tables, as statements.
 #include "interp/base/machine.h"
 #include "interp/base/operand.h"
-#include "interp/datafiles.h"
 #include "support/livesession.h"
 #include "values/stringarray.h"
 

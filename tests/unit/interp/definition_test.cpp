@@ -3,7 +3,6 @@
 #include "funcs/define.h"
 #include "funcs/funcprint.h"
 #include "funcs/trinode.h"
-#include "funcs/value.h"
 #include "interp/base/parser.h"
 #include "interp/base/symtab.h"
 #include "support/harness.h"

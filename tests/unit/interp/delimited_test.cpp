@@ -2,7 +2,6 @@
 #include "interp/delimited.h"
 
 #include "interp/base/fpfault.h"
-#include "interp/base/report.h"
 #include "interp/base/symtab.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,6 @@
 // Symbolic derivatives against values computed elsewhere, their texts read back, and the rules of their
 // names.
 #include "funcs/deriv.h"
-#include "interp/base/parser.h"
 #include "support/datarows.h"
 #include "support/livesession.h"
 

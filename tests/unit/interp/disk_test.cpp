@@ -1,5 +1,4 @@
 // SAVE and USE: round trips, names in use, damaged files, saves that fail.
-#include "interp/base/machine.h"
 #include "interp/base/operand.h"
 #include "interp/base/parser.h"
 #include "interp/diskuse.h"

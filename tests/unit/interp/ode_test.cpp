@@ -1,6 +1,5 @@
 // Differential equations: the usual test problems against reference values, the forms of a system, every
 // message, and sessions that stay whole.
-#include "interp/base/parser.h"
 #include "solvers/odesetup.h"
 #include "support/datarows.h"
 #include "support/livesession.h"

@@ -2,8 +2,6 @@
 #include "support/livesession.h"
 
 #include "interp/base/fpfault.h"
-#include "interp/base/parser.h"
-#include "interp/source.h"
 
 namespace fs = std::filesystem;
 

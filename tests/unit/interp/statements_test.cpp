@@ -1,5 +1,4 @@
 // Statements through the real process table: what names hold afterwards, and what was printed.
-#include "interp/base/fpfault.h"
 #include "interp/base/hooks.h"
 #include "interp/base/operand.h"
 #include "interp/base/parser.h"

@@ -457,7 +457,7 @@ TEST_F(scenepages, LabelsOfManyDecadesAreNotTakenForRounding) {
     curve& c = curveof(newcurve(win, "A1", TOKAXIS, {0, 0, 5, 0, 10, 0}));
     c.linetype = 0;
     const auto strokes = [&](std::initializer_list<double> labels) {
-        c.labels = matrixof(uint32_t(labels.size()), 1, labels);
+        c.labels = matrixwith(uint32_t(labels.size()), 1, labels);
         return plotpage("PSL").marks.size();
     };
     const size_t each = strokes({1e-150}) + strokes({1}) + strokes({1e150});
@@ -475,7 +475,7 @@ TEST_F(scenepages, ChosenLabelsStayInTheFrame) {
     c.linetype = 0;
     c.hplace = 1;
     c.wclipsw = OWNMARKS;
-    c.labels = matrixof(1, 1, {0});
+    c.labels = matrixwith(1, 1, {0});
     adjustwindow(win);
     const epsbox held = inkbox(plotpage("PSL"));
     EXPECT_GE(held.x0, 0.15 - NEAR);

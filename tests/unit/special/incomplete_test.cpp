@@ -1,7 +1,6 @@
 #include "interp/base/machine.h"
 #include "reftable.h"
 #include "special/beta.h"
-#include "special/gamma.h"
 #include "special/incgamma.h"
 
 #include <random>
