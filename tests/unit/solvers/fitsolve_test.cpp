@@ -7,6 +7,7 @@
 #include "solvers/fitsolve.h"
 #include "solvers/precise.h"
 #include "solvers/symsweep.h"
+#include "support/solvesquare.h"
 
 #include <gtest/gtest.h>
 
@@ -58,25 +59,6 @@ struct fittest : testing::Test {
         report.recoveryset = true;
     }
 };
-
-bool solvesquare(std::vector<vector> a, vector& x) {
-    const size_t n = a.size();
-    for (size_t k = 0; k < n; k++) {
-        size_t p = k;
-        for (size_t i = k; i < n; i++)
-            if (std::fabs(a[i][k]) > std::fabs(a[p][k])) p = i;
-        if (std::fabs(a[p][k]) < 1e-10) return false;
-        std::swap(a[p], a[k]);
-        for (size_t i = 0; i < n; i++) {
-            if (i == k) continue;
-            const double m = a[i][k] / a[k][k];
-            for (size_t j = k; j <= n; j++) a[i][j] -= m * a[k][j];
-        }
-    }
-    x.resize(n);
-    for (size_t k = 0; k < n; k++) x[k] = a[k][n] / a[k][k];
-    return true;
-}
 
 double rowvalue(const solverconstraints& c, size_t i, const double* x) {
     double v = -c.rhs[i];

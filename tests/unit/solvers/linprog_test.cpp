@@ -1,5 +1,6 @@
 // Linear programs against an enumeration of vertices, textbook cases, degenerate and equality-only ones.
 #include "solvers/linprog.h"
+#include "support/solvesquare.h"
 
 #include <gtest/gtest.h>
 
@@ -30,26 +31,6 @@ bool feasible(const solverconstraints& c, const std::vector<double>& x, double t
     return true;
 }
 
-// Solves the square system by elimination; false when it is singular.
-bool solve(std::vector<std::vector<double>> a, std::vector<double>& x) {
-    const size_t n = a.size();
-    for (size_t k = 0; k < n; k++) {
-        size_t p = k;
-        for (size_t i = k; i < n; i++)
-            if (std::fabs(a[i][k]) > std::fabs(a[p][k])) p = i;
-        if (std::fabs(a[p][k]) < 1e-9) return false;
-        std::swap(a[p], a[k]);
-        for (size_t i = 0; i < n; i++) {
-            if (i == k) continue;
-            const double m = a[i][k] / a[k][k];
-            for (size_t j = k; j <= n; j++) a[i][j] -= m * a[k][j];
-        }
-    }
-    x.resize(n);
-    for (size_t k = 0; k < n; k++) x[k] = a[k][n] / a[k][k];
-    return true;
-}
-
 // The best vertex of n = 3 variables, over all triples of rows and bounds taken as equations. NAN: none is
 // feasible.
 double bestvertex(const std::vector<double>& cost, const solverconstraints& c) {
@@ -63,7 +44,7 @@ double bestvertex(const std::vector<double>& cost, const solverconstraints& c) {
         for (size_t b = a + 1; b < planes.size(); b++)
             for (size_t d = b + 1; d < planes.size(); d++) {
                 std::vector<double> x;
-                if (!solve({planes[a], planes[b], planes[d]}, x) || !feasible(c, x, 1e-7)) continue;
+                if (!solvesquare({planes[a], planes[b], planes[d]}, x) || !feasible(c, x, 1e-7)) continue;
                 const double value = cost[0] * x[0] + cost[1] * x[1] + cost[2] * x[2];
                 if (!(value <= best)) best = value;
             }
