@@ -285,7 +285,17 @@ void steplimits(odejob& job) {
     s.h *= run.dir;
 }
 
+// The formulas divide by products of three steps, which must not vanish in rounding.
+void checkspan(double t0, const double* times, long ntimes) {
+    constexpr double least = 1e-90;
+    double span = 0;
+    for (long i = 0; i < ntimes; i++) span = std::max(span, std::fabs(times[i] - t0));
+    if (span > 0 && span < least)
+        tarnerror("INTEGRATE: all times lie within %g of the start; measure time in a smaller unit", span);
+}
+
 void begin(odejob& job, const double* times, long ntimes, harray* out) {
+    checkspan(job.model.t0, times, ntimes);
     oderun& run = job.run;
     const odemodel& model = job.model;
     odestepsize(run.s, model.n);
