@@ -113,7 +113,8 @@ void discardset(void* value) { delete static_cast<savedset*>(value); }
 
 // The present value of a name that is not solved for, folded into the right sides.
 void foldin(const CONSET& set, size_t j, harray* coef, std::vector<double>& rhs) {
-    if (sym(set.vars[j]).type != SCALAR) tarnerror("Non-Scalar parameter in constraints.");
+    if (sym(set.vars[j]).type != SCALAR)
+        tarnerror(further("%s", describe(set.vars[j]).c_str()), "Non-Scalar parameter in constraints.");
     const double value = sym(set.vars[j]).val.rval;
     for (size_t i = 0; i < rhs.size(); i++) {
         rhs[i] -= value * at(coef, i + 1, j + 1);
@@ -194,7 +195,11 @@ solverconstraints conmat2solver(const harray* m) {
     for (size_t i = 1; i <= m->rows; i++) {
         for (size_t j = 1; j + 2 <= m->cols; j++) form.coef.push_back(at(m, i, j));
         const double code = std::trunc(at(m, i, m->cols - 1));
-        if (std::fabs(code) > 1) tarnerror("bad relational operator in constraint");
+        if (std::fabs(code) > 1)
+            tarnerror(further("row %ld of the matrix has %g before its right side; -1, 0 and 1 stand for "
+                              "<=, = and >=",
+                              long(i), code),
+                      "bad relational operator in constraint");
         form.type.push_back(int(code));
         form.rhs.push_back(at(m, i, m->cols));
     }
@@ -208,7 +213,9 @@ void constraintscase(const processop& op) {
     if (parser.oplevel == 0) return constraintsop();
     const int type = sym(op.ptop).type;
     if (type != CONSETTYPE && type != MATRIX)
-        tarnerror("name: %s in CONSTRAINTS is not a CONSET", sym(op.ptop).name);
+        tarnerror(
+            further("%s; CONSTRAINTS C = { A > 0 } makes a set of constraints", describe(op.ptop).c_str()),
+            "name: %s in CONSTRAINTS is not a CONSET", sym(op.ptop).name);
     clause.conset = int16_t(op.ptop);
     polpop();
 }

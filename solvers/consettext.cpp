@@ -44,7 +44,15 @@ struct setreader {
     int number = 0, index = 0;                          // the token read last
 };
 
-constexpr const char* INVALID = "invalid character in CONSTRAINT statement";
+furtherline inrow(const setreader& r, const char* what) {
+    return further("constraint %d %s", r.row + 1, what);
+}
+
+[[noreturn]] void invalid(const setreader& r) {
+    tarnerror(
+        inrow(r, "has what no set of constraints has: names, numbers, + - * / and relations stand there"),
+        "invalid character in CONSTRAINT statement");
+}
 
 bool isrelation(int token) { return token >= TKEQUAL && token <= TKGREATER; }
 
@@ -52,7 +60,7 @@ void next(setreader& r) {
     upper.newtoken(r.number, r.index);
     if (std::find(std::begin(allowed), std::end(allowed), r.number) == std::end(allowed)) {
         tempfree(r.index);
-        tarnerror("%s", INVALID);
+        invalid(r);
     }
 }
 
@@ -73,7 +81,12 @@ bool endsterm(int token) {
 }
 
 void takename(const setreader& r, term& t) {
-    if (t.name || t.dividing) tarnerror("only linear constraints are permitted");
+    if (t.name)
+        tarnerror(inrow(r, ("multiplies " + nametext(t.name) + " by " + nametext(r.index)).c_str()),
+                  "only linear constraints are permitted");
+    if (t.dividing)
+        tarnerror(inrow(r, ("divides by " + nametext(r.index)).c_str()),
+                  "only linear constraints are permitted");
     t.name = r.index;
 }
 
@@ -83,13 +96,14 @@ void takenumber(setreader& r, term& t) {
     if (!t.dividing)
         t.coefficient = x;
     else if (x == 0)
-        tarnerror("division by zero in CONSTRAINT statement");
+        tarnerror(inrow(r, "divides by 0"), "division by zero in CONSTRAINT statement");
     else
         t.coefficient /= x;
 }
 
-[[noreturn]] void badoperator() {
-    tarnerror("CONSTRAINTS: only >, >=, <, <= , = , +, - are valid operators here");
+[[noreturn]] void badoperator(const setreader& r) {
+    tarnerror(inrow(r, "lacks a name or a number beside an operator"),
+              "CONSTRAINTS: only >, >=, <, <= , = , +, - are valid operators here");
 }
 
 term readterm(setreader& r) {
@@ -98,7 +112,7 @@ term readterm(setreader& r) {
     if (r.number == TKMINUS) r.sign = -1;
     if (r.number == TKMINUS || r.number == TKPLUS) next(r);
     for (; !endsterm(r.number); next(r)) {
-        if (r.number == TKOPEN) tarnerror("%s", INVALID); // its end would be that of the set
+        if (r.number == TKOPEN) invalid(r); // its end would be that of the set
         filled |= r.number == TKNAME || r.number == TKNUMBER;
         if (r.number == TKNAME)
             takename(r, t);
@@ -107,7 +121,7 @@ term readterm(setreader& r) {
         else if (r.number == TKDIVIDE)
             t.dividing = true;
     }
-    if (!filled) badoperator();
+    if (!filled) badoperator(r);
     return t;
 }
 
@@ -168,7 +182,7 @@ bool operate(setreader& r) {
         r.side = -1;
         return false;
     case TKCLOSE: return true;
-    default: badoperator();
+    default: badoperator(r);
     }
     r.side = 1;
     return false;
@@ -177,9 +191,12 @@ bool operate(setreader& r) {
 void finishset(const setreader& r) {
     const int target = parser.poltop >= 0 ? parser.polstack[0] : 0;
     if (target <= 0 || (sym(target).type != CONSETTYPE && sym(target).type != UNKNOWN))
-        tarnerror("CONSTRAINTS: cannot assign to existing name %s", target > 0 ? sym(target).name : "");
+        tarnerror(further("%s", describe(target).c_str()), "CONSTRAINTS: cannot assign to existing name %s",
+                  target > 0 ? sym(target).name : "");
     for (int i = 0; i <= r.row; i++)
-        if (r.rels[i] == 0) tarnerror("bad relational operator in constraint");
+        if (r.rels[i] == 0)
+            tarnerror(further("constraint %d has no relation, as A > 0", i + 1),
+                      "bad relational operator in constraint");
     auto set = std::make_unique<CONSET>();
     set->rows = r.row + 1;
     set->cols = r.nvars;
@@ -203,7 +220,9 @@ void finishset(const setreader& r) {
 void constraintsop() {
     setreader r;
     upper.newtoken(r.number, r.index);
-    if (r.number != TKOPEN) tarnerror("CONSTRAINTS: failure to use { to begin constraint list");
+    if (r.number != TKOPEN)
+        tarnerror(further("as in CONSTRAINTS C = { A > 0, A+B < 1 }"),
+                  "CONSTRAINTS: failure to use { to begin constraint list");
     do {
         next(r);
         endterm(r, readterm(r));

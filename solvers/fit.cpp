@@ -31,7 +31,7 @@ void weightclause(const processop& op) {
     if (ismatrix(w)) {
         if (matrixof(w)->cols != 1) argshape("WEIGHT clause");
     } else if (sym(w).type != USERFUNCTION) {
-        tarnerror("WEIGHT: must be matrix or function");
+        tarnerror(further("%s", describe(w).c_str()), "WEIGHT: must be matrix or function");
     }
     polpop();
     fit.pair[clause.fitcount - 1].weight = w;
@@ -40,11 +40,17 @@ void weightclause(const processop& op) {
 
 // ---- the statement
 
+[[noreturn]] void noparameter(int idx) {
+    tarnerror(
+        further("%s; names of numbers and matrices stand in the brackets of FIT", describe(idx).c_str()),
+        "fitop: an expression is of the wrong type");
+}
+
 std::vector<int> parameterlist() {
     std::vector<int> parms;
     for (int k = 0; k <= parser.poltop; k++) {
         const int idx = parser.polstack[k];
-        if (idx <= 0 || istemporary(idx) || (sym(idx).type != SCALAR && !ismatrix(idx))) argtype("fitop");
+        if (idx <= 0 || istemporary(idx) || (sym(idx).type != SCALAR && !ismatrix(idx))) noparameter(idx);
         if (std::find(parms.begin(), parms.end(), idx) != parms.end())
             tarnerror("FIT: parameter %s is named twice", sym(idx).name);
         parms.push_back(idx);
@@ -247,7 +253,9 @@ void releaseoperands() {
 }
 
 void fitop(const processop&) {
-    if (parser.poltop < 0) tarnerror("fit dialog not working yet");
+    if (parser.poltop < 0)
+        tarnerror(further("parameters, function and data are missing, as in FIT (A,B), F TO M"),
+                  "fit dialog not working yet");
     fitbinding b;
     b.parms = parameterlist();
     if (clause.fitcount < 1) tarnerror("FIT: no data to fit to: FIT (A,B), F TO M");
@@ -280,12 +288,15 @@ constexpr processrow cases[] = {{30, fitop}, {32, weightclause}};
 void fittoclause() {
     const int data = polpop(), f = polpop();
     if (clause.fitcount >= MAXPAIRS) tarnerror("FIT: too many simultaneous fitting functions");
-    if (!ismatrix(data)) tarnerror("FIT: fit data must be a matrix");
+    if (!ismatrix(data)) tarnerror(further("%s", describe(data).c_str()), "FIT: fit data must be a matrix");
     if (f <= 0 || (sym(f).type != USERFUNCTION && sym(f).type != INITIALVALUE))
-        tarnerror("FIT: FIT (A,B), F TO M, F must be a function or differential equation");
+        tarnerror(further("%s", describe(f).c_str()),
+                  "FIT: FIT (A,B), F TO M, F must be a function or differential equation");
     const int nargs = formalcount(f), ncols = int(matrixof(data)->cols);
     if (nargs != ncols - 1)
-        tarnerror("#function args = %hd must be (#matrix cols = %hd)-1 in FIT", short(nargs), short(ncols));
+        tarnerror(further("%s; the arguments of %s stand in its first columns, the value in the last",
+                          describe(data).c_str(), nametext(f).c_str()),
+                  "#function args = %hd must be (#matrix cols = %hd)-1 in FIT", short(nargs), short(ncols));
     fit.pair[clause.fitcount++] = {data, f, 0};
 }
 

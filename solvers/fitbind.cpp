@@ -38,7 +38,9 @@ void checkweight(double w, size_t row) {
 const harray* weightmatrix(const fitpair& pair) {
     if (!pair.weight || !ismatrix(pair.weight)) return nullptr;
     const harray* w = matrixof(pair.weight);
-    if (w->rows != matrixof(pair.data)->rows) tarnerror("FIT: bad weight matrix size");
+    if (w->rows != matrixof(pair.data)->rows)
+        tarnerror(further("%s, %s", describe(pair.weight).c_str(), describe(pair.data).c_str()),
+                  "FIT: bad weight matrix size");
     for (size_t i = 1; i <= w->rows; i++) checkweight(at(w, i, 1), i);
     return w;
 }

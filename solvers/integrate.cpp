@@ -116,11 +116,15 @@ void rebuildodestr(const odesystem& s) {
 }
 
 int integrate(const callargs& a) {
-    if (a.n < 2) tarnerror("INTEGRATE: no system of odes found");
+    if (a.n < 2)
+        tarnerror(further("names of states come before the times, as in INTEGRATE(Y, 0:10:1)"),
+                  "INTEGRATE: no system of odes found");
     const std::vector<int> names = functionlist(a, "too many odes");
     odesolve solve;
     solve.system = odededuce(names, 0);
-    if (!solve.system.active()) tarnerror("INTEGRATE: no system of odes found");
+    if (!solve.system.active())
+        tarnerror(further("%s depends on no differential equation", nametext(names[0]).c_str()),
+                  "INTEGRATE: no system of odes found");
     reorder(solve.system);
     rebuildodestr(solve.system);
     int temp = 0;
@@ -168,15 +172,21 @@ struct statescope {
     ~statescope() { eval.odeactive = saved; }
 };
 
+[[noreturn]] void noiteration(int given) {
+    tarnerror(given > 0 ? further("%s; names with an INITIAL stand before the number of steps",
+                                  describe(given).c_str())
+                        : further("names with an INITIAL stand before the number of steps"),
+              "bad functions or missing initials in ITERATE");
+}
+
 int iterate(const callargs& a) {
     std::vector<int> states;
-    bool bad = a.n < 2;
     for (int k = 1; k < a.n; k++) {
         if (a[k] > 0 && sym(a[k]).type == UNKNOWN && sym(a[k]).name[0] == '.') derivfind(a[k], true);
         states.push_back(a[k] > 0 ? differencestate(a[k]) : 0);
-        bad |= states.back() == 0;
+        if (states.back() == 0) noiteration(a[k]);
     }
-    if (bad) tarnerror("bad functions or missing initials in ITERATE");
+    if (a.n < 2) noiteration(0);
     const std::vector<int> names = functionlist(a, "too many odes");
     const double count = std::trunc(scalarval(a[a.n]));
     if (!(count >= 1 && count < 4294967296.0)) argrange("ITERATE");

@@ -120,7 +120,10 @@ double startpoint(int state) {
 void lowerstates(deduction& d, int state) {
     for (int lower = state; isderivative(lower);) {
         lower = derivativetostate(d, lower);
-        if (lower == 0) tarnerror("Lower order initial missing in case of higher order derivative");
+        if (lower == 0)
+            tarnerror(
+                further("%s has a start and what it is the derivative of has none", nametext(state).c_str()),
+                "Lower order initial missing in case of higher order derivative");
     }
 }
 
@@ -137,7 +140,9 @@ int derivativeof(deduction& d, int state, int derivative) {
                   derivtext(sym(state).name).c_str(), d.s.var ? sym(d.s.var).name : "?");
     if (isstate(derivative)) {
         const int next = findderivative(d, derivative);
-        if (next < 0) tarnerror("Higher order derivative missing");
+        if (next < 0)
+            tarnerror(further("the derivative of %s is not defined", nametext(derivative).c_str()),
+                      "Higher order derivative missing");
         if (addstate(d, derivative, next)) walkderivative(d, d.s.derivs.back());
     } else if (isderivative(state)) {
         lowerstates(d, state);
@@ -156,7 +161,9 @@ bool addstate(deduction& d, int state, int derivative) {
     if (d.s.states.empty())
         d.s.t0 = t;
     else if (t != d.s.t0)
-        tarnerror("All initials do NOT have the same starting point");
+        tarnerror(further("%s starts at %g, %s at %g", nametext(d.s.states[0]).c_str(), d.s.t0,
+                          nametext(state).c_str(), t),
+                  "All initials do NOT have the same starting point");
     if (d.s.states.size() >= MAXEQUATIONS) tarnerror("too many initials");
     d.s.states.push_back(state);
     d.s.derivs.push_back(derivative);
@@ -199,10 +206,14 @@ void takefunction(deduction& d, size_t i) {
 void odeusable(int f, int nargs) {
     if (nargs == 0 || sym(f).type == INITIALVALUE) return;
     if (sym(f).type == USERFUNCTION) {
-        if (formalcount(f) != nargs) tarnerror("incorrect number of arguments of a function\n");
+        if (formalcount(f) != nargs)
+            tarnerror(
+                further("%s has %d of them and is given %d", nametext(f).c_str(), formalcount(f), nargs),
+                "incorrect number of arguments of a function\n");
         return;
     }
-    if (sym(f).type < -399) tarnerror("trying to evaluate illegal function\n");
+    const furtherline which = further("%s", nametext(f).c_str());
+    if (sym(f).type < -399) tarnerror(which, "trying to evaluate illegal function\n");
     const signed char* slots = sym(f).val.argd;
     if (slots[0] < 0) return;
     int mandatory = 0;
@@ -210,9 +221,10 @@ void odeusable(int f, int nargs) {
         mandatory += slots[k] > 0;
         const int type = std::abs(slots[k]);
         if (k <= nargs && type != 4 && type != 20 && type != 22 && type != 24)
-            tarnerror("non-scalar argument type in a function\n");
+            tarnerror(which, "non-scalar argument type in a function\n");
     }
-    if (nargs < mandatory || nargs > slots[0]) tarnerror("incorrect number of arguments of a function\n");
+    if (nargs < mandatory || nargs > slots[0])
+        tarnerror(which, "incorrect number of arguments of a function\n");
 }
 
 namespace {

@@ -147,7 +147,9 @@ void startvalue(odesolve& solve, size_t k, std::vector<char>& done, double* y) {
     for (size_t j = 0; j < s.states.size(); j++)
         if (j != k && treeuses(funcbody(state), s.states[j])) startvalue(solve, j, done, y);
     const double x = evalref(funcbody(state), parser.poltop);
-    if (eval.matrixflag) tarnerror("illegal use of matrix in user function");
+    if (eval.matrixflag)
+        tarnerror(further("the start of %s", nametext(state).c_str()),
+                  "illegal use of matrix in user function");
     y[k] = sym(state).val.rval = x;
 }
 
