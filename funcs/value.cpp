@@ -20,6 +20,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <vector>
 
 evalstate eval;
@@ -331,11 +332,21 @@ double arithmetic(int op, double a, double b) {
     }
 }
 
+// ref: the operand that is a matrix where a number is due.
+[[noreturn]] void matrixmisused(int ref) {
+    const furtherline more =
+        issymbolref(ref) ? further("%s; a number is due, as M(I,J)", describe(ref).c_str())
+        : isformalref(ref)
+            ? further("an argument is a matrix and a number is due; F ON M takes one by one")
+            : further("what stands beside an operator is a matrix and a number is due, as M(I,J)");
+    tarnerror(more, MATRIXMISUSE);
+}
+
 double operatornode(const trinode n, int p) {
     const double a = evalref(n.left, p);
     const int leftflag = eval.matrixflag;
     const double b = n.op < TREENOT ? evalref(n.right, p) : 0;
-    if (leftflag || eval.matrixflag) tarnerror(MATRIXMISUSE);
+    if (leftflag || eval.matrixflag) matrixmisused(leftflag ? n.left : n.right);
     return arithmetic(n.op, a, b);
 }
 
@@ -361,7 +372,7 @@ double evalnode(int ref, int p) {
 
 double evalscalar(int ref, int p) {
     const double x = evalref(ref, p);
-    if (eval.matrixflag) tarnerror(MATRIXMISUSE);
+    if (eval.matrixflag) matrixmisused(ref);
     return x;
 }
 
