@@ -285,6 +285,7 @@ void flatunitcompiler::complete() {
         unit.stored.push_back(int16_t(f));
     }
     unit.saved.resize(stored.size());
+    unit.storedrow.resize(stored.size());
     for (int d : dummies)
         if (calleeread.count(d) || stored.count(d)) throw flatrefused{};
     for (int s : source.symbols)

@@ -144,8 +144,12 @@ int holding(const blockrun& run, const flatop& o, uint8_t* holds, Condition cond
     return count;
 }
 
-// A function keeps the value of the last row.
+// A function keeps the value of the last row in which it is called; a branch may have left out that row.
 void store(const blockrun& run, const flatop& o) {
+    const std::vector<int16_t>& stored = run.unit.stored;
+    int& row = run.unit.storedrow[size_t(std::find(stored.begin(), stored.end(), o.dst) - stored.begin())];
+    if (run.lastrow() < row) return;
+    row = run.lastrow();
     const column a = run.operand(o.a);
     sym(o.dst).val.rval = a.x[a.varies ? run.lastplace() : 0];
 }
@@ -164,8 +168,7 @@ template <class T> void sortrows(T* x, const uint8_t* holds, int n) {
 }
 
 /* The jump before pc parts the rows: `count` of them go on to the word before target, which jumps to where
- * the branches meet, the others from target to there. The part with the last row runs last, so that what it
- * stores stays. */
+ * the branches meet, the others from target to there. */
 flatresult blockrun::branch(int pc, int target, const uint8_t* holds, int count) {
     for (size_t r = 0; r < routine.lastuse.size(); r++)
         if (vary[r] && routine.firstset[r] < pc && routine.lastuse[r] >= pc)
@@ -176,13 +179,8 @@ flatresult blockrun::branch(int pc, int target, const uint8_t* holds, int count)
     yes.n = count;
     no.first += count;
     no.n -= count;
-    const bool yeslast = yes.lastrow() > no.lastrow();
-    for (bool which : {!yeslast, yeslast}) {
-        const int meet = routine.code[size_t(target) - 1].dst;
-        const flatresult result = which ? yes.execute(pc, target - 1) : no.execute(target, meet);
-        if (result != FLATDONE) return result;
-    }
-    return FLATDONE;
+    const flatresult result = yes.execute(pc, target - 1);
+    return result != FLATDONE ? result : no.execute(target, routine.code[size_t(target) - 1].dst);
 }
 
 [[gnu::flatten]] flatresult blockrun::execute(int from, int to) {
@@ -245,5 +243,6 @@ flatresult blockrun::branch(int pc, int target, const uint8_t* holds, int count)
 flatresult run(const flatunit& unit, const flatroutine& routine, int from, int to, const uint8_t* vary,
                double* frame, double* block, uint16_t* order, int n) {
     for (int i = 0; i < n; i++) order[i] = uint16_t(i);
+    std::fill(unit.storedrow.begin(), unit.storedrow.end(), -1);
     return blockrun{unit, routine, vary, frame, block, order, 0, n, false}.execute(from, to);
 }

@@ -123,6 +123,7 @@ struct flatunit {
     std::vector<columnroutine> columns; // of the same functions; null where there is none
     std::vector<int16_t> stored;        // functions whose last value a run sets
     std::vector<double> saved;          // and what it was before
+    mutable std::vector<int> storedrow; // and the last row of the block that has set it
     std::vector<int16_t> dummies;       // names that the operators with a dummy bind
     uint32_t sweeps = 0;                // trinodes.sweeps when it was made
     bool odedependent = false, odeactive = false;

@@ -240,6 +240,19 @@ TEST_F(FlatTest, AHeldProgramFollowsItsRebuiltUnit) {
     EXPECT_EQ(held(4), -3);
 }
 
+TEST_F(FlatTest, AFunctionKeepsTheValueOfItsLastRow) {
+    define("P(X) = X+1");
+    const double x[] = {1, 2, 3};
+    for (const char* q :
+         {"Q(X) = P(X)+(IF X = 2 THEN P(10) ELSE 0)", "Q(X) = P(X)+(IF X = 2 THEN 0 ELSE P(X))",
+          "Q(X) = (IF X = 3 THEN P(3) ELSE 0)+(IF X = 1 THEN P(10) ELSE 0)"}) {
+        define(q);
+        double y[3];
+        flatrows(symtablookup("Q"), 3, 1, x, y, 1);
+        EXPECT_EQ(sym(symtablookup("P")).val.rval, 4) << q;
+    }
+}
+
 TEST_F(FlatTest, ProgramsNoticeChanges) {
     const int a = set("A", 1);
     define("F(X) = A*X");
