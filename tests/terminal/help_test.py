@@ -47,7 +47,7 @@ def test_a_name_that_is_not_there_offers_its_neighbours():
         s.prompted()
         s.send("HELP SINN" + ENTER)
         s.expect("Choice <SINN> not found in helpfile.")
-        assert "sinint" in s.screen.text()
+        s.until(lambda: "sinint" in s.screen.text(), "the names beside it")
         s.send(ESC)
         s.prompted()
         s.send("HELP +" + ENTER)
